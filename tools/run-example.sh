@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Builds the engine and runs its demo; extra arguments go to the demo
+# (a PEVRANO_* configuration file, for instance).
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+bash "$root/tools/deps.sh"
+cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$root/build" -j"$(nproc)" --target pevrano_demo
+mkdir -p "$root/build/demo-run"
+cd "$root/build/demo-run"
+"$root/build/examples/pevrano_demo" "$@"
