@@ -1,0 +1,104 @@
+// The 4D vector as a quaternion: identity, conjugate, Hamilton product,
+// Euler construction, axis/angle extraction. Expected values come from the
+// scalar/vector form of the product, q1 q2 = (w1 w2 - v1.v2, w1 v2 + w2 v1 + v1 x v2),
+// and from the closed form (sin(t/2) axis, cos(t/2)).
+#include "math/k3mvector4d.h"
+#include "math_expect.h"
+
+#include <cmath>
+
+namespace {
+
+// Reference Hamilton product written in scalar/vector terms.
+K3MVECTOR4D hamilton(const K3MVECTOR4D &a, const K3MVECTOR4D &b)
+{
+    double va[3] = {a.x, a.y, a.z}, vb[3] = {b.x, b.y, b.z};
+    double cross[3] = {va[1] * vb[2] - va[2] * vb[1], va[2] * vb[0] - va[0] * vb[2],
+                       va[0] * vb[1] - va[1] * vb[0]};
+    double out[4];
+    for (int i = 0; i < 3; i++)
+        out[i] = a.w * vb[i] + b.w * va[i] + cross[i];
+    out[3] = double(a.w) * b.w - (va[0] * vb[0] + va[1] * vb[1] + va[2] * vb[2]);
+    return K3MVECTOR4D(out[0], out[1], out[2], out[3]);
+}
+
+// Rotation of angle radians about a unit axis.
+K3MVECTOR4D axisAngle(double angle, double x, double y, double z)
+{
+    double s = std::sin(angle / 2);
+    return K3MVECTOR4D(x * s, y * s, z * s, std::cos(angle / 2));
+}
+
+}  // namespace
+
+TEST(Quaternion, IdentityConjugateAndComponents)
+{
+    K3MVECTOR4D q(5, 6, 7, 8);
+    EXPECT_COMPONENTS(q.quaternionSetIdentity(), 0, 0, 0, 1);
+    EXPECT_COMPONENTS(q, 0, 0, 0, 1);
+
+    // The conjugate, not divided by the squared norm (30 here).
+    K3MVECTOR4D p(1, 2, 3, 4);
+    EXPECT_COMPONENTS(p.quaternionInverted(), -1, -2, -3, 4);
+    EXPECT_COMPONENTS(p, 1, 2, 3, 4);
+    EXPECT_COMPONENTS(p.quaternionInvert(), -1, -2, -3, 4);
+    EXPECT_COMPONENTS(p, -1, -2, -3, 4);
+
+    // "Eulers" are the vector part as it is, without any conversion.
+    EXPECT_COMPONENTS(K3MVECTOR4D(0.1f, 0.2f, 0.3f, 0.9f).quaternionGetEulers(), 0.1f, 0.2f, 0.3f);
+    EXPECT_COMPONENTS(axisAngle(1.0, 0, 1, 0).quaternionGetEulers(), 0, float(std::sin(0.5)), 0);
+}
+
+TEST(Quaternion, HamiltonProduct)
+{
+    K3MVECTOR4D i(1, 0, 0, 0), j(0, 1, 0, 0), k(0, 0, 1, 0);
+    EXPECT_COMPONENTS(i.quaternionMultiply(j), 0, 0, 1, 0);
+    EXPECT_COMPONENTS(j.quaternionMultiply(i), 0, 0, -1, 0);
+    EXPECT_COMPONENTS(j.quaternionMultiply(k), 1, 0, 0, 0);
+    EXPECT_COMPONENTS(k.quaternionMultiply(k), 0, 0, 0, -1);
+
+    // (v=(1,2,3), w=4)(v=(5,6,7), w=8): w = 32 - 38, v = 4(5,6,7) + 8(1,2,3) + (-4,8,-4).
+    EXPECT_COMPONENTS(K3MVECTOR4D(1, 2, 3, 4).quaternionMultiply(K3MVECTOR4D(5, 6, 7, 8)), 24, 48, 48, -6);
+
+    K3MVECTOR4D a(0.3f, -0.7f, 1.1f, 0.5f), b(-1.3f, 0.2f, 0.9f, -0.4f);
+    K3MVECTOR4D expected = hamilton(a, b);
+    EXPECT_COMPONENTS_NEAR(1e-6, a.quaternionMultiply(b), expected.x, expected.y, expected.z, expected.w);
+    // A unit quaternion times its conjugate is the identity.
+    K3MVECTOR4D r = axisAngle(0.8, 0.6, 0.0, 0.8);
+    EXPECT_COMPONENTS_NEAR(1e-6, r.quaternionMultiply(r.quaternionInverted()), 0, 0, 0, 1);
+}
+
+TEST(Quaternion, SetEulers)
+{
+    const double a = 0.4, b = -1.1, c = 2.3;
+    // Each angle alone: a turns about y, b about x, c about z.
+    K3MVECTOR4D q;
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(float(a), 0.0f, 0.0f), 0, std::sin(a / 2), 0, std::cos(a / 2));
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, float(b), 0.0f), std::sin(b / 2), 0, 0, std::cos(b / 2));
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, 0.0f, float(c)), 0, 0, std::sin(c / 2), std::cos(c / 2));
+
+    // All three: the product (about y by a)(about x by b)(about z by c).
+    K3MVECTOR4D expected = hamilton(hamilton(axisAngle(a, 0, 1, 0), axisAngle(b, 1, 0, 0)), axisAngle(c, 0, 0, 1));
+    K3MVECTOR4D combined;
+    combined.quaternionSetEulers(float(a), float(b), float(c));
+    EXPECT_COMPONENTS_NEAR(1e-6, combined, expected.x, expected.y, expected.z, expected.w);
+    K3MVECTOR4D fromVector;
+    EXPECT_COMPONENTS(fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))),
+                      combined.x, combined.y, combined.z, combined.w);
+    EXPECT_COMPONENTS(K3MVECTOR4D(1, 1, 1, 1).quaternionSetEulers(0.0f, 0.0f, 0.0f), 0, 0, 0, 1);
+}
+
+TEST(Quaternion, AxisAngles)
+{
+    EXPECT_COMPONENTS(K3MVECTOR4D().quaternionGetAxisAngles(), 0, 1, 0, 0);
+    // Below the angle threshold the axis is (0, 1, 0) whatever x, y, z hold.
+    EXPECT_COMPONENTS(K3MVECTOR4D(0.5f, 0.0f, 0.25f, 1.0f).quaternionGetAxisAngles(), 0, 1, 0, 0);
+
+    const double pi = std::acos(-1.0);
+    EXPECT_COMPONENTS_NEAR(1e-6, axisAngle(pi / 2, 0, 0, 1).quaternionGetAxisAngles(), 0, 0, 1, pi / 2);
+    const double k = 1 / std::sqrt(3.0);
+    EXPECT_COMPONENTS_NEAR(1e-6, axisAngle(2.0, k, -k, k).quaternionGetAxisAngles(), k, -k, k, 2.0);
+    // A non-unit vector part is scaled by 1 / sin(angle / 2) only.
+    EXPECT_COMPONENTS_NEAR(1e-6, K3MVECTOR4D(2.0, 0.0, 0.0, std::cos(0.5)).quaternionGetAxisAngles(),
+                           2 / std::sin(0.5), 0, 0, 1.0);
+}
