@@ -1,0 +1,18 @@
+// Eight high-resolution timers measuring the time between two adjourn calls.
+#ifndef KVF_TIMER_H
+#define KVF_TIMER_H
+
+// Takes the lowest free slot; returns its index 0 to 7, or -1 when all are taken.
+int kvfNewTimer(float rate);
+bool kvfFreeTimer(int timer);
+// Measures the time since the previous adjourn (or the creation).
+bool kvfAdjournTimer(int timer);
+// Elapsed seconds times rate at the last adjourn; -1.0 on a bad handle.
+float kvfGetTimerFactor(int timer);
+// Rate divided by factor at the last adjourn; -1.0 on a bad handle.
+float kvfGetTimerFps(int timer);
+
+// Marks every slot free (kvfInit).
+void kvfResetTimers();
+
+#endif

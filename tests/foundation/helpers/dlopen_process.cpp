@@ -1,0 +1,44 @@
+// Loads the engine library at run time (it is not linked in), logs through
+// it, unloads it, then copies the log: the copy shows what the unload wrote
+// before the process ends. Exit status: 0 done, 2 load failed, 3 symbol
+// missing, 4 still loaded after dlclose, 5 copy failed.
+#include <dlfcn.h>
+
+#include <cstdio>
+
+namespace {
+
+bool copyFile(const char* from, const char* to) {
+    FILE* in = fopen(from, "rb");
+    if (!in) return false;
+    FILE* out = fopen(to, "wb");
+    if (!out) {
+        fclose(in);
+        return false;
+    }
+    char block[4096];
+    size_t length;
+    while ((length = fread(block, 1, sizeof block, in)) > 0) fwrite(block, 1, length, out);
+    fclose(out);
+    fclose(in);
+    return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return 1;
+    void* library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        fprintf(stderr, "%s\n", dlerror());
+        return 2;
+    }
+    // kvfLog(const char*, ...) under its C++ linkage name.
+    using LogFunction = bool (*)(const char*, ...);
+    LogFunction log = reinterpret_cast<LogFunction>(dlsym(library, "_Z6kvfLogPKcz"));
+    if (!log) return 3;
+    log("   loaded at run time\n");
+    dlclose(library);
+    if (dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD)) return 4;
+    return copyFile("pevrano_log.txt", "after_unload.txt") ? 0 : 5;
+}

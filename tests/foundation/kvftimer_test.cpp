@@ -1,0 +1,205 @@
+#include <pevrano.h>
+
+#include "foundation/kvfplatform.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <dlfcn.h>
+#include <string>
+#include <thread>
+
+#include "support/scratch.h"
+
+using namespace pvtest;
+
+// The library's calls to the counter resolve to this definition in the test
+// executable, so a test can hold the clock still or move it at will; without
+// a fake value it answers with the library's own counter.
+namespace {
+bool fakeClock = false;
+long long fakeNow = 0;
+}  // namespace
+
+long long kvfPerformanceCounter() {
+    if (fakeClock) return fakeNow;
+    using Counter = long long (*)();
+    static Counter real = reinterpret_cast<Counter>(dlsym(RTLD_NEXT, "_Z21kvfPerformanceCounterv"));
+    return real ? real() : 0;
+}
+
+namespace {
+
+struct FakeClock {
+    explicit FakeClock(long long start) {
+        fakeClock = true;
+        fakeNow = start;
+    }
+    ~FakeClock() { fakeClock = false; }
+};
+
+}  // namespace
+
+TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed) {
+    ScratchDir dir;
+    LogCapture capture;
+    for (int expected = 0; expected < 8; ++expected) EXPECT_EQ(kvfNewTimer(1.0f), expected);
+    EXPECT_EQ(kvfNewTimer(1.0f), -1);
+    EXPECT_EQ(capture.text(), "kvfNewTimer: no more timers\n");
+    EXPECT_TRUE(kvfFreeTimer(5));
+    EXPECT_TRUE(kvfFreeTimer(2));
+    EXPECT_EQ(kvfNewTimer(1.0f), 2);
+    EXPECT_EQ(kvfNewTimer(1.0f), 5);
+    EXPECT_EQ(kvfNewTimer(1.0f), -1);
+}
+
+TEST(Timers, BadHandlesAndFreeSlots) {
+    ScratchDir dir;
+    LogCapture capture;
+    int timer = kvfNewTimer(1.0f);
+    ASSERT_EQ(timer, 0);
+    EXPECT_FALSE(kvfFreeTimer(-1));
+    EXPECT_FALSE(kvfFreeTimer(8));
+    EXPECT_FALSE(kvfAdjournTimer(1));
+    EXPECT_EQ(kvfGetTimerFactor(8), -1.0f);
+    EXPECT_EQ(kvfGetTimerFps(-3), -1.0f);
+    EXPECT_TRUE(kvfFreeTimer(timer));
+    EXPECT_FALSE(kvfFreeTimer(timer));
+    EXPECT_FALSE(kvfAdjournTimer(timer));
+    EXPECT_EQ(kvfGetTimerFactor(timer), -1.0f);
+    EXPECT_EQ(kvfGetTimerFps(timer), -1.0f);
+    EXPECT_EQ(capture.text(),
+              "kvfFreeTimer: wrong params\n"
+              "kvfFreeTimer: wrong params\n"
+              "kvfAdjournTimer: wrong params\n"
+              "kvfGetTimerFactor: wrong params\n"
+              "kvfGetTimerFps: wrong params\n"
+              "kvfFreeTimer: wrong params\n"
+              "kvfAdjournTimer: wrong params\n"
+              "kvfGetTimerFactor: wrong params\n"
+              "kvfGetTimerFps: wrong params\n");
+}
+
+TEST(Timers, ZeroRateLooksFree) {
+    ScratchDir dir;
+    LogCapture capture;
+    EXPECT_EQ(kvfNewTimer(0.0f), 0);
+    EXPECT_EQ(kvfNewTimer(1.0f), 0);
+    EXPECT_EQ(kvfNewTimer(1.0f), 1);
+    EXPECT_EQ(capture.text(), "");
+}
+
+TEST(Timers, FactorAndFpsFromTheCounter) {
+    ScratchDir dir;
+    LogCapture capture;
+    FakeClock clock(5000000000LL);
+    int timer = kvfNewTimer(2.0f);
+    ASSERT_GE(timer, 0);
+    // Never adjourned: a fresh slot reads 0.
+    EXPECT_EQ(kvfGetTimerFactor(timer), 0.0f);
+    EXPECT_EQ(kvfGetTimerFps(timer), 0.0f);
+    // A quarter of a second at rate 2: factor 0.5, fps 4.
+    fakeNow += 250000000LL;
+    EXPECT_TRUE(kvfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
+    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 4.0f);
+    // Reading does not measure again.
+    fakeNow += 1000000000LL;
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
+    // Two seconds since the previous adjourn: factor 4, fps 0.5.
+    fakeNow += 1000000000LL;
+    EXPECT_TRUE(kvfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 4.0f);
+    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 0.5f);
+    // Same tick, then a counter going back: factor 1, fps equal to the rate.
+    EXPECT_TRUE(kvfAdjournTimer(timer));
+    EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
+    EXPECT_EQ(kvfGetTimerFps(timer), 2.0f);
+    fakeNow -= 10;
+    EXPECT_TRUE(kvfAdjournTimer(timer));
+    EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
+    EXPECT_EQ(capture.text(), "");
+}
+
+TEST(Timers, FreedSlotKeepsItsLastFiguresUntilAdjourned) {
+    ScratchDir dir;
+    LogCapture capture;
+    FakeClock clock(0);
+    int timer = kvfNewTimer(1.0f);
+    fakeNow += 500000000LL;
+    kvfAdjournTimer(timer);
+    kvfFreeTimer(timer);
+    ASSERT_EQ(kvfNewTimer(1.0f), timer);
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
+    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 2.0f);
+}
+
+TEST(Timers, RealClockMeasuresSeconds) {
+    ScratchDir dir;
+    LogCapture capture;
+    auto start = std::chrono::steady_clock::now();
+    int timer = kvfNewTimer(1.0f);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ASSERT_TRUE(kvfAdjournTimer(timer));
+    double outer = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    float factor = kvfGetTimerFactor(timer);
+    EXPECT_GE(factor, 0.05f);
+    EXPECT_LE(factor, outer + 1e-6);
+    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 1.0f / factor);
+}
+
+TEST(Ids, FirstIsOneAndTheLowestFreeComesBack) {
+    ScratchDir dir;
+    LogCapture capture;
+    EXPECT_EQ(kvfNewId(), 1u);
+    EXPECT_EQ(kvfNewId(), 2u);
+    EXPECT_EQ(kvfNewId(), 3u);
+    EXPECT_TRUE(kvfReleaseId(2));
+    EXPECT_TRUE(kvfReleaseId(1));
+    EXPECT_EQ(kvfNewId(), 1u);
+    EXPECT_EQ(kvfNewId(), 2u);
+    EXPECT_EQ(kvfNewId(), 4u);
+    EXPECT_EQ(capture.text(), "");
+}
+
+TEST(Ids, ReleaseMessages) {
+    ScratchDir dir;
+    LogCapture capture;
+    unsigned int id = kvfNewId();
+    EXPECT_FALSE(kvfReleaseId(0));
+    EXPECT_FALSE(kvfReleaseId(70000));
+    EXPECT_FALSE(kvfReleaseId(65536));
+    EXPECT_FALSE(kvfReleaseId(65535));
+    EXPECT_TRUE(kvfReleaseId(id));
+    EXPECT_FALSE(kvfReleaseId(id));
+    kvfLog(" continues here\n");
+    EXPECT_EQ(capture.text(),
+              "releaseId: invalid params (0)\n"
+              "releaseId: invalid params (70000)\n"
+              "releaseId: invalid params (65536)\n"
+              "releaseId: ID already released (65535)"
+              "releaseId: ID already released (1) continues here\n");
+}
+
+TEST(Ids, AllTaken) {
+    ScratchDir dir;
+    LogCapture capture;
+    unsigned int last = 0;
+    for (unsigned int expected = 1; expected <= 65535; ++expected) {
+        last = kvfNewId();
+        if (last != expected) break;
+    }
+    EXPECT_EQ(last, 65535u);
+    EXPECT_EQ(kvfNewId(), 0u);
+    EXPECT_EQ(capture.text(), "kvfNewId: all ID are used\n");
+    EXPECT_TRUE(kvfReleaseId(40000));
+    EXPECT_EQ(kvfNewId(), 40000u);
+}
+
+TEST(Ids, NoTableAfterShutdown) {
+    ScratchDir dir;
+    LogCapture capture;
+    kvfShutdown();
+    EXPECT_EQ(kvfNewId(), 0u);
+    EXPECT_FALSE(kvfReleaseId(1));
+}
