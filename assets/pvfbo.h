@@ -1,0 +1,57 @@
+// Off-screen render target. On the fixed-function GL profile a frame buffer
+// only remembers its texture or size and sets the viewport when it becomes
+// current (and only where frame buffers are supported at all).
+#ifndef PVFBO_H
+#define PVFBO_H
+
+#define PV_FBO_NAME_SIZE 256
+
+class PVTEXTURE;
+class PVSHADER;
+
+class PVFBO {
+public:
+    PVFBO();
+    ~PVFBO();
+    PVFBO(const PVFBO&) = delete;
+    PVFBO& operator=(const PVFBO&) = delete;
+
+    // Deletes every registered frame buffer; false when there was none.
+    static bool cleanUp();
+    static unsigned int getNumberOfFbos();
+
+    bool isOk();
+    bool bindTexture(int attachment, PVTEXTURE* texture);
+    bool bindRenderBuffer(int attachment, int sizeX, int sizeY);
+    // Makes this frame buffer current, setting the viewport to its size.
+    bool render(void* param);
+    // Forgets the current frame buffer; the viewport is not restored.
+    static void unbind();
+    bool blur(PVFBO* target, PVSHADER* shader, int passes);
+    bool computeLuminance(float* luminance);
+
+    PVTEXTURE* getTexture();
+    int getSizeX();
+    int getSizeY();
+    unsigned int getId();
+    char* getName();
+
+private:
+    friend struct PVTESTACCESS;
+
+    unsigned int id;
+    char name[PV_FBO_NAME_SIZE];
+    PVFBO* previous;
+    PVFBO* next;
+    PVTEXTURE* texture;
+    int sizeX;
+    int sizeY;
+    unsigned int frameBufferHandle;
+    unsigned int renderBufferHandle;
+
+    static PVFBO* firstFbo;
+    static PVFBO* currentFbo;
+    static int viewport[4];
+};
+
+#endif

@@ -1,0 +1,111 @@
+// PVFBO bookkeeping: registry, names, and the viewport it sets where frame
+// buffers are supported.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "assets/pvfbo.h"
+#include "support/glcontext.h"
+#include "support/glrecorder.h"
+#include "support/scratch.h"
+#include "support/testaccess.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+// Frame buffers only hold texture pointers; the texture itself is never used.
+PVTEXTURE* someTexture()
+{
+    static int storage;
+    return reinterpret_cast<PVTEXTURE*>(&storage);
+}
+
+class FrameBuffers : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(context.ok()); }
+
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    pvtest::GlContext context;
+    pvtest::GlRecorder recorder;
+};
+
+TEST_F(FrameBuffers, RegistryNamesAndCleanUp)
+{
+    PVFBO* first = new PVFBO();
+    PVFBO* second = new PVFBO();
+    EXPECT_EQ(first->getName(), "[fbo " + std::to_string(first->getId()) + "]");
+    EXPECT_EQ(second->getName(), "[fbo " + std::to_string(second->getId()) + "]");
+    EXPECT_EQ(second->getId(), first->getId() + 1);
+    EXPECT_EQ(PVFBO::getNumberOfFbos(), 2u);
+    EXPECT_EQ(first->getTexture(), nullptr);
+    EXPECT_EQ(first->getSizeX(), 0);
+    EXPECT_EQ(first->getSizeY(), 0);
+
+    delete first;
+    EXPECT_EQ(PVFBO::getNumberOfFbos(), 1u);
+    PVFBO* third = new PVFBO();
+    EXPECT_EQ(third->getId(), second->getId() - 1);  // the freed id again
+    new PVFBO();
+    EXPECT_EQ(PVFBO::getNumberOfFbos(), 3u);
+
+    EXPECT_TRUE(PVFBO::cleanUp());
+    EXPECT_EQ(PVFBO::getNumberOfFbos(), 0u);
+    EXPECT_FALSE(PVFBO::cleanUp());
+    EXPECT_EQ(log.text(), "   3 fbo(s) released\n");
+}
+
+TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
+{
+    PVFBO fbo;
+    EXPECT_FALSE(fbo.isOk());
+    recorder.start();
+    EXPECT_FALSE(fbo.bindTexture(0, nullptr));
+    EXPECT_FALSE(fbo.bindTexture(0, someTexture()));
+    EXPECT_FALSE(fbo.bindRenderBuffer(0, 128, 64));
+    EXPECT_TRUE(fbo.render(nullptr));
+    PVFBO::unbind();
+    EXPECT_TRUE(fbo.blur(&fbo, nullptr, 2));
+    float luminance = 0.5f;
+    EXPECT_TRUE(fbo.computeLuminance(&luminance));
+    recorder.stop();
+
+    EXPECT_TRUE(recorder.calls().empty()) << recorder.text();
+    EXPECT_EQ(fbo.getTexture(), nullptr);
+    EXPECT_EQ(fbo.getSizeX(), 0);
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
+}
+
+TEST_F(FrameBuffers, RenderSetsTheViewportOncePerBinding)
+{
+    PVTESTACCESS::setFBOSupport(true);
+    PVFBO fbo;
+    PVFBO other;
+    EXPECT_TRUE(fbo.isOk());
+    EXPECT_TRUE(fbo.bindRenderBuffer(0, 128, 64));
+    EXPECT_TRUE(other.bindRenderBuffer(0, 32, 16));
+    EXPECT_EQ(fbo.getSizeX(), 128);
+    EXPECT_EQ(fbo.getSizeY(), 64);
+
+    recorder.start();
+    fbo.render(nullptr);
+    fbo.render(nullptr);
+    PVFBO::unbind();
+    fbo.render(nullptr);
+    other.render(nullptr);
+    fbo.render(nullptr);
+    recorder.stop();
+    EXPECT_EQ(recorder.calls(), (Calls{"glViewport(0,0,128,64)", "glViewport(0,0,128,64)", "glViewport(0,0,32,16)",
+                                       "glViewport(0,0,128,64)"}));
+
+    // A null texture is refused with the message even here.
+    EXPECT_FALSE(fbo.bindTexture(0, nullptr));
+    EXPECT_TRUE(fbo.bindTexture(0, someTexture()));
+    EXPECT_EQ(fbo.getTexture(), someTexture());
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
+    PVTESTACCESS::setFBOSupport(false);
+}
+
+}  // namespace

@@ -1,0 +1,100 @@
+// Off-screen EGL context on Mesa's surfaceless platform.
+#include "support/glcontext.h"
+
+#include <EGL/eglext.h>
+#include <GLES/gl.h>
+
+namespace pvtest {
+
+namespace {
+
+EGLDisplay surfacelessDisplay()
+{
+    auto getPlatformDisplay =
+        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+    if (!getPlatformDisplay)
+        return EGL_NO_DISPLAY;
+    return getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+}
+
+EGLint configValue(EGLDisplay display, EGLConfig config, EGLint attribute)
+{
+    EGLint value = 0;
+    eglGetConfigAttrib(display, config, attribute, &value);
+    return value;
+}
+
+}  // namespace
+
+GlContext::GlContext(int width, int height, Format format) : width_(width), height_(height)
+{
+    display_ = surfacelessDisplay();
+    if (display_ == EGL_NO_DISPLAY || !eglInitialize(display_, nullptr, nullptr))
+        return;
+    EGLConfig config;
+    if (!eglBindAPI(EGL_OPENGL_ES_API) || !chooseConfig(format, &config))
+        return;
+    const EGLint surfaceAttributes[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
+    surface_ = eglCreatePbufferSurface(display_, config, surfaceAttributes);
+    if (surface_ == EGL_NO_SURFACE)
+        return;
+    const EGLint contextAttributes[] = {EGL_CONTEXT_CLIENT_VERSION, 1, EGL_NONE};
+    EGLContext context = eglCreateContext(display_, config, EGL_NO_CONTEXT, contextAttributes);
+    if (context == EGL_NO_CONTEXT)
+        return;
+    if (!eglMakeCurrent(display_, surface_, surface_, context)) {
+        eglDestroyContext(display_, context);
+        return;
+    }
+    context_ = context;
+    glViewport(0, 0, width, height);
+}
+
+GlContext::~GlContext()
+{
+    if (display_ == EGL_NO_DISPLAY)
+        return;
+    eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (context_ != EGL_NO_CONTEXT)
+        eglDestroyContext(display_, context_);
+    if (surface_ != EGL_NO_SURFACE)
+        eglDestroySurface(display_, surface_);
+    // The display stays initialised: terminating it unloads the driver, whose
+    // leaks would then no longer be attributable to it.
+}
+
+// The first pbuffer configuration with exactly the wanted colour sizes.
+bool GlContext::chooseConfig(Format format, EGLConfig* config)
+{
+    const EGLint red = format == RGB565 ? 5 : 8;
+    const EGLint green = format == RGB565 ? 6 : 8;
+    const EGLint attributes[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_ES_BIT,
+                                 EGL_RED_SIZE, red, EGL_GREEN_SIZE, green, EGL_BLUE_SIZE, red,
+                                 EGL_DEPTH_SIZE, 16, EGL_NONE};
+    EGLConfig configs[64];
+    EGLint count = 0;
+    if (!eglChooseConfig(display_, attributes, configs, 64, &count))
+        return false;
+    for (EGLint i = 0; i < count; i++) {
+        if (configValue(display_, configs[i], EGL_RED_SIZE) != red ||
+            configValue(display_, configs[i], EGL_GREEN_SIZE) != green ||
+            configValue(display_, configs[i], EGL_BLUE_SIZE) != red)
+            continue;
+        *config = configs[i];
+        redBits_ = red;
+        greenBits_ = green;
+        blueBits_ = red;
+        return true;
+    }
+    return false;
+}
+
+uint32_t GlContext::readPixel(int x, int y) const
+{
+    GLubyte rgba[4] = {0, 0, 0, 0};
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+    return rgba[0] | (rgba[1] << 8) | (rgba[2] << 16) | (static_cast<uint32_t>(rgba[3]) << 24);
+}
+
+}  // namespace pvtest

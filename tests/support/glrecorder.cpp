@@ -1,0 +1,616 @@
+// GL call recorder: definitions of the GL entry points in the test executable
+// that forward to the real GL library and record each call as text.
+#include "support/glrecorder.h"
+
+#include <dlfcn.h>
+
+#include <GLES/gl.h>
+#include <GLES/glext.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+
+namespace pvtest {
+
+namespace {
+
+GlRecorder* activeRecorder = nullptr;
+
+// The real entry point: the next definition after this executable, or the
+// one in the GL library opened explicitly.
+void* realSymbol(const char* name)
+{
+    void* symbol = dlsym(RTLD_NEXT, name);
+    if (!symbol) {
+        static void* library = dlopen("libGLESv1_CM.so.1", RTLD_NOW | RTLD_GLOBAL);
+        if (library)
+            symbol = dlsym(library, name);
+    }
+    if (!symbol) {
+        fprintf(stderr, "glrecorder: no GL entry point %s\n", name);
+        abort();
+    }
+    return symbol;
+}
+
+const std::map<GLenum, const char*>& enumNames()
+{
+#define PV_ENUM(e) {e, #e}
+    static const std::map<GLenum, const char*> names = {
+        // Capabilities and client arrays.
+        PV_ENUM(GL_BLEND), PV_ENUM(GL_CULL_FACE), PV_ENUM(GL_DEPTH_TEST), PV_ENUM(GL_SCISSOR_TEST),
+        PV_ENUM(GL_STENCIL_TEST), PV_ENUM(GL_ALPHA_TEST), PV_ENUM(GL_DITHER), PV_ENUM(GL_FOG),
+        PV_ENUM(GL_LIGHTING), PV_ENUM(GL_TEXTURE_2D), PV_ENUM(GL_NORMALIZE), PV_ENUM(GL_RESCALE_NORMAL),
+        PV_ENUM(GL_COLOR_MATERIAL), PV_ENUM(GL_POLYGON_OFFSET_FILL), PV_ENUM(GL_MULTISAMPLE),
+        PV_ENUM(GL_POINT_SMOOTH), PV_ENUM(GL_LINE_SMOOTH), PV_ENUM(GL_COLOR_LOGIC_OP),
+        PV_ENUM(GL_SAMPLE_ALPHA_TO_COVERAGE), PV_ENUM(GL_SAMPLE_ALPHA_TO_ONE), PV_ENUM(GL_SAMPLE_COVERAGE),
+        PV_ENUM(GL_VERTEX_ARRAY), PV_ENUM(GL_NORMAL_ARRAY), PV_ENUM(GL_COLOR_ARRAY),
+        PV_ENUM(GL_TEXTURE_COORD_ARRAY), PV_ENUM(GL_POINT_SIZE_ARRAY_OES),
+        PV_ENUM(GL_LIGHT0), PV_ENUM(GL_LIGHT1), PV_ENUM(GL_LIGHT2), PV_ENUM(GL_LIGHT3),
+        PV_ENUM(GL_LIGHT4), PV_ENUM(GL_LIGHT5), PV_ENUM(GL_LIGHT6), PV_ENUM(GL_LIGHT7),
+        // Matrices.
+        PV_ENUM(GL_MODELVIEW), PV_ENUM(GL_PROJECTION), PV_ENUM(GL_TEXTURE),
+        // Comparison functions.
+        PV_ENUM(GL_NEVER), PV_ENUM(GL_LESS), PV_ENUM(GL_EQUAL), PV_ENUM(GL_LEQUAL),
+        PV_ENUM(GL_GREATER), PV_ENUM(GL_NOTEQUAL), PV_ENUM(GL_GEQUAL), PV_ENUM(GL_ALWAYS),
+        // Blend factors (GL_ZERO and GL_ONE are written by blendFactor).
+        PV_ENUM(GL_SRC_COLOR), PV_ENUM(GL_ONE_MINUS_SRC_COLOR), PV_ENUM(GL_SRC_ALPHA),
+        PV_ENUM(GL_ONE_MINUS_SRC_ALPHA), PV_ENUM(GL_DST_ALPHA), PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
+        PV_ENUM(GL_DST_COLOR), PV_ENUM(GL_ONE_MINUS_DST_COLOR), PV_ENUM(GL_SRC_ALPHA_SATURATE),
+        // Faces, shading, hints.
+        PV_ENUM(GL_FRONT), PV_ENUM(GL_BACK), PV_ENUM(GL_FRONT_AND_BACK), PV_ENUM(GL_CW), PV_ENUM(GL_CCW),
+        PV_ENUM(GL_FLAT), PV_ENUM(GL_SMOOTH), PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT),
+        PV_ENUM(GL_POINT_SMOOTH_HINT), PV_ENUM(GL_LINE_SMOOTH_HINT), PV_ENUM(GL_FOG_HINT),
+        PV_ENUM(GL_GENERATE_MIPMAP_HINT), PV_ENUM(GL_DONT_CARE), PV_ENUM(GL_FASTEST), PV_ENUM(GL_NICEST),
+        // Lights, materials, light model, fog.
+        PV_ENUM(GL_AMBIENT), PV_ENUM(GL_DIFFUSE), PV_ENUM(GL_SPECULAR), PV_ENUM(GL_POSITION),
+        PV_ENUM(GL_SPOT_DIRECTION), PV_ENUM(GL_SPOT_EXPONENT), PV_ENUM(GL_SPOT_CUTOFF),
+        PV_ENUM(GL_CONSTANT_ATTENUATION), PV_ENUM(GL_LINEAR_ATTENUATION), PV_ENUM(GL_QUADRATIC_ATTENUATION),
+        PV_ENUM(GL_EMISSION), PV_ENUM(GL_SHININESS), PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
+        PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT), PV_ENUM(GL_FOG_MODE),
+        PV_ENUM(GL_FOG_DENSITY), PV_ENUM(GL_FOG_START), PV_ENUM(GL_FOG_END), PV_ENUM(GL_FOG_COLOR),
+        PV_ENUM(GL_EXP), PV_ENUM(GL_EXP2),
+        // Data types and pixel formats.
+        PV_ENUM(GL_BYTE), PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_SHORT), PV_ENUM(GL_UNSIGNED_SHORT),
+        PV_ENUM(GL_FLOAT), PV_ENUM(GL_FIXED), PV_ENUM(GL_ALPHA), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA),
+        PV_ENUM(GL_LUMINANCE), PV_ENUM(GL_LUMINANCE_ALPHA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
+        PV_ENUM(GL_UNSIGNED_SHORT_4_4_4_4), PV_ENUM(GL_UNSIGNED_SHORT_5_5_5_1),
+        PV_ENUM(GL_UNPACK_ALIGNMENT), PV_ENUM(GL_PACK_ALIGNMENT),
+        // Textures.
+        PV_ENUM(GL_TEXTURE_ENV), PV_ENUM(GL_TEXTURE_ENV_MODE), PV_ENUM(GL_TEXTURE_ENV_COLOR),
+        PV_ENUM(GL_MODULATE), PV_ENUM(GL_DECAL), PV_ENUM(GL_ADD), PV_ENUM(GL_REPLACE), PV_ENUM(GL_COMBINE),
+        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST),
+        PV_ENUM(GL_LINEAR_MIPMAP_NEAREST), PV_ENUM(GL_NEAREST_MIPMAP_LINEAR), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
+        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
+        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_GENERATE_MIPMAP), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE),
+        PV_ENUM(GL_TEXTURE0), PV_ENUM(GL_TEXTURE1), PV_ENUM(GL_TEXTURE2), PV_ENUM(GL_TEXTURE3),
+        // Stencil operations and queries.
+        PV_ENUM(GL_KEEP), PV_ENUM(GL_INCR), PV_ENUM(GL_DECR), PV_ENUM(GL_INVERT),
+        PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
+        PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
+        PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
+        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS), PV_ENUM(GL_MATRIX_MODE),
+    };
+#undef PV_ENUM
+    return names;
+}
+
+std::string hex(unsigned int value)
+{
+    char text[16];
+    snprintf(text, sizeof(text), "0x%04X", value);
+    return text;
+}
+
+std::string enumText(GLenum value)
+{
+    auto found = enumNames().find(value);
+    return found != enumNames().end() ? found->second : hex(value);
+}
+
+// Parameters that hold either an enumeration or a number.
+std::string paramText(GLint value)
+{
+    auto found = enumNames().find(static_cast<GLenum>(value));
+    if (value >= 0x100 && found != enumNames().end())
+        return found->second;
+    return std::to_string(value);
+}
+
+std::string primitiveText(GLenum mode)
+{
+    static const char* const names[] = {"GL_POINTS", "GL_LINES", "GL_LINE_LOOP", "GL_LINE_STRIP",
+                                        "GL_TRIANGLES", "GL_TRIANGLE_STRIP", "GL_TRIANGLE_FAN"};
+    return mode < 7 ? names[mode] : hex(mode);
+}
+
+std::string blendFactorText(GLenum factor)
+{
+    if (factor == GL_ZERO)
+        return "GL_ZERO";
+    if (factor == GL_ONE)
+        return "GL_ONE";
+    return enumText(factor);
+}
+
+std::string clearMaskText(GLbitfield mask)
+{
+    static const std::pair<GLbitfield, const char*> bits[] = {{GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT"},
+                                                              {GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT"},
+                                                              {GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT"}};
+    std::string text;
+    for (const auto& bit : bits) {
+        if (!(mask & bit.first))
+            continue;
+        text += (text.empty() ? "" : "|") + std::string(bit.second);
+        mask &= ~bit.first;
+    }
+    if (mask || text.empty())
+        text += (text.empty() ? "" : "|") + hex(mask);
+    return text;
+}
+
+// Number of values behind a vector parameter.
+int lightValueCount(GLenum pname)
+{
+    if (pname == GL_SPOT_DIRECTION)
+        return 3;
+    bool colourOrPosition = pname == GL_AMBIENT || pname == GL_DIFFUSE || pname == GL_SPECULAR || pname == GL_POSITION;
+    return colourOrPosition ? 4 : 1;
+}
+
+int materialValueCount(GLenum pname) { return pname == GL_SHININESS ? 1 : 4; }
+int lightModelValueCount(GLenum pname) { return pname == GL_LIGHT_MODEL_AMBIENT ? 4 : 1; }
+int fogValueCount(GLenum pname) { return pname == GL_FOG_COLOR ? 4 : 1; }
+int texEnvValueCount(GLenum pname) { return pname == GL_TEXTURE_ENV_COLOR ? 4 : 1; }
+
+// Builds "name(arg,arg,...)".
+class CallText {
+public:
+    explicit CallText(const char* function) : text_(function) { text_ += '('; }
+    CallText& raw(const std::string& argument)
+    {
+        if (text_.back() != '(')
+            text_ += ',';
+        text_ += argument;
+        return *this;
+    }
+    CallText& en(GLenum value) { return raw(enumText(value)); }
+    CallText& num(long long value) { return raw(std::to_string(value)); }
+    CallText& param(GLint value) { return raw(paramText(value)); }
+    template <typename T>
+    CallText& values(const T* data, int count)
+    {
+        std::string list = "{";
+        for (int i = 0; i < count && data; i++)
+            list += (i ? "," : "") + std::to_string(data[i]);
+        return raw(list + "}");
+    }
+    std::string done() { return text_ + ')'; }
+
+private:
+    std::string text_;
+};
+
+}  // namespace
+
+GlRecorder::~GlRecorder()
+{
+    stop();
+}
+
+void GlRecorder::start()
+{
+    calls_.clear();
+    activeRecorder = this;
+}
+
+void GlRecorder::stop()
+{
+    if (activeRecorder == this)
+        activeRecorder = nullptr;
+}
+
+bool GlRecorder::recording() const
+{
+    return activeRecorder == this;
+}
+
+std::string GlRecorder::functionOf(const std::string& call)
+{
+    return call.substr(0, call.find('('));
+}
+
+std::vector<long long> GlRecorder::numbersOf(const std::string& call)
+{
+    std::vector<long long> numbers;
+    size_t i = call.find('(');
+    while (i != std::string::npos && i < call.size()) {
+        char separator = call[i++];
+        bool startsNumber = (separator == '(' || separator == ',' || separator == '{') &&
+                            i < call.size() && (isdigit(static_cast<unsigned char>(call[i])) || call[i] == '-');
+        bool hexValue = call.compare(i, 2, "0x") == 0;
+        if (startsNumber && !hexValue)
+            numbers.push_back(strtoll(call.c_str() + i, nullptr, 10));
+        i = call.find_first_of("(,{", i);
+    }
+    return numbers;
+}
+
+std::vector<std::string> GlRecorder::filter(const std::string& function) const
+{
+    return filter(std::vector<std::string>{function});
+}
+
+std::vector<std::string> GlRecorder::filter(const std::vector<std::string>& functions) const
+{
+    std::vector<std::string> matching;
+    for (const std::string& call : calls_)
+        for (const std::string& function : functions)
+            if (functionOf(call) == function)
+                matching.push_back(call);
+    return matching;
+}
+
+size_t GlRecorder::countCall(const std::string& call) const
+{
+    size_t count = 0;
+    for (const std::string& recorded : calls_)
+        count += recorded == call;
+    return count;
+}
+
+std::string GlRecorder::text() const
+{
+    std::string all;
+    for (const std::string& call : calls_)
+        all += call + "\n";
+    return all;
+}
+
+}  // namespace pvtest
+
+using pvtest::CallText;
+using pvtest::activeRecorder;
+
+// Records the call (built only while recording) and forwards it.
+#define PV_RECORD(call)                                 \
+    do {                                                \
+        if (activeRecorder)                             \
+            activeRecorder->append((call).done());      \
+    } while (0)
+#define PV_FORWARD(function, ...)                                                                          \
+    static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function));      \
+    return real(__VA_ARGS__)
+
+// Capabilities and fixed state.
+void glEnable(GLenum cap) { PV_RECORD(CallText("glEnable").en(cap)); PV_FORWARD(glEnable, cap); }
+void glDisable(GLenum cap) { PV_RECORD(CallText("glDisable").en(cap)); PV_FORWARD(glDisable, cap); }
+void glEnableClientState(GLenum array)
+{
+    PV_RECORD(CallText("glEnableClientState").en(array));
+    PV_FORWARD(glEnableClientState, array);
+}
+void glDisableClientState(GLenum array)
+{
+    PV_RECORD(CallText("glDisableClientState").en(array));
+    PV_FORWARD(glDisableClientState, array);
+}
+GLboolean glIsEnabled(GLenum cap) { PV_RECORD(CallText("glIsEnabled").en(cap)); PV_FORWARD(glIsEnabled, cap); }
+void glHint(GLenum target, GLenum mode)
+{
+    PV_RECORD(CallText("glHint").en(target).en(mode));
+    PV_FORWARD(glHint, target, mode);
+}
+void glShadeModel(GLenum mode) { PV_RECORD(CallText("glShadeModel").en(mode)); PV_FORWARD(glShadeModel, mode); }
+void glCullFace(GLenum mode) { PV_RECORD(CallText("glCullFace").en(mode)); PV_FORWARD(glCullFace, mode); }
+void glFrontFace(GLenum mode) { PV_RECORD(CallText("glFrontFace").en(mode)); PV_FORWARD(glFrontFace, mode); }
+void glDepthFunc(GLenum func) { PV_RECORD(CallText("glDepthFunc").en(func)); PV_FORWARD(glDepthFunc, func); }
+void glDepthMask(GLboolean flag) { PV_RECORD(CallText("glDepthMask").num(flag)); PV_FORWARD(glDepthMask, flag); }
+void glDepthRangex(GLfixed n, GLfixed f)
+{
+    PV_RECORD(CallText("glDepthRangex").num(n).num(f));
+    PV_FORWARD(glDepthRangex, n, f);
+}
+void glColorMask(GLboolean r, GLboolean g, GLboolean b, GLboolean a)
+{
+    PV_RECORD(CallText("glColorMask").num(r).num(g).num(b).num(a));
+    PV_FORWARD(glColorMask, r, g, b, a);
+}
+void glBlendFunc(GLenum sfactor, GLenum dfactor)
+{
+    PV_RECORD(CallText("glBlendFunc").raw(pvtest::blendFactorText(sfactor)).raw(pvtest::blendFactorText(dfactor)));
+    PV_FORWARD(glBlendFunc, sfactor, dfactor);
+}
+void glAlphaFuncx(GLenum func, GLfixed ref)
+{
+    PV_RECORD(CallText("glAlphaFuncx").en(func).num(ref));
+    PV_FORWARD(glAlphaFuncx, func, ref);
+}
+void glLogicOp(GLenum opcode) { PV_RECORD(CallText("glLogicOp").en(opcode)); PV_FORWARD(glLogicOp, opcode); }
+void glStencilFunc(GLenum func, GLint ref, GLuint mask)
+{
+    PV_RECORD(CallText("glStencilFunc").en(func).num(ref).num(mask));
+    PV_FORWARD(glStencilFunc, func, ref, mask);
+}
+void glStencilOp(GLenum fail, GLenum zfail, GLenum zpass)
+{
+    PV_RECORD(CallText("glStencilOp").en(fail).en(zfail).en(zpass));
+    PV_FORWARD(glStencilOp, fail, zfail, zpass);
+}
+void glStencilMask(GLuint mask) { PV_RECORD(CallText("glStencilMask").num(mask)); PV_FORWARD(glStencilMask, mask); }
+void glPolygonOffsetx(GLfixed factor, GLfixed units)
+{
+    PV_RECORD(CallText("glPolygonOffsetx").num(factor).num(units));
+    PV_FORWARD(glPolygonOffsetx, factor, units);
+}
+void glLineWidthx(GLfixed width) { PV_RECORD(CallText("glLineWidthx").num(width)); PV_FORWARD(glLineWidthx, width); }
+void glPointSizex(GLfixed size) { PV_RECORD(CallText("glPointSizex").num(size)); PV_FORWARD(glPointSizex, size); }
+
+// Clearing, viewport, scissor, pixels.
+void glClearColorx(GLfixed r, GLfixed g, GLfixed b, GLfixed a)
+{
+    PV_RECORD(CallText("glClearColorx").num(r).num(g).num(b).num(a));
+    PV_FORWARD(glClearColorx, r, g, b, a);
+}
+void glClearDepthx(GLfixed depth) { PV_RECORD(CallText("glClearDepthx").num(depth)); PV_FORWARD(glClearDepthx, depth); }
+void glClearStencil(GLint s) { PV_RECORD(CallText("glClearStencil").num(s)); PV_FORWARD(glClearStencil, s); }
+void glClear(GLbitfield mask)
+{
+    PV_RECORD(CallText("glClear").raw(pvtest::clearMaskText(mask)));
+    PV_FORWARD(glClear, mask);
+}
+void glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
+{
+    PV_RECORD(CallText("glViewport").num(x).num(y).num(width).num(height));
+    PV_FORWARD(glViewport, x, y, width, height);
+}
+void glScissor(GLint x, GLint y, GLsizei width, GLsizei height)
+{
+    PV_RECORD(CallText("glScissor").num(x).num(y).num(width).num(height));
+    PV_FORWARD(glScissor, x, y, width, height);
+}
+void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels)
+{
+    PV_RECORD(CallText("glReadPixels").num(x).num(y).num(width).num(height).en(format).en(type));
+    PV_FORWARD(glReadPixels, x, y, width, height, format, type, pixels);
+}
+void glPixelStorei(GLenum pname, GLint param)
+{
+    PV_RECORD(CallText("glPixelStorei").en(pname).num(param));
+    PV_FORWARD(glPixelStorei, pname, param);
+}
+void glFlush() { PV_RECORD(CallText("glFlush")); PV_FORWARD(glFlush); }
+void glFinish() { PV_RECORD(CallText("glFinish")); PV_FORWARD(glFinish); }
+
+// Colour, normal, lights, materials, fog.
+void glColor4x(GLfixed r, GLfixed g, GLfixed b, GLfixed a)
+{
+    PV_RECORD(CallText("glColor4x").num(r).num(g).num(b).num(a));
+    PV_FORWARD(glColor4x, r, g, b, a);
+}
+void glColor4ub(GLubyte r, GLubyte g, GLubyte b, GLubyte a)
+{
+    PV_RECORD(CallText("glColor4ub").num(r).num(g).num(b).num(a));
+    PV_FORWARD(glColor4ub, r, g, b, a);
+}
+void glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a)
+{
+    PV_RECORD(CallText("glColor4f").raw(std::to_string(r)).raw(std::to_string(g)).raw(std::to_string(b))
+                  .raw(std::to_string(a)));
+    PV_FORWARD(glColor4f, r, g, b, a);
+}
+void glNormal3x(GLfixed x, GLfixed y, GLfixed z)
+{
+    PV_RECORD(CallText("glNormal3x").num(x).num(y).num(z));
+    PV_FORWARD(glNormal3x, x, y, z);
+}
+void glLightx(GLenum light, GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glLightx").en(light).en(pname).num(param));
+    PV_FORWARD(glLightx, light, pname, param);
+}
+void glLightxv(GLenum light, GLenum pname, const GLfixed* params)
+{
+    PV_RECORD(CallText("glLightxv").en(light).en(pname).values(params, pvtest::lightValueCount(pname)));
+    PV_FORWARD(glLightxv, light, pname, params);
+}
+void glLightModelx(GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glLightModelx").en(pname).num(param));
+    PV_FORWARD(glLightModelx, pname, param);
+}
+void glLightModelxv(GLenum pname, const GLfixed* param)
+{
+    PV_RECORD(CallText("glLightModelxv").en(pname).values(param, pvtest::lightModelValueCount(pname)));
+    PV_FORWARD(glLightModelxv, pname, param);
+}
+void glMaterialx(GLenum face, GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glMaterialx").en(face).en(pname).num(param));
+    PV_FORWARD(glMaterialx, face, pname, param);
+}
+void glMaterialxv(GLenum face, GLenum pname, const GLfixed* param)
+{
+    PV_RECORD(CallText("glMaterialxv").en(face).en(pname).values(param, pvtest::materialValueCount(pname)));
+    PV_FORWARD(glMaterialxv, face, pname, param);
+}
+void glFogx(GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glFogx").en(pname).param(param));
+    PV_FORWARD(glFogx, pname, param);
+}
+void glFogxv(GLenum pname, const GLfixed* param)
+{
+    PV_RECORD(CallText("glFogxv").en(pname).values(param, pvtest::fogValueCount(pname)));
+    PV_FORWARD(glFogxv, pname, param);
+}
+
+// Matrices.
+void glMatrixMode(GLenum mode) { PV_RECORD(CallText("glMatrixMode").en(mode)); PV_FORWARD(glMatrixMode, mode); }
+void glLoadIdentity() { PV_RECORD(CallText("glLoadIdentity")); PV_FORWARD(glLoadIdentity); }
+void glLoadMatrixx(const GLfixed* m) { PV_RECORD(CallText("glLoadMatrixx").values(m, 16)); PV_FORWARD(glLoadMatrixx, m); }
+void glMultMatrixx(const GLfixed* m) { PV_RECORD(CallText("glMultMatrixx").values(m, 16)); PV_FORWARD(glMultMatrixx, m); }
+void glPushMatrix() { PV_RECORD(CallText("glPushMatrix")); PV_FORWARD(glPushMatrix); }
+void glPopMatrix() { PV_RECORD(CallText("glPopMatrix")); PV_FORWARD(glPopMatrix); }
+void glRotatex(GLfixed angle, GLfixed x, GLfixed y, GLfixed z)
+{
+    PV_RECORD(CallText("glRotatex").num(angle).num(x).num(y).num(z));
+    PV_FORWARD(glRotatex, angle, x, y, z);
+}
+void glTranslatex(GLfixed x, GLfixed y, GLfixed z)
+{
+    PV_RECORD(CallText("glTranslatex").num(x).num(y).num(z));
+    PV_FORWARD(glTranslatex, x, y, z);
+}
+void glScalex(GLfixed x, GLfixed y, GLfixed z)
+{
+    PV_RECORD(CallText("glScalex").num(x).num(y).num(z));
+    PV_FORWARD(glScalex, x, y, z);
+}
+void glFrustumx(GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f)
+{
+    PV_RECORD(CallText("glFrustumx").num(l).num(r).num(b).num(t).num(n).num(f));
+    PV_FORWARD(glFrustumx, l, r, b, t, n, f);
+}
+void glOrthox(GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f)
+{
+    PV_RECORD(CallText("glOrthox").num(l).num(r).num(b).num(t).num(n).num(f));
+    PV_FORWARD(glOrthox, l, r, b, t, n, f);
+}
+
+// Arrays and drawing.
+void glVertexPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
+{
+    PV_RECORD(CallText("glVertexPointer").num(size).en(type).num(stride));
+    PV_FORWARD(glVertexPointer, size, type, stride, pointer);
+}
+void glNormalPointer(GLenum type, GLsizei stride, const void* pointer)
+{
+    PV_RECORD(CallText("glNormalPointer").en(type).num(stride));
+    PV_FORWARD(glNormalPointer, type, stride, pointer);
+}
+void glColorPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
+{
+    PV_RECORD(CallText("glColorPointer").num(size).en(type).num(stride));
+    PV_FORWARD(glColorPointer, size, type, stride, pointer);
+}
+void glTexCoordPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
+{
+    PV_RECORD(CallText("glTexCoordPointer").num(size).en(type).num(stride));
+    PV_FORWARD(glTexCoordPointer, size, type, stride, pointer);
+}
+void glDrawArrays(GLenum mode, GLint first, GLsizei count)
+{
+    PV_RECORD(CallText("glDrawArrays").raw(pvtest::primitiveText(mode)).num(first).num(count));
+    PV_FORWARD(glDrawArrays, mode, first, count);
+}
+void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
+{
+    PV_RECORD(CallText("glDrawElements").raw(pvtest::primitiveText(mode)).num(count).en(type));
+    PV_FORWARD(glDrawElements, mode, count, type, indices);
+}
+
+// Textures.
+void glActiveTexture(GLenum texture)
+{
+    PV_RECORD(CallText("glActiveTexture").en(texture));
+    PV_FORWARD(glActiveTexture, texture);
+}
+void glClientActiveTexture(GLenum texture)
+{
+    PV_RECORD(CallText("glClientActiveTexture").en(texture));
+    PV_FORWARD(glClientActiveTexture, texture);
+}
+void glMultiTexCoord4x(GLenum texture, GLfixed s, GLfixed t, GLfixed r, GLfixed q)
+{
+    PV_RECORD(CallText("glMultiTexCoord4x").en(texture).num(s).num(t).num(r).num(q));
+    PV_FORWARD(glMultiTexCoord4x, texture, s, t, r, q);
+}
+void glGenTextures(GLsizei n, GLuint* textures)
+{
+    PV_RECORD(CallText("glGenTextures").num(n));
+    PV_FORWARD(glGenTextures, n, textures);
+}
+void glDeleteTextures(GLsizei n, const GLuint* textures)
+{
+    PV_RECORD(CallText("glDeleteTextures").num(n).values(textures, n));
+    PV_FORWARD(glDeleteTextures, n, textures);
+}
+void glBindTexture(GLenum target, GLuint texture)
+{
+    PV_RECORD(CallText("glBindTexture").en(target).num(texture));
+    PV_FORWARD(glBindTexture, target, texture);
+}
+void glTexImage2D(GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
+                  GLenum format, GLenum type, const void* pixels)
+{
+    PV_RECORD(CallText("glTexImage2D").en(target).num(level).param(internalformat).num(width).num(height)
+                  .num(border).en(format).en(type));
+    PV_FORWARD(glTexImage2D, target, level, internalformat, width, height, border, format, type, pixels);
+}
+void glTexSubImage2D(GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
+                     GLenum format, GLenum type, const void* pixels)
+{
+    PV_RECORD(CallText("glTexSubImage2D").en(target).num(level).num(xoffset).num(yoffset).num(width)
+                  .num(height).en(format).en(type));
+    PV_FORWARD(glTexSubImage2D, target, level, xoffset, yoffset, width, height, format, type, pixels);
+}
+void glCopyTexImage2D(GLenum target, GLint level, GLenum internalformat, GLint x, GLint y, GLsizei width,
+                      GLsizei height, GLint border)
+{
+    PV_RECORD(CallText("glCopyTexImage2D").en(target).num(level).en(internalformat).num(x).num(y).num(width)
+                  .num(height).num(border));
+    PV_FORWARD(glCopyTexImage2D, target, level, internalformat, x, y, width, height, border);
+}
+void glTexParameterx(GLenum target, GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glTexParameterx").en(target).en(pname).param(param));
+    PV_FORWARD(glTexParameterx, target, pname, param);
+}
+void glTexParameteri(GLenum target, GLenum pname, GLint param)
+{
+    PV_RECORD(CallText("glTexParameteri").en(target).en(pname).param(param));
+    PV_FORWARD(glTexParameteri, target, pname, param);
+}
+void glTexParameterf(GLenum target, GLenum pname, GLfloat param)
+{
+    PV_RECORD(CallText("glTexParameterf").en(target).en(pname).param(static_cast<GLint>(param)));
+    PV_FORWARD(glTexParameterf, target, pname, param);
+}
+void glTexEnvx(GLenum target, GLenum pname, GLfixed param)
+{
+    PV_RECORD(CallText("glTexEnvx").en(target).en(pname).param(param));
+    PV_FORWARD(glTexEnvx, target, pname, param);
+}
+void glTexEnvi(GLenum target, GLenum pname, GLint param)
+{
+    PV_RECORD(CallText("glTexEnvi").en(target).en(pname).param(param));
+    PV_FORWARD(glTexEnvi, target, pname, param);
+}
+void glTexEnvxv(GLenum target, GLenum pname, const GLfixed* params)
+{
+    PV_RECORD(CallText("glTexEnvxv").en(target).en(pname).values(params, pvtest::texEnvValueCount(pname)));
+    PV_FORWARD(glTexEnvxv, target, pname, params);
+}
+
+// Queries.
+void glGetIntegerv(GLenum pname, GLint* data)
+{
+    PV_RECORD(CallText("glGetIntegerv").en(pname));
+    PV_FORWARD(glGetIntegerv, pname, data);
+}
+void glGetFixedv(GLenum pname, GLfixed* params)
+{
+    PV_RECORD(CallText("glGetFixedv").en(pname));
+    PV_FORWARD(glGetFixedv, pname, params);
+}
+void glGetBooleanv(GLenum pname, GLboolean* data)
+{
+    PV_RECORD(CallText("glGetBooleanv").en(pname));
+    PV_FORWARD(glGetBooleanv, pname, data);
+}
+const GLubyte* glGetString(GLenum name) { PV_RECORD(CallText("glGetString").en(name)); PV_FORWARD(glGetString, name); }
+GLenum glGetError() { PV_RECORD(CallText("glGetError")); PV_FORWARD(glGetError); }

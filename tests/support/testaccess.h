@@ -1,0 +1,25 @@
+// Reaches the class-wide entry points that the engine keeps for PEVRANO
+// (start-up, shut-down) and the capability flags nothing public can set, so
+// that unit tests can drive them without starting the whole engine. The
+// classes name this struct as a friend.
+#ifndef PEVRANO_TESTS_TESTACCESS_H
+#define PEVRANO_TESTS_TESTACCESS_H
+
+#include "assets/pvshader.h"
+#include "core/pvopengl.h"
+
+struct PVTESTACCESS {
+    static bool openglInit() { return PVOPENGL::init(); }
+    static bool openglFree() { return PVOPENGL::free(); }
+    static bool openglIsActive() { return PVOPENGL::isActive(); }
+    static void setFBOSupport(bool on) { PVOPENGL::FBOFlag = on; }
+
+    static bool shaderInit() { return PVSHADER::init(); }
+    static bool shaderFree() { return PVSHADER::free(); }
+    static bool shaderIsActive() { return PVSHADER::isActive(); }
+    static bool shaderEnabled() { return PVSHADER::enabled; }
+    static PVSHADER* currentShader() { return PVSHADER::currentShader; }
+    static void setCurrentShader(PVSHADER* shader) { PVSHADER::currentShader = shader; }
+};
+
+#endif
