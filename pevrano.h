@@ -3,11 +3,34 @@
 #define PEVRANO_H
 
 // Foundation: log, counted memory, timers, identifiers, key/value parser.
+#include "foundation/kvflog.h"
+#include "foundation/kvfmemory.h"
+#include "foundation/kvftimer.h"
+#include "foundation/kvfid.h"
+#include "foundation/kvffile.h"
+#include "foundation/kvfparser.h"
 
 // Math: vectors, quaternions, matrix, plane.
+#include "math/k3mvector2d.h"
+#include "math/k3mvector3d.h"
+#include "math/k3mvector4d.h"
+#include "math/k3mmatrix.h"
+#include "math/k3mplane.h"
 
 // Engine core: lifecycle, settings and display, GL state, float GL wrapper.
+#include "core/pvsettings.h"
+#include "core/pevrano.h"
+#include "core/pvopengl.h"
+#include "core/pvgl.h"
 
 // Scene graph: node, render list, camera, light.
+#include "scene/pvnode.h"
+#include "scene/pvelement.h"
+#include "scene/pvcamera.h"
+#include "scene/pvlight.h"
+
+// Assets: shaders and frame buffers.
+#include "assets/pvshader.h"
+#include "assets/pvfbo.h"
 
 #endif

@@ -1,11 +1,12 @@
 // Load and unload hooks of the engine library: the log opens as soon as the
 // library is in the process and closes when it leaves, so it covers everything
 // from before PEVRANO::init to after PEVRANO::free.
+#include "core/pevrano.h"
 #include "foundation/kvflog.h"
 
 namespace {
 
-const char* const engineVersion = "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)";
+const char* const engineVersion = PEVRANO_VERSION_STRING;
 
 // Runs before the library's other static initialisers, so they may log.
 __attribute__((constructor(101))) void libraryLoaded() {

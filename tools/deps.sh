@@ -3,7 +3,7 @@
 # only when one of them is missing.
 set -euo pipefail
 packages=(build-essential cmake pkg-config
-  libsdl1.2-dev libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri
+  libsdl1.2-dev libx11-dev libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri
   libtinyxml-dev libmpeg2-4-dev libpng-dev
   libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth)
 missing=()

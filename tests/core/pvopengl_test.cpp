@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/pevrano.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -288,6 +289,54 @@ TEST_F(OpenGlState, ResizeWithEmptySizeWarnsAndCarriesOn)
     EXPECT_EQ(recorder.filter("glViewport"),
               (Calls{"glViewport(0," + std::to_string(PVSETTINGS::getSDLWindowY()) + ",0,0)"}));
     EXPECT_EQ(recorder.count("glFrustumx"), 1u);
+}
+
+// Landscape display: the projection is turned by 90 degrees about z before the
+// frustum, whose aspect is height / width.
+TEST(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    PVSETTINGS settings;
+    settings.setWindowX(160);
+    settings.setWindowY(120);
+    settings.setLandscape(true);
+    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    const size_t initLength = log.text().size();
+
+    pvtest::GlRecorder recorder;
+    recorder.start();
+    EXPECT_TRUE(PVOPENGL::resize(10, 20, 80, 40));
+    recorder.stop();
+    // Viewport y = 120 - 20 - 40; the rotation is 90 * 65536 about (0, 0, 65536).
+    Calls calls = recorder.calls();
+    ASSERT_EQ(calls.size(), 7u) << recorder.text();
+    EXPECT_EQ(pvtest::GlRecorder::functionOf(calls[4]), "glFrustumx");
+    calls.erase(calls.begin() + 4);
+    EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "glViewport(10,60,80,40)",
+                            "glRotatex(5898240,0,0,65536)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()"}));
+    // Aspect 40 / 80 with the default 45 degrees, near 1 and far 1024.
+    const double h = tan(22.5 * M_PI / 180.0);
+    expectFixedNear(frustumArguments(recorder), {-h * 0.5, h * 0.5, -h, h, 1.0, 1024.0});
+
+    // Shadow: F * R with F = (2/(r-l), 2/(t-b) = 1/h on the diagonal, no
+    // factor n) and R the quarter turn, so column 0 of R (0, 1) is scaled by
+    // 2/h and column 1 (-1, 0) by 1/h; the depth rows are F's.
+    float projection[16];
+    PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
+    const double expected[16] = {0, 2 / h, 0, 0, -1 / h, 0, 0, 0, 0, 0, -1025.0 / 1023.0, -2048.0 / 1023.0,
+                                 0, 0, -1, 0};
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(projection[i], expected[i], 1e-5) << "shadow element " << i;
+    // GL's own R . F puts the same terms in elements 1 and 4.
+    GLfloat glProjection[16];
+    glGetFloatv(GL_PROJECTION_MATRIX, glProjection);
+    EXPECT_NEAR(glProjection[0], 0.0, 1e-3);
+    EXPECT_NEAR(glProjection[1], 2 / h, 1e-3);
+    EXPECT_NEAR(glProjection[4], -1 / h, 1e-3);
+    EXPECT_NEAR(glProjection[5], 0.0, 1e-3);
+    EXPECT_EQ(log.text().substr(initLength), "");
+    EXPECT_TRUE(PEVRANO::free());
 }
 
 TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)

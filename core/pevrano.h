@@ -1,0 +1,124 @@
+// The engine's entry point: start-up and shut-down of every engine class, the
+// frame (clear, 3D pass, picking, 2D pass, swap), the frame timer and stamp,
+// the video-memory budget, the skybox and the post-effect switches.
+#ifndef PV_PEVRANO_H
+#define PV_PEVRANO_H
+
+// The name the engine gives itself in the log and as the default window title.
+#define PEVRANO_VERSION_STRING "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)"
+
+#define PEVRANO_PATH_SIZE 256
+
+class PVSETTINGS;
+class PVNODE;
+class PVCAMERA;
+
+class PEVRANO {
+public:
+    // Start-up; a null settings record means the default configuration.
+    static bool init(PVSETTINGS* settings);
+    // Shut-down; false (and no log line) if the engine was not active.
+    static bool free();
+    static bool isActive() { return active; }
+
+    // The frame: clear, begin3D, passes, end3D, [select], begin2D, passes, end2D, swap.
+    static bool clear(bool color, bool depth, bool stencil);
+    static bool begin3D(PVCAMERA* camera);
+    static bool end3D(bool);
+    static bool begin2D();
+    static bool end2D();
+    static bool swap();
+    // Colour code of the selectable object drawn under a window point (y downwards).
+    static unsigned int select(int x, int y);
+
+    // Adjourns the frame timer, at most once per frame.
+    static void updateTimer();
+    static float getFPS();
+    static float getFPSfactor();
+    static long getTimeStamp() { return timeStamp; }
+
+    // Video-memory budget; the counters wrap, they are never checked.
+    static unsigned int getVideoMemory() { return videoMemoryTotal; }
+    static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
+    static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
+    static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
+    static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
+
+    // Folder prefix of scene files; callers keep paths below 256 characters.
+    static void setPVEPath(const char* path);
+    static char* getPVEPath() { return pvePath; }
+    static void setSkybox(PVNODE* node) { skybox = node; }
+    static PVNODE* getSkybox() { return skybox; }
+
+    // Effect switches. Bloom, depth of field and shadowing only take effect
+    // when the shader class reports the capability.
+    static void wireframeOn() { wireframe = true; }
+    static void wireframeOff() { wireframe = false; }
+    static bool isWireframed() { return wireframe; }
+    static void shadowingOn();
+    static void shadowingOff() { shadowing = false; }
+    static bool isShadowed() { return shadowing; }
+    static void bloomingOn() { blooming = true; }
+    static void bloomingOff() { blooming = false; }
+    static bool isBlooming() { return blooming; }
+    static void setBloomingIntensity(float value) { bloomingIntensity = value; }
+    static float getBloomingIntensity() { return bloomingIntensity; }
+    static void HDROn() { HDR = true; }
+    static void HDROff() { HDR = false; }
+    static bool isHDR() { return HDR; }
+    static void setHDRExposure(float value) { HDRExposure = value; }
+    static float getHDRExposure() { return HDRExposure; }
+    static void DOFOn() { DOF = true; }
+    static void DOFOff() { DOF = false; }
+    static void setDOFFocus(float value) { DOFFocus = value; }
+    static void setDOFRange(float value) { DOFRange = value; }
+    static float getDOFFocus() { return DOFFocus; }
+    static float getDOFRange() { return DOFRange; }
+    static void skipShadowsGeneration() { skipShadows = true; }
+    static void updateVideo() {}
+
+    // Scene-file loader (a PVE file, or an XML interface file handed on).
+    static PVNODE* load(char* fileName);
+    static PVNODE* loadXML(char* fileName);
+
+private:
+    // Test suites reach the private helpers here.
+    friend struct PEVRANOTESTACCESS;
+
+    static PVNODE* recursiveLoad(char* buffer, long* position, PVNODE* parent);
+    static bool recursiveInitBones(PVNODE* root, PVNODE* node);
+    static PVNODE* recursiveLoadXML(PVNODE* parent, void* xmlNode);
+
+    static bool initClasses(PVSETTINGS* settings);
+    static bool failStartUp(const char* message, int succeeded);
+    static void releaseStartUpSteps(int succeeded);
+    static void initVideoMemory();
+    static void adjournTimerOncePerFrame();
+    static void renderSkybox();
+    static void renderPassedElements();
+    static void renderPassedElementsForSelection();
+    static unsigned int readPixelCode(int x, int y);
+
+    static bool active;
+    static int timer;
+    static long timeStamp;
+    static bool wireframe;
+    static bool shadowing;
+    static bool blooming;
+    static float bloomingIntensity;
+    static bool HDR;
+    static float HDRExposure;
+    static float HDRCurrentLuminance;
+    static bool DOF;
+    static float DOFFocus;
+    static float DOFRange;
+    static bool skipShadows;
+    static bool renderingOnFbo;
+    static unsigned int videoMemoryTotal;
+    static unsigned int videoMemoryUsed;
+    static char pvePath[PEVRANO_PATH_SIZE];
+    static PVNODE* skybox;
+    static bool timerAdjourned;
+};
+
+#endif

@@ -1,0 +1,149 @@
+// Helpers of the display tests: expected log lines, some literal and some
+// matched by a pattern (what depends on the platform: GL strings, EGL version,
+// the colour bits of the surface chosen), and the engine's start/stop lines.
+#ifndef PEVRANO_TESTS_CORE_DISPLAYLOG_H
+#define PEVRANO_TESTS_CORE_DISPLAYLOG_H
+
+#include <cstdlib>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace pvtest {
+
+struct LogLine {
+    enum Kind { EXACT, PATTERN, PREFIX } kind;
+    std::string text;
+};
+inline LogLine exact(const std::string& text) { return {LogLine::EXACT, text}; }
+inline LogLine like(const std::string& pattern) { return {LogLine::PATTERN, pattern}; }
+inline LogLine startingWith(const std::string& prefix) { return {LogLine::PREFIX, prefix}; }
+
+inline std::vector<std::string> splitLines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    std::string line;
+    while (std::getline(stream, line))
+        lines.push_back(line);
+    return lines;
+}
+
+// The log text, line by line, against the expected lines (nothing more, nothing less).
+inline void expectLog(const std::string& text, const std::vector<LogLine>& expected)
+{
+    const std::vector<std::string> lines = splitLines(text);
+    ASSERT_EQ(lines.size(), expected.size()) << text;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const LogLine& want = expected[i];
+        switch (want.kind) {
+        case LogLine::EXACT:
+            EXPECT_EQ(lines[i], want.text) << "line " << i;
+            break;
+        case LogLine::PATTERN:
+            EXPECT_TRUE(std::regex_match(lines[i], std::regex(want.text)))
+                << "line " << i << ": '" << lines[i] << "' against " << want.text;
+            break;
+        case LogLine::PREFIX:
+            EXPECT_EQ(lines[i].compare(0, want.text.size(), want.text), 0) << "line " << i << ": " << lines[i];
+            break;
+        }
+    }
+    EXPECT_EQ(text.empty() ? '\n' : text.back(), '\n');
+}
+
+inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
+{
+    to.insert(to.end(), lines.begin(), lines.end());
+}
+
+// True when the tests run against an X server (SDL's X11 window path).
+inline bool onX11()
+{
+    const char* display = std::getenv("DISPLAY");
+    return display && *display;
+}
+
+inline const char* engineName() { return "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)"; }
+
+// "Init settings..." up to the paths, for the default configuration.
+inline std::vector<LogLine> defaultSettingsRequestLines()
+{
+    return {exact("   Init settings..."),
+            exact("      Configuration to set:"),
+            exact("          X: 240, Y: 320"),
+            exact("          depth: 16, zeta: 16, stencil: 0"),
+            exact(std::string("          title: '") + engineName() + "'"),
+            exact("          fullscreen: 1"),
+            exact("          resizable : 0"),
+            exact("          landscape : 0"),
+            exact("          shaders: 0"),
+            exact("          max elems: 0"),
+            exact("          audio: c: 16, b: 32, e: 128"),
+            exact("          shadow map size: 1024"),
+            exact("          FBO map sizes  : 1024, 768"),
+            exact("          Water map size : 256"),
+            exact("          PVE path    : ''"),
+            exact("          PVA path    : ''"),
+            exact("          Texture path: ''"),
+            exact("          Shader path : ''"),
+            exact("          Font path   : ''")};
+}
+
+// From the EGL version to "OpenGL initialized" for the default configuration:
+// off-screen the 16-bit request gets a 5-6-5 surface; an X server may only
+// offer deeper ones.
+inline std::vector<LogLine> defaultDisplayLines()
+{
+    const LogLine depth = onX11() ? like("          depth: (16|24|32), zeta: (16|24|32), stencil: [0-9]+")
+                                  : exact("          depth: 16, zeta: 16, stencil: 0");
+    return {like("      OpenGL ES [0-9]+\\.[0-9]+"),
+            like("      Number of available configs: [1-9][0-9]*"),
+            exact("      Configuration used:"),
+            exact("          SizeX: 240, SizeY: 320"),
+            depth,
+            exact(std::string("          title: '") + engineName() + "'"),
+            exact("          fullscreen: 1"),
+            exact("          landscape : 0"),
+            exact("          shaders: 0"),
+            exact("          audio: c: 0, b: 0, e: 0"),
+            exact("   Settings initialized"),
+            exact("   Init OpenGL..."),
+            like("      Vendor    : .+"),
+            like("      Renderer  : .+"),
+            like("      Version   : OpenGL ES-C[ML] 1\\.[01].*"),
+            startingWith("      Extensions: GL_"),
+            exact(""),
+            exact("   OpenGL initialized")};
+}
+
+inline std::vector<LogLine> engineReadyLines()
+{
+    return {exact("   1024 elements allocated"), exact("   VRam detected: 16384 KB"),
+            exact("   Initialization complete"), exact("")};
+}
+
+inline std::vector<LogLine> engineStartLines()
+{
+    return {exact("   SDL initialized"), exact("   Initialize Pevrano"), exact("")};
+}
+
+inline std::vector<LogLine> engineShutdownLines()
+{
+    return {exact("   Pevrano is shutting down..."),
+            exact("   35 shader(s) released"),
+            exact("   Release OpenGL..."),
+            exact("   OpenGL released"),
+            exact("   Release settings..."),
+            exact("   Settings released"),
+            exact("   SDL released"),
+            exact("   Shutdown complete"),
+            exact("")};
+}
+
+}  // namespace pvtest
+
+#endif

@@ -1,0 +1,253 @@
+// The settings record: defaults, setters, the PEVRANO_* configuration file
+// with its parser quirks, and the configuration in force after start-up.
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+
+#include <string>
+
+#include "core/pevrano.h"
+#include "core/pvsettings.h"
+#include "displaylog.h"
+#include "support/scratch.h"
+
+namespace {
+
+// Every field of a settings record, for whole-record comparisons.
+std::string describe(PVSETTINGS& s)
+{
+    char text[4096];
+    snprintf(text, sizeof text,
+             "title=%s x=%d y=%d depth=%d zeta=%d stencil=%d full=%d resizable=%d landscape=%d cave=%d "
+             "audio=%d,%d,%d elems=%d shaders=%d shadow=%d fbo=%d,%d water=%d forceFBO=%d "
+             "pve=%s pva=%s mpg=%s texture=%s shader=%s font=%s",
+             s.getTitle(), s.getWindowX(), s.getWindowY(), s.getColorDepth(), s.getZetaDepth(),
+             s.getStencilDepth(), s.isFullScreen(), s.isResizable(), s.isLandscape(), s.isCAVESplashScreen(),
+             s.getAudioChannels(), s.getAudioBuffers(), s.getAudioElements(), s.getRenderingElements(),
+             s.getShaders(), s.getShadowMapSize(), s.getFBOSizeX(), s.getFBOSizeY(), s.getWaterSize(),
+             s.getForceFBO(), s.getPVEPath(), s.getPVAPath(), s.getMPGPath(), s.getTexturePath(),
+             s.getShaderPath(), s.getFontPath());
+    return text;
+}
+
+const std::string defaults =
+    "title=Pevrano 3D Graphics Engine for Axim v1.6.6a (debug) x=240 y=320 depth=16 zeta=16 stencil=0 "
+    "full=1 resizable=0 landscape=0 cave=0 audio=16,32,128 elems=0 shaders=0 shadow=1024 fbo=1024,768 "
+    "water=256 forceFBO=0 pve= pva= mpg= texture= shader= font=";
+
+}  // namespace
+
+TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
+{
+    PVSETTINGS settings;
+    EXPECT_EQ(describe(settings), defaults);
+}
+
+TEST(Settings, SettersStoreEveryFieldAndIgnoreStringsThatDoNotFit)
+{
+    PVSETTINGS s;
+    s.setTitle("Game");
+    s.setWindowX(480);
+    s.setWindowY(640);
+    s.setColorDepth(24);
+    s.setZetaDepth(24);
+    s.setStencilDepth(8);
+    s.setFullScreen(false);
+    s.setResizable(true);
+    s.setLandscape(true);
+    s.setCAVESplashScreen(true);
+    s.setAudioChannels(1);
+    s.setAudioBuffers(2);
+    s.setAudioElements(3);
+    s.setRenderingElements(4);
+    s.setShaders(true);
+    s.setShadowMapSize(5);
+    s.setFBOSizeX(6);
+    s.setFBOSizeY(7);
+    s.setWaterSize(8);
+    s.setForceFBO(true);
+    s.setPVEPath("a/");
+    s.setPVAPath("b/");
+    s.setMPGPath("c/");
+    s.setTexturePath("d/");
+    s.setShaderPath("e/");
+    s.setFontPath("f/");
+    const std::string expected =
+        "title=Game x=480 y=640 depth=24 zeta=24 stencil=8 full=0 resizable=1 landscape=1 cave=1 "
+        "audio=1,2,3 elems=4 shaders=1 shadow=5 fbo=6,7 water=8 forceFBO=1 "
+        "pve=a/ pva=b/ mpg=c/ texture=d/ shader=e/ font=f/";
+    EXPECT_EQ(describe(s), expected);
+
+    const std::string tooLong(300, 'x');
+    const std::string longest(255, 'y');
+    s.setTitle(tooLong.c_str());
+    s.setPVEPath(tooLong.c_str());
+    s.setFontPath(std::string(256, 'z').c_str());
+    s.setPVAPath(nullptr);
+    EXPECT_EQ(describe(s), expected);
+    s.setTexturePath(longest.c_str());
+    EXPECT_EQ(std::string(s.getTexturePath()), longest);
+}
+
+TEST(SettingsFile, MissingNameOrFileIsRefusedWithItsMessage)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    PVSETTINGS s;
+    EXPECT_FALSE(s.load(nullptr));
+    EXPECT_FALSE(s.load("absent.cfg"));
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVSETTINGS::load\n"
+                          "   [!] File not found (absent.cfg) @ PVSETTINGS::load\n");
+    EXPECT_EQ(describe(s), defaults);
+}
+
+TEST(SettingsFile, CommentsOnlyOrEmptyFileChangesNothing)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
+    pvtest::writeFile("empty.cfg", "");
+    PVSETTINGS s;
+    EXPECT_TRUE(s.load("comments.cfg"));
+    EXPECT_EQ(log.text(), "");
+    EXPECT_TRUE(s.load("empty.cfg"));
+    EXPECT_EQ(log.text(), "kvfOpenParser: file 'empty.cfg' is empty\n");
+    EXPECT_EQ(describe(s), defaults);
+}
+
+// Blanks go before the search, the first line holding a key wins, keys match
+// inside longer text, and the character after the key is skipped whatever it is.
+TEST(SettingsFile, KeysFollowTheParserRules)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    pvtest::writeFile("game.cfg",
+                      "# display\n"
+                      "PEVRANO_windowX = 480   # wider\n"
+                      "PEVRANO_windowY\t=\t6 4 0\r\n"
+                      "PEVRANO_colorDepth:24\n"
+                      "PEVRANO_zetaDepth=24\n"
+                      "PEVRANO_zetaDepth=32\n"
+                      "OLD_PEVRANO_FBOSizeX=2048\n"
+                      "PEVRANO_FBOSizeX=512\n"
+                      "PEVRANO_waterSizeMax=9\n"
+                      "PEVRANO_fullScreen=0\n"
+                      "PEVRANO_landscape=2\n"
+                      "PEVRANO_useShaders=1\n"
+                      "PEVRANO_audioChannels=12abc\n"
+                      "PEVRANO_renderingElements=\n"
+                      "PEVRANO_title = \"My Game\"\n"
+                      "PEVRANO_pvePath=models/\n"
+                      "PEVRANO_texturePath = \"tex tures/\" # quoted\n"
+                      "PEVRANO_fontPath=\"fonts/\n"
+                      "PEVRANO_shaderPath=\"a\"b\"");
+    PVSETTINGS s;
+    s.setRenderingElements(77);
+    ASSERT_TRUE(s.load("game.cfg"));
+    EXPECT_EQ(log.text(), "");
+    EXPECT_EQ(describe(s),
+              "title=MyGame x=480 y=640 depth=24 zeta=24 stencil=0 full=0 resizable=0 landscape=1 cave=0 "
+              "audio=12,32,128 elems=0 shaders=1 shadow=1024 fbo=2048,768 water=0 forceFBO=0 "
+              "pve=models/ pva= mpg= texture=textures/ shader=a\"b font=\"fonts/");
+}
+
+// The file's values reach the display: the requested block of the log and the
+// configuration in force.
+TEST(SettingsFile, LoadedValuesOpenTheDisplay)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    pvtest::writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
+                                   "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n");
+    PVSETTINGS s;
+    ASSERT_TRUE(s.load("small.cfg"));
+    ASSERT_TRUE(PEVRANO::init(&s));
+    const std::string text = log.text();
+    EXPECT_NE(text.find("      Configuration to set:\n          X: 160, Y: 120\n"
+                        "          depth: 24, zeta: 16, stencil: 0\n          title: 'Small'\n"
+                        "          fullscreen: 1\n          resizable : 0\n          landscape : 1\n"
+                        "          shaders: 0\n          max elems: 64\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("      Configuration used:\n          SizeX: 160, SizeY: 120\n"), std::string::npos);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
+    EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
+    EXPECT_TRUE(PVSETTINGS::isSDLLandscape());
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ(viewport[2], 160);
+    EXPECT_EQ(viewport[3], 120);
+    EXPECT_TRUE(PEVRANO::free());
+}
+
+// What is in force comes from GL, not from the request; the values with no
+// consumer on this target stay zero.
+TEST(SettingsInForce, ReadBackFromGLAfterInit)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
+    EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
+    PVSETTINGS s;
+    s.setForceFBO(true);
+    s.setShaders(true);
+    s.setResizable(true);
+    s.setFullScreen(false);
+    ASSERT_TRUE(PEVRANO::init(&s));
+
+    GLint red = 0, green = 0, blue = 0, alpha = 0, depth = 0, stencil = 0;
+    glGetIntegerv(GL_RED_BITS, &red);
+    glGetIntegerv(GL_GREEN_BITS, &green);
+    glGetIntegerv(GL_BLUE_BITS, &blue);
+    glGetIntegerv(GL_ALPHA_BITS, &alpha);
+    glGetIntegerv(GL_DEPTH_BITS, &depth);
+    glGetIntegerv(GL_STENCIL_BITS, &stencil);
+    EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), red + green + blue + alpha);
+    EXPECT_EQ(PVSETTINGS::getSDLZetaDepth(), depth);
+    EXPECT_EQ(PVSETTINGS::getSDLStencilDepth(), stencil);
+    if (!pvtest::onX11()) {
+        EXPECT_EQ(red * 100 + green * 10 + blue, 565);
+        EXPECT_EQ(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
+    } else {
+        EXPECT_NE(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
+    }
+    EXPECT_GE(depth, 16);
+
+    EXPECT_TRUE(PVSETTINGS::isActive());
+    EXPECT_FALSE(PVSETTINGS::isSDLFullScreen());
+    EXPECT_TRUE(PVSETTINGS::isSDLResizable());
+    EXPECT_FALSE(PVSETTINGS::isSDLLandscape());
+    EXPECT_TRUE(PVSETTINGS::getSDLShaders());
+    PVSETTINGS::forceShadersOff();
+    EXPECT_FALSE(PVSETTINGS::getSDLShaders());
+    PVSETTINGS::forceShadersOn();
+    EXPECT_TRUE(PVSETTINGS::getSDLShaders());
+
+    EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
+    EXPECT_EQ(PVSETTINGS::getSDLShadowMapSize(), 0);
+    EXPECT_EQ(PVSETTINGS::getSDLFBOSizeX(), 0);
+    EXPECT_EQ(PVSETTINGS::getSDLFBOSizeY(), 0);
+    EXPECT_EQ(PVSETTINGS::getSDLWaterSize(), 0);
+    EXPECT_EQ(PVSETTINGS::getKVAAudioChannels(), 0);
+    EXPECT_EQ(PVSETTINGS::getKVAAudioBuffers(), 0);
+    EXPECT_EQ(PVSETTINGS::getKVAAudioElements(), 0);
+    EXPECT_TRUE(PEVRANO::free());
+    EXPECT_FALSE(PVSETTINGS::isActive());
+}
+
+TEST(SettingsInForce, ResizeChangesTheSizeAndTheViewport)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    ASSERT_TRUE(PEVRANO::init(nullptr));
+    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
+    GLint viewport[4] = {-1, -1, -1, -1};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ(viewport[0], 0);
+    EXPECT_EQ(viewport[1], 0);
+    EXPECT_EQ(viewport[2], 200);
+    EXPECT_EQ(viewport[3], 100);
+    EXPECT_TRUE(PEVRANO::free());
+}
