@@ -1,0 +1,302 @@
+#include "scene/pvelement.h"
+
+#include <cstdlib>
+#include <new>
+
+#include "core/pvgl.h"
+#include "foundation/kvflog.h"
+#include "foundation/kvfmemory.h"
+#include "scene/pvlight.h"
+#include "scene/pvnode.h"
+
+// Answers used until the node classes that know better install theirs.
+static float noRadius(PVNODE *) { return 0.0f; }
+static bool notHidden(PVNODE *) { return false; }
+static bool opaqueMaterial(PVNODE *) { return false; }
+static long noForemostStamp(PVNODE *) { return 0; }
+static bool notMinimized(PVNODE *) { return false; }
+
+bool PVELEMENT::active = false;
+bool PVELEMENT::clipping = false;
+float PVELEMENT::clippingRadius = 128.0f;
+unsigned int PVELEMENT::numberOfElements = 0;
+unsigned int PVELEMENT::numberOfPassedElements = 0;
+unsigned int PVELEMENT::numberOfLights = 0;
+unsigned int PVELEMENT::numberOfTransparencies = 0;
+PVELEMENT *PVELEMENT::element = nullptr;
+PVELEMENT **PVELEMENT::elementPointer = nullptr;
+PVELEMENT::QUERIES PVELEMENT::queries = {noRadius, notHidden, opaqueMaterial, noForemostStamp,
+                                         notMinimized};
+
+PVELEMENT *PVELEMENT::getNearestLight(unsigned int slot) const
+{
+    return slot < PV_ELEMENT_LIGHTS ? nearestLight[slot] : nullptr;
+}
+
+void PVELEMENT::setNearestLight(unsigned int slot, PVELEMENT *light)
+{
+    if (slot < PV_ELEMENT_LIGHTS)
+        nearestLight[slot] = light;
+}
+
+void PVELEMENT::setQueries(const QUERIES &answers)
+{
+    if (answers.radius)
+        queries.radius = answers.radius;
+    if (answers.isHiddenMesh)
+        queries.isHiddenMesh = answers.isHiddenMesh;
+    if (answers.hasTransparentMaterial)
+        queries.hasTransparentMaterial = answers.hasTransparentMaterial;
+    if (answers.foremostTimeStamp)
+        queries.foremostTimeStamp = answers.foremostTimeStamp;
+    if (answers.isMinimizedWindow)
+        queries.isMinimizedWindow = answers.isMinimizedWindow;
+}
+
+bool PVELEMENT::init(unsigned int n)
+{
+    if (active) {
+        kvfLog("   [!] Already active @ PVELEMENT::init\n");
+        return false;
+    }
+    if (n == 0 || n > PV_ELEMENT_MAX)
+        n = PV_ELEMENT_MAX;
+    void *records = kvfMalloc(n * sizeof(PVELEMENT));
+    void *pointers = kvfMalloc(n * sizeof(PVELEMENT *));
+    if (!records || !pointers) {
+        if (records)
+            kvfFree(records);
+        if (pointers)
+            kvfFree(pointers);
+        kvfLog("   [!] Out of memory @ PVELEMENT::init\n");
+        return false;
+    }
+    element = static_cast<PVELEMENT *>(records);
+    elementPointer = static_cast<PVELEMENT **>(pointers);
+    for (unsigned int i = 0; i < n; i++)
+        elementPointer[i] = new (&element[i]) PVELEMENT();
+    numberOfElements = n;
+    reset();
+    active = true;
+    kvfLog("   %d elements allocated\n", static_cast<int>(n));
+    return true;
+}
+
+bool PVELEMENT::free()
+{
+    if (!active)
+        return false;
+    // The records hold nothing that needs destroying.
+    kvfFree(element);
+    kvfFree(elementPointer);
+    element = nullptr;
+    elementPointer = nullptr;
+    numberOfElements = 0;
+    reset();
+    active = false;
+    return true;
+}
+
+void PVELEMENT::reset()
+{
+    numberOfPassedElements = 0;
+    numberOfLights = 0;
+    numberOfTransparencies = 0;
+}
+
+bool PVELEMENT::pass(PVNODE *node, bool flag)
+{
+    if (!node) {
+        kvfLog("   [!] Invalid params @ PVELEMENT::pass\n");
+        return false;
+    }
+    if (numberOfPassedElements >= numberOfElements) {
+        kvfLog("   [!] Scene too complex @ PVELEMENT::pass\n");
+        return false;
+    }
+    return passNode(node, flag);
+}
+
+// The flag is only handed on, to the first child of a minimised window.
+bool PVELEMENT::passNode(PVNODE *node, bool)
+{
+    PV_glPushMatrix();
+    node->applyLocalTransform();
+
+    const PV_NODE_TYPE type = node->getType();
+    const bool recorded = type != PV_TYPE_NODE &&
+                          !(type == PV_TYPE_MESH && queries.isHiddenMesh(node)) &&
+                          !isClipped(node);
+    if (recorded)
+        addRecord(node);
+
+    if (type == PV_TYPE_WINDOW && queries.isMinimizedWindow(node)) {
+        if (node->getNumberOfChildren())
+            node->getChild(0)->pass(true);
+        PV_glPopMatrix();
+        return true;
+    }
+    return passChildren(node);
+}
+
+bool PVELEMENT::passChildren(PVNODE *node)
+{
+    for (unsigned int i = 0; i < node->getNumberOfChildren(); i++)
+        node->getChild(i)->pass(false);
+    PV_glPopMatrix();
+    return true;
+}
+
+// Distance culling of mesh-like nodes against the eye at the origin of the
+// current model-view space.
+bool PVELEMENT::isClipped(PVNODE *node)
+{
+    const PV_NODE_TYPE type = node->getType();
+    if (!clipping || (type != PV_TYPE_MESH && type != PV_TYPE_TERRAIN && type != PV_TYPE_HELPER))
+        return false;
+    const float limit = clippingRadius + 2.0f * queries.radius(node);
+    K3MMATRIX modelView;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, modelView.m);
+    const float distance = modelView.getTranslation().length();
+    if (distance <= limit)
+        return false;
+    kvfLog(" (clipped) %s at distance %.2f\n", node->getName(), static_cast<double>(distance));
+    return true;
+}
+
+void PVELEMENT::addRecord(PVNODE *node)
+{
+    PVELEMENT &record = element[numberOfPassedElements];
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, node->getCachedMatrix()->m);
+    record.node = node;
+    record.auxId = node->getAuxId();
+    record.matrix = *node->getCachedMatrix();
+    record.param1 = 0;
+    for (PVELEMENT *&light : record.nearestLight)
+        light = nullptr;
+    elementPointer[numberOfPassedElements] = &record;
+    // A skinned mesh takes its slot in the mesh class's skeleton cache here
+    // (param1 = slot, or 16 with a log line when the cache is full).
+    numberOfPassedElements++;
+    countRecord(node);
+}
+
+void PVELEMENT::countRecord(PVNODE *node)
+{
+    if (node->getType() == PV_TYPE_LIGHT)
+        numberOfLights++;
+    else if (isTransparent(node))
+        numberOfTransparencies++;
+}
+
+// Emitters and helpers always blend; a mesh blends when its material does.
+bool PVELEMENT::isTransparent(PVNODE *node)
+{
+    switch (node->getType()) {
+    case PV_TYPE_EMITTER:
+    case PV_TYPE_HELPER:
+        return true;
+    case PV_TYPE_MESH:
+        return queries.hasTransparentMaterial(node);
+    default:
+        return false;
+    }
+}
+
+template <typename T> static int ascending(T a, T b)
+{
+    return a < b ? -1 : (b < a ? 1 : 0);
+}
+
+static const PVELEMENT *recordAt(const void *entry)
+{
+    return *static_cast<PVELEMENT *const *>(entry);
+}
+
+// Lights first, then opaque elements, then transparent ones.
+int PVELEMENT::compare3D(const void *a, const void *b)
+{
+    PVNODE *first = recordAt(a)->node;
+    PVNODE *second = recordAt(b)->node;
+    const bool firstLight = first->getType() == PV_TYPE_LIGHT;
+    const bool secondLight = second->getType() == PV_TYPE_LIGHT;
+    if (firstLight != secondLight)
+        return firstLight ? -1 : 1;
+    return ascending(isTransparent(first), isTransparent(second));
+}
+
+// Eye-space z of the element's nearest side: the most negative is farthest.
+float PVELEMENT::sortDepth(const PVELEMENT *record)
+{
+    return record->matrix.m[14] - queries.radius(record->node);
+}
+
+int PVELEMENT::compareDepth(const void *a, const void *b)
+{
+    return ascending(sortDepth(recordAt(a)), sortDepth(recordAt(b)));
+}
+
+int PVELEMENT::compare2D(const void *a, const void *b)
+{
+    return ascending(queries.foremostTimeStamp(recordAt(a)->node),
+                     queries.foremostTimeStamp(recordAt(b)->node));
+}
+
+static bool isExclusiveLight(PVNODE *node)
+{
+    return node->getType() == PV_TYPE_LIGHT && static_cast<PVLIGHT *>(node)->isExclusive();
+}
+
+// Exclusive lights first, then nearest first.
+int PVELEMENT::compareLights(const void *a, const void *b)
+{
+    const PVELEMENT *first = recordAt(a);
+    const PVELEMENT *second = recordAt(b);
+    const bool firstExclusive = isExclusiveLight(first->node);
+    const bool secondExclusive = isExclusiveLight(second->node);
+    if (firstExclusive != secondExclusive)
+        return firstExclusive ? -1 : 1;
+    return ascending(first->distance, second->distance);
+}
+
+bool PVELEMENT::sort3D()
+{
+    if (!numberOfPassedElements)
+        return false;
+    if (numberOfLights || numberOfTransparencies)
+        qsort(elementPointer, numberOfPassedElements, sizeof(PVELEMENT *), compare3D);
+    if (numberOfTransparencies > 1)
+        qsort(elementPointer + numberOfPassedElements - numberOfTransparencies,
+              numberOfTransparencies, sizeof(PVELEMENT *), compareDepth);
+    return true;
+}
+
+bool PVELEMENT::sort2D()
+{
+    if (!numberOfPassedElements)
+        return false;
+    qsort(elementPointer, numberOfPassedElements, sizeof(PVELEMENT *), compare2D);
+    return true;
+}
+
+bool PVELEMENT::sortLights(K3MVECTOR3D p)
+{
+    if (!numberOfPassedElements || !numberOfLights)
+        return false;
+    for (unsigned int i = 0; i < numberOfLights; i++) {
+        PVELEMENT *light = elementPointer[i];
+        light->distance = light->matrix.getTranslation().distance(p);
+    }
+    qsort(elementPointer, numberOfLights, sizeof(PVELEMENT *), compareLights);
+    return true;
+}
+
+PVELEMENT *PVELEMENT::getLight(unsigned int i)
+{
+    return i < numberOfLights ? elementPointer[i] : nullptr;
+}
+
+PVELEMENT *PVELEMENT::getPassedElement(unsigned int i)
+{
+    return i < numberOfPassedElements ? elementPointer[i] : nullptr;
+}

@@ -1,0 +1,127 @@
+// Render list: one record per node drawn in the current frame, kept in fixed
+// arrays allocated once at start-up. Passing a subtree fills the records with
+// each node's model-view matrix; the sorts order them for drawing (lights
+// first, opaque, transparent back to front; widgets by their foremost stamp).
+#ifndef PV_ELEMENT_H
+#define PV_ELEMENT_H
+
+#include "math/k3mmatrix.h"
+#include "math/k3mvector3d.h"
+
+class PVNODE;
+
+// Largest number of records the list holds.
+#define PV_ELEMENT_MAX 1024
+// Lights an element can be lit by.
+#define PV_ELEMENT_LIGHTS 4
+
+class PVELEMENT {
+public:
+    // What the list needs to know about node classes that build on PVNODE
+    // (meshes, terrains, helpers, widgets). Those classes install their own
+    // answers with setQueries; until then every node answers with the
+    // defaults: radius 0, shown, opaque, stamp 0, not minimised.
+    struct QUERIES {
+        // Bounding radius of a mesh-like node (mesh, terrain, helper), used by
+        // distance clipping and by the back-to-front sort.
+        float (*radius)(PVNODE *node);
+        // A hidden mesh gets no record.
+        bool (*isHiddenMesh)(PVNODE *node);
+        // A mesh whose material is transparent.
+        bool (*hasTransparentMaterial)(PVNODE *node);
+        // Drawing order of 2D widgets; the greatest stamp is drawn last.
+        long (*foremostTimeStamp)(PVNODE *node);
+        // A minimised window passes only its first child (its title bar).
+        bool (*isMinimizedWindow)(PVNODE *node);
+    };
+
+    PVELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
+    // A record for a node drawn outside the list (the skybox).
+    PVELEMENT(PVNODE *drawn, const K3MMATRIX &modelView)
+        : node(drawn), matrix(modelView), auxId(0), distance(0.0f), nearestLight(), param1(0)
+    {
+    }
+    PVELEMENT(const PVELEMENT &other) = default;
+    PVELEMENT &operator=(const PVELEMENT &other) = default;
+
+    // The record.
+    PVNODE *getNode() const { return node; }
+    K3MMATRIX *getMatrix() { return &matrix; }
+    float getDistance() const { return distance; }
+    unsigned int getAuxId() const { return auxId; }
+    unsigned int getParam1() const { return param1; }
+    void setParam1(unsigned int value) { param1 = value; }
+    // Slots 0 to 3; other slots read null and ignore writes.
+    PVELEMENT *getNearestLight(unsigned int slot) const;
+    void setNearestLight(unsigned int slot, PVELEMENT *light);
+
+    // Life of the list: n records (0 or more than 1024 means 1024).
+    static bool init(unsigned int n);
+    static bool free();
+    static bool isActive() { return active; }
+    // Starts a frame: no record passed, no light, no transparency.
+    static void reset();
+
+    // Records node and its subtree, depth first; false for a null node or a
+    // full list (the rest of that subtree is then left out).
+    static bool pass(PVNODE *node, bool flag);
+
+    static bool sort3D();
+    static bool sort2D();
+    // Sets each light's distance to p and orders the lights: exclusive
+    // first, then nearest first.
+    static bool sortLights(K3MVECTOR3D p);
+
+    // Light i of the sorted list, null when i is not below the light count.
+    static PVELEMENT *getLight(unsigned int i);
+    // Record i in drawing order, null when i is not below the passed count.
+    static PVELEMENT *getPassedElement(unsigned int i);
+
+    static unsigned int getNumberOfElements() { return numberOfElements; }
+    static unsigned int getNumberOfPassedElements() { return numberOfPassedElements; }
+    static unsigned int getNumberOfLights() { return numberOfLights; }
+    static unsigned int getNumberOfTransparencies() { return numberOfTransparencies; }
+    static void clippingOn() { clipping = true; }
+    static void clippingOff() { clipping = false; }
+    static bool isClipping() { return clipping; }
+    static void setClippingRadius(float radius) { clippingRadius = radius; }
+    static float getClippingRadius() { return clippingRadius; }
+
+    // Installs the answers of the node classes built on PVNODE; a null
+    // member keeps the default answer for that question.
+    static void setQueries(const QUERIES &answers);
+
+private:
+    static bool passNode(PVNODE *node, bool flag);
+    static bool isClipped(PVNODE *node);
+    static void addRecord(PVNODE *node);
+    static void countRecord(PVNODE *node);
+    static bool passChildren(PVNODE *node);
+    static bool isTransparent(PVNODE *node);
+    static float sortDepth(const PVELEMENT *element);
+    static int compare3D(const void *a, const void *b);
+    static int compareDepth(const void *a, const void *b);
+    static int compare2D(const void *a, const void *b);
+    static int compareLights(const void *a, const void *b);
+
+    PVNODE *node;
+    K3MMATRIX matrix;
+    unsigned int auxId;
+    float distance;
+    PVELEMENT *nearestLight[PV_ELEMENT_LIGHTS];
+    // Skeleton cache slot of a skinned mesh (16 when the cache was full).
+    unsigned int param1;
+
+    static bool active;
+    static bool clipping;
+    static float clippingRadius;
+    static unsigned int numberOfElements;
+    static unsigned int numberOfPassedElements;
+    static unsigned int numberOfLights;
+    static unsigned int numberOfTransparencies;
+    static PVELEMENT *element;
+    static PVELEMENT **elementPointer;
+    static QUERIES queries;
+};
+
+#endif

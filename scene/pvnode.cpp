@@ -1,0 +1,318 @@
+#include "scene/pvnode.h"
+
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include "core/pevrano.h"
+#include "core/pvgl.h"
+#include "foundation/kvfid.h"
+#include "foundation/kvflog.h"
+#include "foundation/kvfmemory.h"
+#include "scene/pvelement.h"
+
+PVNODE *PVNODE::firstNode = nullptr;
+
+const char PVNODE::typeName[PV_NODE_TYPE_COUNT][PV_NODE_NAME_SIZE] = {
+    "node",  "root",     "light",  "mesh",   "camera", "emitter",    "skydome",
+    "water", "terrain",  "helper", "sound",  "box",    "label",      "button",
+    "window", "textfield", "hscrollbar", "vscrollbar", "custom"};
+
+// Ancestors collected by getFinalMatrix, nearest first.
+static PVNODE *ancestorStack[PV_NODE_MAX_DEPTH];
+
+PVNODE::PVNODE()
+    : id(kvfNewId()), auxId(0), type(PV_TYPE_NODE), timeStamp(0), shared(false), data(nullptr),
+      positioning(PV_POSITIONING_VECTORS), targetNode(nullptr), previousNode(nullptr),
+      nextNode(nullptr), numberOfChildren(0), parent(nullptr), children(nullptr)
+{
+    setDefaultName("[node %d]");
+    appendToRegistry();
+}
+
+PVNODE::PVNODE(bool) : PVNODE() {}
+
+PVNODE::~PVNODE()
+{
+    kvfReleaseId(id);
+    replaceChildren(nullptr, 0);
+    removeFromRegistry();
+}
+
+bool PVNODE::render(void *)
+{
+    return false;
+}
+
+void PVNODE::setDefaultName(const char *format)
+{
+    snprintf(name, sizeof(name), format, static_cast<int>(id));
+}
+
+void PVNODE::appendToRegistry()
+{
+    if (!firstNode) {
+        firstNode = this;
+        return;
+    }
+    PVNODE *last = firstNode;
+    while (last->nextNode)
+        last = last->nextNode;
+    last->nextNode = this;
+    previousNode = last;
+}
+
+void PVNODE::removeFromRegistry()
+{
+    if (previousNode)
+        previousNode->nextNode = nextNode;
+    if (nextNode)
+        nextNode->previousNode = previousNode;
+    if (firstNode == this)
+        firstNode = nextNode;
+    previousNode = nextNode = nullptr;
+}
+
+void PVNODE::setName(const char *newName)
+{
+    if (!newName || strnlen(newName, PV_NODE_NAME_SIZE) >= PV_NODE_NAME_SIZE)
+        return;
+    strcpy(name, newName);
+}
+
+const char *PVNODE::getTypeName() const
+{
+    if (type < 0 || type >= PV_NODE_TYPE_COUNT)
+        return "";
+    return typeName[type];
+}
+
+void PVNODE::applyLocalTransform() const
+{
+    if (positioning == PV_POSITIONING_VECTORS) {
+        const K3MVECTOR3D at = position + origin;
+        PV_glTranslatef(at.x, at.y, at.z);
+        PV_glRotatef(rotation.x, 1.0f, 0.0f, 0.0f);
+        PV_glRotatef(rotation.y, 0.0f, 1.0f, 0.0f);
+        PV_glRotatef(rotation.z, 0.0f, 0.0f, 1.0f);
+    } else if (positioning == PV_POSITIONING_MATRIX) {
+        PV_glMultMatrixf(matrix.m);
+    }
+}
+
+// Swaps in a new children array (from kvfMalloc, or null when count is 0).
+bool PVNODE::replaceChildren(PVNODE **newChildren, unsigned int count)
+{
+    if (children)
+        kvfFree(children);
+    children = newChildren;
+    numberOfChildren = count;
+    return true;
+}
+
+int PVNODE::findChildIndex(const PVNODE *child) const
+{
+    for (unsigned int i = 0; children && i < numberOfChildren; i++)
+        if (children[i] == child)
+            return static_cast<int>(i);
+    return -1;
+}
+
+bool PVNODE::link(PVNODE *parentNode)
+{
+    if (!parentNode || parentNode == this) {
+        kvfLog("   [!] Invalid param @ PVNODE::link\n");
+        return false;
+    }
+    if (parent) {
+        kvfLog("   [!] Node %s has already a parent @ PVNODE::link\n", name);
+        return false;
+    }
+    const unsigned int count = parentNode->numberOfChildren;
+    PVNODE **grown = static_cast<PVNODE **>(kvfMalloc((count + 1) * sizeof(PVNODE *)));
+    if (!grown) {
+        kvfLog("   [!] Out of memory @ PVNODE::link\n");
+        return false;
+    }
+    if (count)
+        memcpy(grown, parentNode->children, count * sizeof(PVNODE *));
+    grown[count] = this;
+    parentNode->replaceChildren(grown, count + 1);
+    parent = parentNode;
+    return true;
+}
+
+bool PVNODE::unlink()
+{
+    if (!parent) {
+        kvfLog("   [!] Node %s is already unlinked @ PVNODE::unlink\n", name);
+        return false;
+    }
+    // An only child is taken out without looking it up.
+    if (parent->numberOfChildren == 1) {
+        parent->replaceChildren(nullptr, 0);
+        parent = nullptr;
+        return true;
+    }
+    const int index = parent->findChildIndex(this);
+    if (index < 0) {
+        kvfLog("   [!] Consistency problem with %s @ PVNODE::unlink\n", name);
+        return false;
+    }
+    const unsigned int count = parent->numberOfChildren - 1;
+    PVNODE **shrunk = static_cast<PVNODE **>(kvfMalloc(count * sizeof(PVNODE *)));
+    if (!shrunk) {
+        kvfLog("   [!] Out of memory @ PVNODE::unlink\n");
+        return false;
+    }
+    for (unsigned int from = 0, to = 0; from <= count; from++)
+        if (from != static_cast<unsigned int>(index))
+            shrunk[to++] = parent->children[from];
+    parent->replaceChildren(shrunk, count);
+    parent = nullptr;
+    return true;
+}
+
+bool PVNODE::remove()
+{
+    if (!parent) {
+        kvfLog("   [!] Node %s already unlinked @ PVNODE::remove\n", name);
+        return false;
+    }
+    // The children array changes under the loop, so walk a copy.
+    const std::vector<PVNODE *> orphans(children, children ? children + numberOfChildren : children);
+    for (PVNODE *child : orphans) {
+        child->unlink();
+        child->link(parent);
+    }
+    return unlink();
+}
+
+PVNODE *PVNODE::getChild(unsigned int index)
+{
+    if (index >= numberOfChildren) {
+        kvfLog("   [!] Invalid params @ PVNODE::getChild\n");
+        return nullptr;
+    }
+    return children ? children[index] : nullptr;
+}
+
+PVNODE *PVNODE::findByNameInHierarchy(const char *wanted)
+{
+    if (!wanted)
+        return nullptr;
+    if (strcmp(name, wanted) == 0)
+        return this;
+    for (unsigned int i = 0; children && i < numberOfChildren; i++)
+        if (PVNODE *found = children[i]->findByNameInHierarchy(wanted))
+            return found;
+    return nullptr;
+}
+
+PVNODE *PVNODE::findByIdInHierarchy(unsigned int wanted)
+{
+    if (id == wanted)
+        return this;
+    for (unsigned int i = 0; children && i < numberOfChildren; i++)
+        if (PVNODE *found = children[i]->findByIdInHierarchy(wanted))
+            return found;
+    return nullptr;
+}
+
+K3MMATRIX PVNODE::getFinalMatrix(const char *stopName)
+{
+    int depth = 0;
+    for (PVNODE *ancestor = parent; ancestor; ancestor = ancestor->parent) {
+        ancestorStack[depth++] = ancestor;
+        if (depth == PV_NODE_MAX_DEPTH) {
+            kvfLog("   [!] Depth overflow @ PVNODE::getFinalMatrix()\n");
+            return K3MMATRIX();
+        }
+        if (stopName && strcmp(ancestor->name, stopName) == 0)
+            break;
+    }
+
+    PV_glPushMatrix();
+    PV_glLoadIdentity();
+    while (depth > 0)
+        ancestorStack[--depth]->applyLocalTransform();
+    applyLocalTransform();
+    K3MMATRIX world;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, world.m);
+    PV_glPopMatrix();
+    return world;
+}
+
+bool PVNODE::pass(bool flag)
+{
+    timeStamp = PEVRANO::getTimeStamp();
+    PVELEMENT::pass(this, flag);
+    return true;
+}
+
+unsigned int PVNODE::getNumberOfNodes()
+{
+    unsigned int count = 0;
+    for (PVNODE *node = firstNode; node; node = node->nextNode)
+        count++;
+    return count;
+}
+
+PVNODE *PVNODE::findByName(const char *wanted)
+{
+    if (!wanted)
+        return nullptr;
+    for (PVNODE *node = firstNode; node; node = node->nextNode)
+        if (strcmp(node->name, wanted) == 0)
+            return node;
+    return nullptr;
+}
+
+PVNODE *PVNODE::findById(unsigned int wanted)
+{
+    for (PVNODE *node = firstNode; node; node = node->nextNode)
+        if (node->id == wanted)
+            return node;
+    return nullptr;
+}
+
+bool PVNODE::cleanUp()
+{
+    if (!firstNode)
+        return false;
+    int count = 0;
+    for (PVNODE *node = firstNode; node;) {
+        PVNODE *next = node->nextNode;
+        delete node;
+        node = next;
+        count++;
+    }
+    firstNode = nullptr;
+    kvfLog("   %d node(s) released @ PVNODE::cleanUp\n", count);
+    return true;
+}
+
+bool PVNODE::displayTree(PVNODE *root)
+{
+    if (!root) {
+        kvfLog("   [!] Invalid params @ PVNODE::displayTree\n");
+        return false;
+    }
+    kvfLog("   Tree for %s:\n", root->name);
+    if (root->numberOfChildren)
+        displayTreeRecursive(root, 3);
+    else
+        kvfLog("   empty\n");
+    kvfLog("\n");
+    return true;
+}
+
+PVNODE *PVNODE::displayTreeRecursive(PVNODE *node, int indent)
+{
+    if (!node)
+        return nullptr;
+    kvfLog("%*s+ %s [id: %d]\n", indent, "", node->name, static_cast<int>(node->id));
+    for (unsigned int i = 0; node->children && i < node->numberOfChildren; i++)
+        displayTreeRecursive(node->children[i], indent + 2);
+    return nullptr;
+}

@@ -1,0 +1,150 @@
+// The render list inside the engine's frame: begin3D starts a list and a
+// view, end3D sorts and draws it, the 2D pass draws only widgets in foremost
+// order, the skybox turns with the camera only, and free releases the nodes.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "scene/scenetestnode.h"
+#include "support/scratch.h"
+
+using pvtest::Mat4;
+using pvtest::TestNode;
+
+namespace {
+
+std::vector<PVNODE*> drawn;
+std::vector<Mat4> drawnMatrices;
+
+// Remembers the order it is drawn in and the matrix of its record.
+class DrawnNode : public TestNode {
+public:
+    using TestNode::TestNode;
+    bool render(void* element) override
+    {
+        drawn.push_back(this);
+        const K3MMATRIX* m = static_cast<PVELEMENT*>(element)->getMatrix();
+        Mat4 copy{};
+        for (int i = 0; i < 16; i++)
+            copy.a[i % 4][i / 4] = m->m[i];
+        drawnMatrices.push_back(copy);
+        return true;
+    }
+};
+
+void expectNear(const Mat4& expected, const Mat4& actual, const std::string& what)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(expected.gl(i), actual.gl(i), 1e-5) << what << ", element " << i;
+}
+
+class Frame : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(PEVRANO::init(nullptr)) << log.text();
+        TestNode::installQueries();
+        drawn.clear();
+        drawnMatrices.clear();
+    }
+    void TearDown() override { PEVRANO::free(); }
+
+    static DrawnNode* make(const char* name, PV_NODE_TYPE type, PVNODE* parent)
+    {
+        DrawnNode* node = new DrawnNode(name, type);
+        if (parent)
+            node->link(parent);
+        return node;
+    }
+
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+};
+
+TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
+{
+    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
+    PVNODE* root = new PVNODE();
+    DrawnNode* glass = make("glass", PV_TYPE_HELPER, root);
+    DrawnNode* mesh = make("mesh", PV_TYPE_MESH, root);
+    DrawnNode* light = make("light", PV_TYPE_LIGHT, root);
+    mesh->setPosition(1, 2, -3);
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setPosition(0, 0, 10);
+
+    const long before = PEVRANO::getTimeStamp();
+    PEVRANO::begin3D(camera);
+    root->pass(false);
+    PEVRANO::end3D(false);
+    EXPECT_EQ(before + 1, mesh->getTimeStamp());
+    EXPECT_EQ((std::vector<PVNODE*>{light, mesh, glass}), drawn);
+    expectNear(Mat4::translation(1, 2, -13), drawnMatrices[1], "mesh seen from (0, 0, 10)");
+
+    // The next frame starts an empty list; without a camera a default one
+    // (at the origin) gives the view.
+    drawn.clear();
+    drawnMatrices.clear();
+    PEVRANO::begin3D(nullptr);
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
+    mesh->pass(false);
+    PEVRANO::end3D(true);
+    ASSERT_EQ((std::vector<PVNODE*>{mesh}), drawn);
+    EXPECT_FLOAT_EQ(-3.0f, float(drawnMatrices[0].a[2][3]));
+}
+
+TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
+{
+    DrawnNode* window = make("window", PV_TYPE_WINDOW, nullptr);
+    window->foremost = 5;
+    DrawnNode* label = make("label", PV_TYPE_LABEL, window);
+    label->foremost = 9;
+    DrawnNode* box = make("box", PV_TYPE_BOX, window);
+    box->foremost = 1;
+    make("mesh", PV_TYPE_MESH, window);
+    make("light", PV_TYPE_LIGHT, window);
+
+    PEVRANO::begin3D(nullptr);
+    window->pass(false);  // left over from the 3D list: begin2D starts afresh
+    PEVRANO::begin2D();
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
+    EXPECT_FALSE(PVLIGHT::getLighting());
+    window->pass(false);
+    PEVRANO::end2D();
+    EXPECT_EQ((std::vector<PVNODE*>{box, window, label}), drawn);
+}
+
+TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
+{
+    PVNODE* sky = new PVNODE();
+    sky->setRotation(0, 0, 90);
+    DrawnNode* dome = make("dome", PV_TYPE_MESH, sky);
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setPosition(5, 6, 7);
+    camera->setRotation(0, 30, 0);
+    PEVRANO::setSkybox(sky);
+
+    PEVRANO::begin3D(camera);
+    PEVRANO::end3D(false);
+    ASSERT_EQ((std::vector<PVNODE*>{dome}), drawn);
+    // The camera's inverse rotation, then the sky's own; no translation.
+    expectNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0], "skybox");
+    PEVRANO::setSkybox(nullptr);
+}
+
+TEST_F(Frame, FreeReleasesEveryNodeAndTheList)
+{
+    PVNODE* root = new PVNODE();
+    make("a", PV_TYPE_MESH, root);
+    new PVCAMERA();
+    const size_t before = log.text().size();
+    ASSERT_TRUE(PEVRANO::free());
+    EXPECT_NE(std::string::npos,
+              log.text().find("   3 node(s) released @ PVNODE::cleanUp\n", before));
+    EXPECT_EQ(nullptr, PVNODE::getFirstNode());
+    EXPECT_FALSE(PVELEMENT::isActive());
+}
+
+}  // namespace

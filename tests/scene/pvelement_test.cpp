@@ -1,0 +1,410 @@
+// Render list: capacity, what gets a record and with which matrix, distance
+// clipping, minimised windows, the counts, the 3D, 2D and light sorts, and
+// the GL calls a pass makes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "scene/scenetestnode.h"
+#include "support/glcontext.h"
+#include "support/glrecorder.h"
+#include "support/scratch.h"
+
+using pvtest::Mat4;
+using pvtest::TestNode;
+using pvtest::Vec3;
+
+namespace {
+
+class RenderList : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(gl.ok());
+        TestNode::installQueries();
+        PV_glMatrixMode(GL_MODELVIEW);
+        PV_glLoadIdentity();
+        PVELEMENT::clippingOff();
+        PVELEMENT::setClippingRadius(128.0f);
+    }
+    void TearDown() override
+    {
+        PVELEMENT::free();
+        PVNODE::cleanUp();
+    }
+
+    // A registry-owned node at a position, optionally linked under parent.
+    static TestNode* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
+                          PVNODE* parent = nullptr)
+    {
+        TestNode* node = new TestNode(name, type);
+        node->setPosition(float(position.x), float(position.y), float(position.z));
+        if (parent)
+            node->link(parent);
+        return node;
+    }
+    static std::vector<PVNODE*> passedNodes()
+    {
+        std::vector<PVNODE*> nodes;
+        for (unsigned int i = 0; i < PVELEMENT::getNumberOfPassedElements(); i++)
+            nodes.push_back(PVELEMENT::getPassedElement(i)->getNode());
+        return nodes;
+    }
+    // An active list of n records, its log line already read.
+    void start(unsigned int n)
+    {
+        ASSERT_TRUE(PVELEMENT::init(n));
+        consume();
+    }
+    std::string consume()
+    {
+        const std::string all = log.text();
+        std::string fresh = all.substr(seen);
+        seen = all.size();
+        return fresh;
+    }
+
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+    pvtest::GlContext gl;
+    size_t seen = 0;
+};
+
+void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(expected.gl(i), actual.m[i], 1e-4) << what << ", element " << i;
+}
+
+TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
+{
+    EXPECT_FALSE(PVELEMENT::isActive());
+    EXPECT_FALSE(PVELEMENT::free());
+    EXPECT_TRUE(PVELEMENT::init(0));
+    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
+    EXPECT_TRUE(PVELEMENT::isActive());
+    EXPECT_FALSE(PVELEMENT::init(8));
+    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
+    EXPECT_TRUE(PVELEMENT::free());
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfElements());
+    EXPECT_FALSE(PVELEMENT::isActive());
+    EXPECT_TRUE(PVELEMENT::init(5000));
+    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
+    PVELEMENT::free();
+    EXPECT_TRUE(PVELEMENT::init(7));
+    EXPECT_EQ(7u, PVELEMENT::getNumberOfElements());
+    EXPECT_EQ("   1024 elements allocated\n"
+              "   [!] Already active @ PVELEMENT::init\n"
+              "   1024 elements allocated\n"
+              "   7 elements allocated\n",
+              consume());
+}
+
+TEST_F(RenderList, AFullListStopsTheSubtree)
+{
+    start(2);
+    TestNode* root = make("root", PV_TYPE_NODE);
+    TestNode* m1 = make("m1", PV_TYPE_MESH, {}, root);
+    TestNode* m2 = make("m2", PV_TYPE_MESH, {}, root);
+    TestNode* m3 = make("m3", PV_TYPE_MESH, {}, root);
+    TestNode* below = make("below", PV_TYPE_MESH, {}, m3);
+    EXPECT_TRUE(root->pass(false));
+    EXPECT_EQ((std::vector<PVNODE*>{m1, m2}), passedNodes());
+    EXPECT_EQ(nullptr, PVELEMENT::getPassedElement(2));
+    EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n", consume());
+    EXPECT_EQ(PEVRANO::getTimeStamp(), m3->getTimeStamp());
+    EXPECT_EQ(0, below->getTimeStamp());  // never visited
+
+    EXPECT_FALSE(PVELEMENT::pass(m1, false));
+    EXPECT_FALSE(PVELEMENT::pass(nullptr, false));
+    EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n"
+              "   [!] Invalid params @ PVELEMENT::pass\n",
+              consume());
+
+    PVELEMENT::reset();
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
+    m3->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{m3, below}), passedNodes());
+}
+
+TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
+{
+    start(16);
+    const Vec3 rootPos{1, 2, 3}, rootRot{0, 90, 0};
+    const Vec3 meshPos{4, 0, -2}, meshOrigin{0, 1, 0}, meshRot{30, 0, 45};
+    TestNode* root = make("root", PV_TYPE_NODE);
+    pvtest::place(*root, rootPos, {0, 0, 0}, rootRot);
+    TestNode* mesh = make("mesh", PV_TYPE_MESH, {}, root);
+    pvtest::place(*mesh, meshPos, meshOrigin, meshRot);
+    mesh->setAuxId(4242);
+    TestNode* plain = make("plain", PV_TYPE_NODE, {0, 0, 5}, mesh);
+    TestNode* leaf = make("leaf", PV_TYPE_CAMERA, {0, 0, 0}, plain);
+
+    // A view as a camera would leave it.
+    PV_glTranslatef(0, 0, -10);
+    const Mat4 view = Mat4::translation(0, 0, -10);
+    root->pass(false);
+
+    EXPECT_EQ((std::vector<PVNODE*>{mesh, leaf}), passedNodes());
+    const Mat4 meshView = view * pvtest::localTransform(rootPos, {0, 0, 0}, rootRot) *
+                          pvtest::localTransform(meshPos, meshOrigin, meshRot);
+    PVELEMENT* record = PVELEMENT::getPassedElement(0);
+    expectMatrixNear(meshView, *record->getMatrix(), "mesh record");
+    expectMatrixNear(meshView, *mesh->getCachedMatrix(), "mesh cached matrix");
+    EXPECT_EQ(4242u, record->getAuxId());
+    EXPECT_EQ(nullptr, record->getNearestLight(0));
+    expectMatrixNear(meshView * Mat4::translation(0, 0, 5),
+                     *PVELEMENT::getPassedElement(1)->getMatrix(), "leaf under a plain node");
+    for (TestNode* node : {root, mesh, plain, leaf})
+        EXPECT_EQ(PEVRANO::getTimeStamp(), node->getTimeStamp()) << node->getName();
+
+    K3MMATRIX after;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, after.m);
+    expectMatrixNear(view, after, "current matrix after the pass");
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
+{
+    start(16);
+    TestNode* root = make("root", PV_TYPE_NODE, {0, 0, -100});
+    // Eye distances: far 200 (limit 148 with its radius 10); edge, a child of
+    // the clipped far, is still visited at |(0, 148, -300)| = 334.52; near 53;
+    // limit exactly 148 (kept); helper 149; a light or an emitter is never clipped.
+    TestNode* far = make("far", PV_TYPE_MESH, {0, 0, -100}, root);
+    far->radius = 10;
+    TestNode* edge = make("edge", PV_TYPE_MESH, {0, 148, -100}, far);
+    edge->radius = 10;
+    TestNode* near = make("near", PV_TYPE_TERRAIN, {0, 0, 47}, root);
+    TestNode* limit = make("limit", PV_TYPE_HELPER, {0, 0, -48}, root);
+    limit->radius = 10;
+    TestNode* helper = make("helper", PV_TYPE_HELPER, {0, 0, -49}, root);
+    helper->radius = 10;
+    TestNode* light = make("light", PV_TYPE_LIGHT, {0, 0, -900}, root);
+    TestNode* emitter = make("emitter", PV_TYPE_EMITTER, {0, 0, -900}, root);
+
+    PVELEMENT::clippingOn();
+    root->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{near, limit, light, emitter}), passedNodes());
+    EXPECT_EQ(" (clipped) far at distance 200.00\n"
+              " (clipped) edge at distance 334.52\n"
+              " (clipped) helper at distance 149.00\n",
+              consume());
+
+    PVELEMENT::reset();
+    PVELEMENT::setClippingRadius(400);
+    root->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{far, edge, near, limit, helper, light, emitter}), passedNodes());
+
+    PVELEMENT::reset();
+    PVELEMENT::setClippingRadius(128);
+    PVELEMENT::clippingOff();
+    EXPECT_FALSE(PVELEMENT::isClipping());
+    root->pass(false);
+    EXPECT_EQ(7u, PVELEMENT::getNumberOfPassedElements());
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
+{
+    start(16);
+    TestNode* hidden = make("hidden", PV_TYPE_MESH);
+    hidden->hidden = true;
+    TestNode* child = make("child", PV_TYPE_MESH, {1, 0, 0}, hidden);
+    TestNode* notMesh = make("notMesh", PV_TYPE_HELPER, {}, hidden);
+    notMesh->hidden = true;  // only meshes are asked
+    hidden->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{child, notMesh}), passedNodes());
+}
+
+TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
+{
+    start(16);
+    TestNode* window = make("window", PV_TYPE_WINDOW, {10, 20, 0});
+    TestNode* title = make("title", PV_TYPE_BUTTON, {0, 0, 0}, window);
+    TestNode* icon = make("icon", PV_TYPE_BOX, {2, 2, 0}, title);
+    TestNode* body = make("body", PV_TYPE_LABEL, {0, 16, 0}, window);
+    window->minimized = true;
+    window->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
+    EXPECT_EQ(0, body->getTimeStamp());
+    expectMatrixNear(Mat4::translation(12, 22, 0), *PVELEMENT::getPassedElement(2)->getMatrix(),
+                     "icon");
+
+    PVELEMENT::reset();
+    window->minimized = false;
+    window->pass(false);
+    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, body}), passedNodes());
+
+    PVELEMENT::reset();
+    title->unlink();
+    body->unlink();
+    window->minimized = true;
+    EXPECT_TRUE(window->pass(false));  // no first child to pass
+    EXPECT_EQ((std::vector<PVNODE*>{window}), passedNodes());
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(RenderList, CountsLightsAndTransparencies)
+{
+    start(16);
+    TestNode* root = make("root", PV_TYPE_NODE);
+    make("light1", PV_TYPE_LIGHT, {}, root);
+    make("light2", PV_TYPE_LIGHT, {}, root);
+    make("opaque", PV_TYPE_MESH, {}, root);
+    make("glass", PV_TYPE_MESH, {}, root)->transparent = true;
+    make("emitter", PV_TYPE_EMITTER, {}, root);
+    make("helper", PV_TYPE_HELPER, {}, root);
+    make("box", PV_TYPE_BOX, {}, root)->transparent = true;  // only meshes are asked
+    root->pass(false);
+    EXPECT_EQ(7u, PVELEMENT::getNumberOfPassedElements());
+    EXPECT_EQ(2u, PVELEMENT::getNumberOfLights());
+    EXPECT_EQ(3u, PVELEMENT::getNumberOfTransparencies());
+    EXPECT_EQ(PVELEMENT::getPassedElement(0), PVELEMENT::getLight(0));
+    EXPECT_EQ(nullptr, PVELEMENT::getLight(PVELEMENT::getNumberOfLights()));
+    PVELEMENT::reset();
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfLights());
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfTransparencies());
+    EXPECT_EQ(nullptr, PVELEMENT::getLight(0));
+}
+
+TEST_F(RenderList, Sort3DPutsLightsFirstThenOpaqueThenTransparent)
+{
+    start(16);
+    EXPECT_FALSE(PVELEMENT::sort3D());
+    TestNode* root = make("root", PV_TYPE_NODE);
+    TestNode* glass = make("glass", PV_TYPE_MESH, {}, root);
+    glass->transparent = true;
+    TestNode* opaque = make("opaque", PV_TYPE_MESH, {}, root);
+    TestNode* light1 = make("light1", PV_TYPE_LIGHT, {}, root);
+    TestNode* light2 = make("light2", PV_TYPE_LIGHT, {}, root);
+    root->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort3D());
+    const std::vector<PVNODE*> order = passedNodes();
+    EXPECT_EQ((std::set<PVNODE*>{light1, light2}), (std::set<PVNODE*>{order[0], order[1]}));
+    EXPECT_EQ(opaque, order[2]);
+    EXPECT_EQ(glass, order[3]);
+    EXPECT_EQ(order[0], PVELEMENT::getLight(0)->getNode());
+}
+
+TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
+{
+    start(16);
+    TestNode* root = make("root", PV_TYPE_NODE);
+    TestNode* near = make("near", PV_TYPE_HELPER, {0, 0, -5}, root);
+    TestNode* far = make("far", PV_TYPE_MESH, {0, 0, -20}, root);
+    far->transparent = true;
+    TestNode* wide = make("wide", PV_TYPE_HELPER, {0, 0, -10}, root);
+    wide->radius = 15;  // its far side at -25 is the farthest
+    TestNode* spark = make("spark", PV_TYPE_EMITTER, {0, 0, -1}, root);
+    TestNode* wall = make("wall", PV_TYPE_MESH, {0, 0, -100}, root);
+    root->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort3D());
+    EXPECT_EQ((std::vector<PVNODE*>{wall, wide, far, near, spark}), passedNodes());
+}
+
+TEST_F(RenderList, Sort3DLeavesAnAllOpaqueListAlone)
+{
+    start(16);
+    TestNode* root = make("root", PV_TYPE_NODE);
+    std::vector<PVNODE*> meshes;
+    for (int i = 0; i < 6; i++)
+        meshes.push_back(make("mesh", PV_TYPE_MESH, {0, 0, float(-i)}, root));
+    root->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort3D());
+    EXPECT_EQ(meshes, passedNodes());
+}
+
+TEST_F(RenderList, Sort2DDrawsTheForemostLast)
+{
+    start(16);
+    EXPECT_FALSE(PVELEMENT::sort2D());
+    TestNode* desk = make("desk", PV_TYPE_WINDOW);
+    desk->foremost = 3;
+    TestNode* back = make("back", PV_TYPE_BOX, {}, desk);
+    back->foremost = 1;
+    TestNode* middle = make("middle", PV_TYPE_LABEL, {}, desk);
+    middle->foremost = 2;
+    TestNode* top = make("top", PV_TYPE_BUTTON, {}, desk);
+    top->foremost = 7;
+    desk->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort2D());
+    EXPECT_EQ((std::vector<PVNODE*>{back, middle, desk, top}), passedNodes());
+}
+
+TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
+{
+    start(16);
+    EXPECT_FALSE(PVELEMENT::sortLights(K3MVECTOR3D(0, 0, 0)));
+    PVNODE* root = new PVNODE();
+    PVLIGHT* far = new PVLIGHT();
+    PVLIGHT* near = new PVLIGHT();
+    PVLIGHT* exclusive = new PVLIGHT();
+    far->setPosition(10, 0, 0);
+    near->setPosition(0, 2, 0);
+    exclusive->setPosition(0, 0, 50);
+    exclusive->setExclusive(true);
+    for (PVNODE* light : {static_cast<PVNODE*>(far), static_cast<PVNODE*>(near),
+                          static_cast<PVNODE*>(exclusive)})
+        light->link(root);
+    make("mesh", PV_TYPE_MESH, {}, root);
+    root->pass(false);
+    PVELEMENT::sort3D();
+    EXPECT_TRUE(PVELEMENT::sortLights(K3MVECTOR3D(0, 0, 1)));
+    ASSERT_EQ(3u, PVELEMENT::getNumberOfLights());
+    EXPECT_EQ(exclusive, PVELEMENT::getLight(0)->getNode());
+    EXPECT_EQ(near, PVELEMENT::getLight(1)->getNode());
+    EXPECT_EQ(far, PVELEMENT::getLight(2)->getNode());
+    EXPECT_FLOAT_EQ(49.0f, PVELEMENT::getLight(0)->getDistance());
+    EXPECT_FLOAT_EQ(std::sqrt(5.0f), PVELEMENT::getLight(1)->getDistance());
+    EXPECT_FLOAT_EQ(std::sqrt(101.0f), PVELEMENT::getLight(2)->getDistance());
+    EXPECT_EQ(nullptr, PVELEMENT::getLight(3));
+
+    PVELEMENT* mesh = PVELEMENT::getPassedElement(3);
+    mesh->setNearestLight(0, PVELEMENT::getLight(1));
+    mesh->setNearestLight(4, PVELEMENT::getLight(0));  // no such slot
+    EXPECT_EQ(PVELEMENT::getLight(1), mesh->getNearestLight(0));
+    EXPECT_EQ(nullptr, mesh->getNearestLight(4));
+    mesh->setParam1(16);
+    EXPECT_EQ(16u, mesh->getParam1());
+}
+
+TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
+{
+    start(16);
+    TestNode* root = make("root", PV_TYPE_NODE, {1, 2, 3});
+    root->setRotation(90, 0, -45);
+    TestNode* child = make("child", PV_TYPE_MESH, {}, root);
+    K3MMATRIX m;
+    m.m[12] = 0.5f;
+    child->setMatrix(m);
+    child->setPositioning(PV_POSITIONING_MATRIX);
+    make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
+
+    pvtest::GlRecorder recorder;
+    recorder.start();
+    root->pass(false);
+    recorder.stop();
+    EXPECT_EQ((std::vector<std::string>{
+                  "glPushMatrix()",
+                  "glTranslatex(65536,131072,196608)",
+                  "glRotatex(5898240,65536,0,0)",
+                  "glRotatex(0,0,65536,0)",
+                  "glRotatex(-2949120,0,0,65536)",
+                  "glPushMatrix()",
+                  "glMultMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,32768,0,0,65536})",
+                  "glPopMatrix()",
+                  "glPushMatrix()",
+                  "glPopMatrix()",
+                  "glPopMatrix()",
+              }),
+              recorder.calls())
+        << recorder.text();
+}
+
+}  // namespace

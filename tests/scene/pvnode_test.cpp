@@ -1,0 +1,455 @@
+// Node: registry, identity, hierarchy editing with its log lines, searches,
+// world matrices against textbook products, the tree listing and cleanUp.
+#include <gtest/gtest.h>
+
+#include <new>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "scene/scenetestnode.h"
+#include "support/scratch.h"
+
+using pvtest::Mat4;
+using pvtest::TestNode;
+using pvtest::Vec3;
+
+int TestNode::destroyed = 0;
+
+namespace {
+
+class Node : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        PV_glMatrixMode(GL_MODELVIEW);
+        PV_glLoadIdentity();
+        TestNode::destroyed = 0;
+    }
+    void TearDown() override { PVNODE::cleanUp(); }
+
+    // A node owned by the registry (released by cleanUp).
+    static TestNode* make(const char* name, PV_NODE_TYPE type = PV_TYPE_NODE)
+    {
+        return new TestNode(name, type);
+    }
+    static std::vector<PVNODE*> childrenOf(PVNODE* node)
+    {
+        std::vector<PVNODE*> result;
+        for (unsigned int i = 0; i < node->getNumberOfChildren(); i++)
+            result.push_back(node->getChild(i));
+        return result;
+    }
+    static std::vector<PVNODE*> registry()
+    {
+        std::vector<PVNODE*> result;
+        for (PVNODE* node = PVNODE::getFirstNode(); node; node = node->getNextNode())
+            result.push_back(node);
+        return result;
+    }
+    std::string consume()
+    {
+        const std::string all = log.text();
+        std::string fresh = all.substr(seen);
+        seen = all.size();
+        return fresh;
+    }
+
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+    size_t seen = 0;
+};
+
+void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(expected.gl(i), actual.m[i], 1e-4) << what << ", element " << i;
+}
+
+TEST_F(Node, DefaultsIdsNamesAndTypeNames)
+{
+    PVNODE* first = new PVNODE();
+    PVNODE* second = new PVNODE(true);
+    EXPECT_EQ(1u, first->getId());
+    EXPECT_STREQ("[node 1]", first->getName());
+    EXPECT_EQ(2u, second->getId());
+    EXPECT_STREQ("[node 2]", second->getName());
+    EXPECT_EQ(PV_TYPE_NODE, first->getType());
+    EXPECT_STREQ("node", first->getTypeName());
+    EXPECT_FALSE(first->isShared());
+    EXPECT_FALSE(second->isShared());
+    EXPECT_EQ(0u, first->getAuxId());
+    EXPECT_EQ(0, first->getTimeStamp());
+    EXPECT_EQ(nullptr, first->getData());
+    EXPECT_EQ(PV_POSITIONING_VECTORS, first->getPositioning());
+    EXPECT_TRUE(first->isRoot());
+    EXPECT_EQ(0u, first->getNumberOfChildren());
+    EXPECT_EQ(nullptr, first->getTargetNode());
+    const K3MMATRIX identity;
+    for (int i = 0; i < 16; i++) {
+        EXPECT_EQ(identity.m[i], first->getMatrix().m[i]);
+        EXPECT_EQ(identity.m[i], first->getCachedMatrix()->m[i]);
+    }
+    EXPECT_FALSE(first->render(nullptr));
+
+    const char* expected[PV_NODE_TYPE_COUNT] = {
+        "node", "root", "light", "mesh", "camera", "emitter", "skydome", "water", "terrain", "helper",
+        "sound", "box", "label", "button", "window", "textfield", "hscrollbar", "vscrollbar", "custom"};
+    for (int i = 0; i < PV_NODE_TYPE_COUNT; i++) {
+        EXPECT_STREQ(expected[i], PVNODE::typeName[i]);
+        TestNode typed(nullptr, PV_NODE_TYPE(i));
+        EXPECT_STREQ(expected[i], typed.getTypeName());
+    }
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(Node, RegistryKeepsConstructionOrderAndReusesIds)
+{
+    TestNode* a = make("a");
+    TestNode* b = make("b");
+    TestNode* c = make("c");
+    EXPECT_EQ((std::vector<PVNODE*>{a, b, c}), registry());
+    EXPECT_EQ(nullptr, a->getPreviousNode());
+    EXPECT_EQ(b, c->getPreviousNode());
+    EXPECT_EQ(3u, PVNODE::getNumberOfNodes());
+
+    delete b;  // Leaves the registry and gives id 2 back.
+    EXPECT_EQ((std::vector<PVNODE*>{a, c}), registry());
+    EXPECT_EQ(a, c->getPreviousNode());
+    TestNode* d = make("d");
+    EXPECT_EQ(2u, d->getId());
+    EXPECT_EQ((std::vector<PVNODE*>{a, c, d}), registry());
+
+    delete a;  // The head leaves: its successor heads the list.
+    EXPECT_EQ(c, PVNODE::getFirstNode());
+    EXPECT_EQ(nullptr, c->getPreviousNode());
+    EXPECT_EQ(2u, PVNODE::getNumberOfNodes());
+
+    EXPECT_EQ(d, PVNODE::findByName("d"));
+    EXPECT_EQ(nullptr, PVNODE::findByName("a"));
+    EXPECT_EQ(nullptr, PVNODE::findByName(nullptr));
+    EXPECT_EQ(c, PVNODE::findById(3));
+    EXPECT_EQ(nullptr, PVNODE::findById(1));
+}
+
+TEST_F(Node, FindByNameTakesTheFirstInRegistryOrder)
+{
+    make("other");
+    TestNode* first = make("twin");
+    make("twin");
+    EXPECT_EQ(first, PVNODE::findByName("twin"));
+    EXPECT_EQ(nullptr, PVNODE::findByName("twi"));
+}
+
+TEST_F(Node, SetNameRefusesNullAndOverlongNames)
+{
+    TestNode* node = make("kept");
+    node->setName(nullptr);
+    EXPECT_STREQ("kept", node->getName());
+    const std::string longest(255, 'x');
+    node->setName(longest.c_str());
+    EXPECT_EQ(longest, node->getName());
+    node->setName(std::string(256, 'y').c_str());
+    EXPECT_EQ(longest, node->getName());
+}
+
+TEST_F(Node, VectorSettersMovesAndRotations)
+{
+    TestNode* node = make("n");
+    node->setPosition(1, 2, 3);
+    node->setPosition(4, 5);  // z stays
+    node->move(1, 1);         // z stays
+    node->move(0, 0, 1);
+    node->move(K3MVECTOR3D(1, 0, 0));
+    EXPECT_TRUE(K3MVECTOR3D(6, 6, 4) == node->getPosition());
+
+    node->setRotation(K3MVECTOR3D(10, 20, 30));
+    node->setRotation(1, 2);
+    node->rotate(1, 1);
+    node->rotate(0, 0, 5);
+    node->rotate(K3MVECTOR3D(0, 1, 0));
+    EXPECT_TRUE(K3MVECTOR3D(2, 4, 35) == node->getRotation());
+
+    node->setOrigin(7, 8, 9);
+    node->setOrigin(1, 1);
+    EXPECT_TRUE(K3MVECTOR3D(1, 1, 9) == node->getOrigin());
+    node->setDirection(K3MVECTOR3D(0, 0, -1));
+    node->setDirection(3, 4);
+    EXPECT_TRUE(K3MVECTOR3D(3, 4, -1) == node->getDirection());
+    node->setTarget(1, 2, 3);
+    node->setTarget(5, 6);
+    EXPECT_TRUE(K3MVECTOR3D(5, 6, 3) == node->getTarget());
+}
+
+TEST_F(Node, LinkAppendsAndRefusesBadParents)
+{
+    TestNode* parent = make("parent");
+    TestNode* a = make("a");
+    TestNode* b = make("b");
+    EXPECT_TRUE(a->link(parent));
+    EXPECT_TRUE(b->link(parent));
+    EXPECT_EQ((std::vector<PVNODE*>{a, b}), childrenOf(parent));
+    EXPECT_EQ(parent, b->getParent());
+    EXPECT_FALSE(b->isRoot());
+    EXPECT_EQ("", consume());
+
+    EXPECT_FALSE(a->link(nullptr));
+    EXPECT_FALSE(a->link(a));
+    TestNode* other = make("other");
+    EXPECT_FALSE(a->link(other));
+    EXPECT_EQ("   [!] Invalid param @ PVNODE::link\n"
+              "   [!] Invalid param @ PVNODE::link\n"
+              "   [!] Node a has already a parent @ PVNODE::link\n",
+              consume());
+    EXPECT_EQ(parent, a->getParent());
+    EXPECT_EQ(0u, other->getNumberOfChildren());
+}
+
+TEST_F(Node, UnlinkKeepsTheOthersInOrder)
+{
+    TestNode* parent = make("parent");
+    TestNode* a = make("a");
+    TestNode* b = make("b");
+    TestNode* c = make("c");
+    for (TestNode* child : {a, b, c})
+        child->link(parent);
+    EXPECT_TRUE(b->unlink());
+    EXPECT_EQ((std::vector<PVNODE*>{a, c}), childrenOf(parent));
+    EXPECT_TRUE(b->isRoot());
+    EXPECT_FALSE(b->unlink());
+    EXPECT_EQ("   [!] Node b is already unlinked @ PVNODE::unlink\n", consume());
+
+    // A node claiming a parent that does not list it.
+    TestNode* stray = make("stray");
+    stray->forceParent(parent);
+    EXPECT_FALSE(stray->unlink());
+    EXPECT_EQ("   [!] Consistency problem with stray @ PVNODE::unlink\n", consume());
+    EXPECT_EQ((std::vector<PVNODE*>{a, c}), childrenOf(parent));
+    stray->forceParent(nullptr);
+}
+
+TEST_F(Node, UnlinkingTheOnlyChildEmptiesTheParentWithoutLookingItUp)
+{
+    TestNode* parent = make("parent");
+    TestNode* child = make("child");
+    TestNode* stray = make("stray");
+    child->link(parent);
+    stray->forceParent(parent);
+    EXPECT_TRUE(stray->unlink());
+    EXPECT_EQ(0u, parent->getNumberOfChildren());
+    EXPECT_TRUE(stray->isRoot());
+    EXPECT_EQ(parent, child->getParent());  // left dangling, as the shortcut does
+    EXPECT_EQ("", consume());
+    child->forceParent(nullptr);
+}
+
+TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
+{
+    TestNode* grandparent = make("grandparent");
+    TestNode* elder = make("elder");
+    TestNode* node = make("node");
+    TestNode* c1 = make("c1");
+    TestNode* c2 = make("c2");
+    TestNode* leaf = make("leaf");
+    elder->link(grandparent);
+    node->link(grandparent);
+    c1->link(node);
+    c2->link(node);
+    leaf->link(c1);
+
+    EXPECT_TRUE(node->remove());
+    EXPECT_EQ((std::vector<PVNODE*>{elder, c1, c2}), childrenOf(grandparent));
+    EXPECT_EQ(grandparent, c1->getParent());
+    EXPECT_EQ(grandparent, c2->getParent());
+    EXPECT_EQ(c1, leaf->getParent());
+    EXPECT_TRUE(node->isRoot());
+    EXPECT_EQ(0u, node->getNumberOfChildren());
+    EXPECT_EQ("", consume());
+
+    EXPECT_FALSE(node->remove());
+    EXPECT_EQ("   [!] Node node already unlinked @ PVNODE::remove\n", consume());
+}
+
+TEST_F(Node, GetChildOutOfRange)
+{
+    TestNode* parent = make("parent");
+    TestNode* child = make("child");
+    child->link(parent);
+    EXPECT_EQ(child, parent->getChild(0));
+    EXPECT_EQ(nullptr, parent->getChild(parent->getNumberOfChildren()));
+    EXPECT_EQ(nullptr, child->getChild(0));
+    EXPECT_EQ("   [!] Invalid params @ PVNODE::getChild\n"
+              "   [!] Invalid params @ PVNODE::getChild\n",
+              consume());
+}
+
+TEST_F(Node, HierarchySearchesArePreOrder)
+{
+    TestNode* root = make("root");
+    TestNode* a = make("a");
+    TestNode* deep = make("x");
+    TestNode* b = make("x");
+    TestNode* outside = make("outside");
+    a->link(root);
+    b->link(root);
+    deep->link(a);
+    EXPECT_EQ(root, root->findByNameInHierarchy("root"));
+    EXPECT_EQ(deep, root->findByNameInHierarchy("x"));
+    EXPECT_EQ(b, b->findByNameInHierarchy("x"));
+    EXPECT_EQ(nullptr, root->findByNameInHierarchy("outside"));
+    EXPECT_EQ(nullptr, root->findByNameInHierarchy(nullptr));
+    EXPECT_EQ(deep, root->findByIdInHierarchy(deep->getId()));
+    EXPECT_EQ(nullptr, root->findByIdInHierarchy(outside->getId()));
+    EXPECT_EQ(nullptr, a->findByIdInHierarchy(b->getId()));
+}
+
+TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
+{
+    TestNode* root = make("root");
+    TestNode* arm = make("arm");
+    TestNode* hand = make("hand");
+    arm->link(root);
+    hand->link(arm);
+    const Vec3 rootPos{1, 2, 3}, rootOrigin{0.5, 0, 0}, rootRot{30, 0, 0};
+    const Vec3 armPos{0, 4, 0}, armOrigin{0, 0, -1}, armRot{0, 45, 10};
+    const Vec3 handPos{2, 0, 0}, handOrigin{0, 0, 0}, handRot{15, -20, 60};
+    pvtest::place(*root, rootPos, rootOrigin, rootRot);
+    pvtest::place(*arm, armPos, armOrigin, armRot);
+    pvtest::place(*hand, handPos, handOrigin, handRot);
+
+    const Mat4 rootM = pvtest::localTransform(rootPos, rootOrigin, rootRot);
+    const Mat4 armM = pvtest::localTransform(armPos, armOrigin, armRot);
+    const Mat4 handM = pvtest::localTransform(handPos, handOrigin, handRot);
+    expectMatrixNear(rootM * armM * handM, hand->getFinalMatrix(nullptr), "whole chain");
+    expectMatrixNear(armM * handM, hand->getFinalMatrix("arm"), "stopped at arm");
+    expectMatrixNear(rootM * armM * handM, hand->getFinalMatrix("missing"), "unknown stop name");
+    expectMatrixNear(rootM, root->getFinalMatrix(nullptr), "root alone");
+
+    // A matrix-positioned ancestor contributes its matrix; any other
+    // positioning value contributes nothing.
+    const Mat4 armMatrix = Mat4::translation(5, 0, 0) * Mat4::rotationZ(90);
+    K3MMATRIX stored;
+    for (int i = 0; i < 16; i++)
+        stored.m[i] = float(armMatrix.gl(i));
+    arm->setMatrix(stored);
+    arm->setPositioning(PV_POSITIONING_MATRIX);
+    expectMatrixNear(rootM * armMatrix * handM, hand->getFinalMatrix(nullptr), "matrix arm");
+    arm->setPositioning(PV_NODE_POSITIONING(2));
+    expectMatrixNear(rootM * handM, hand->getFinalMatrix(nullptr), "arm without transform");
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(Node, FinalMatrixLeavesTheWrapperAsItWas)
+{
+    TestNode* root = make("root");
+    TestNode* child = make("child");
+    child->link(root);
+    root->setPosition(1, 1, 1);
+    PV_glLoadIdentity();
+    PV_glTranslatef(7, 8, 9);
+    child->getFinalMatrix(nullptr);
+    K3MMATRIX current;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, current.m);
+    expectMatrixNear(Mat4::translation(7, 8, 9), current, "current matrix after getFinalMatrix");
+}
+
+// A chain of depth ancestors above the returned leaf, each moving by 1 in x.
+TestNode* chainWithAncestors(int depth)
+{
+    TestNode* top = new TestNode("top");
+    top->setPosition(1, 0, 0);
+    TestNode* below = top;
+    for (int i = 0; i < depth; i++) {
+        TestNode* next = new TestNode();
+        next->setPosition(1, 0, 0);
+        next->link(below);
+        below = next;
+    }
+    return below;
+}
+
+TEST_F(Node, SixtyThreeAncestorsWorkSixtyFourOverflow)
+{
+    TestNode* leaf63 = chainWithAncestors(63);
+    expectMatrixNear(Mat4::translation(64, 0, 0), leaf63->getFinalMatrix(nullptr), "63 ancestors");
+    EXPECT_EQ("", consume());
+
+    TestNode* leaf64 = chainWithAncestors(64);
+    leaf64->setPosition(5, 5, 5);
+    expectMatrixNear(Mat4::identity(), leaf64->getFinalMatrix(nullptr), "64 ancestors");
+    EXPECT_EQ("   [!] Depth overflow @ PVNODE::getFinalMatrix()\n", consume());
+    // A stop name below the overflow keeps the climb short.
+    static_cast<TestNode*>(leaf64->getParent())->setName("near");
+    expectMatrixNear(Mat4::translation(6, 5, 5), leaf64->getFinalMatrix("near"), "stopped");
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(Node, DisplayTreeListsTheWholeHierarchy)
+{
+    TestNode* root = make("root");
+    TestNode* a = make("a");
+    TestNode* b = make("b");
+    TestNode* a1 = make("a1");
+    TestNode* a2 = make("a2");
+    a->link(root);
+    b->link(root);
+    a1->link(a);
+    a2->link(a);
+    TestNode* lonely = make("lonely");
+    EXPECT_TRUE(PVNODE::displayTree(root));
+    EXPECT_TRUE(PVNODE::displayTree(lonely));
+    EXPECT_EQ("   Tree for root:\n"
+              "   + root [id: 1]\n"
+              "     + a [id: 2]\n"
+              "       + a1 [id: 4]\n"
+              "       + a2 [id: 5]\n"
+              "     + b [id: 3]\n"
+              "\n"
+              "   Tree for lonely:\n"
+              "   empty\n"
+              "\n",
+              consume());
+    EXPECT_EQ(nullptr, PVNODE::displayTreeRecursive(nullptr, 3));
+    EXPECT_EQ("", consume());
+}
+
+TEST_F(Node, CleanUpDeletesEveryNodeThroughItsDestructor)
+{
+    EXPECT_FALSE(PVNODE::cleanUp());
+    EXPECT_EQ("", consume());
+    const int allocationsBefore = kvfGetMemoryStats().ratio;
+
+    TestNode* root = make("root");
+    make("child")->link(root);
+    make("loose");
+    EXPECT_TRUE(PVNODE::cleanUp());
+    EXPECT_EQ("   3 node(s) released @ PVNODE::cleanUp\n", consume());
+    EXPECT_EQ(3, TestNode::destroyed);
+    EXPECT_EQ(nullptr, PVNODE::getFirstNode());
+    EXPECT_EQ(0u, PVNODE::getNumberOfNodes());
+    EXPECT_EQ(allocationsBefore, kvfGetMemoryStats().ratio);  // children arrays freed
+    EXPECT_FALSE(PVNODE::cleanUp());
+    EXPECT_EQ("", consume());
+    EXPECT_EQ(1u, make("again")->getId());  // ids were given back
+}
+
+TEST_F(Node, CopiesAreShallowAndUnregistered)
+{
+    TestNode* parent = make("parent");
+    TestNode* child = make("child");
+    child->link(parent);
+    child->setAuxId(77);
+    // Built in raw storage and never destroyed: a copy shares the original's
+    // id, registry links and children array.
+    alignas(PVNODE) unsigned char storage[sizeof(PVNODE)];
+    PVNODE* copy = new (storage) PVNODE(*child);
+    EXPECT_EQ(child->getId(), copy->getId());
+    EXPECT_STREQ("child", copy->getName());
+    EXPECT_EQ(parent, copy->getParent());
+    EXPECT_EQ(77u, copy->getAuxId());
+    EXPECT_EQ(parent, copy->getPreviousNode());
+    EXPECT_EQ((std::vector<PVNODE*>{parent, child}), registry());
+}
+
+}  // namespace
