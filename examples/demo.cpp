@@ -1,6 +1,7 @@
 // Opens the display (the default configuration, or a PEVRANO_* configuration
-// file given as the first argument), draws a few frames and saves the last one
-// as screenshot.png in the working directory. Without an X display the engine
+// file given as the first argument), draws a few frames of a small lit scene
+// seen through a camera that swings around it, and saves the last frame as
+// screenshot.png in the working directory. Without an X display the engine
 // draws off-screen, so the demo runs the same on a headless machine.
 #include <pevrano.h>
 
@@ -8,6 +9,7 @@
 #include <png.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -20,10 +22,110 @@ namespace {
 
 const int frameCount = 5;
 
-// The 3D part of a frame; the scene is drawn between begin3D and end3D.
-void drawScene()
+// A node type of the application's own: a flat square of one colour in its
+// node's XY plane, facing +z, lit by the lights nearest to it. The engine
+// calls render with the node's render-list record during end3D.
+class Tile : public PVNODE {
+public:
+    Tile(float size, const K3MVECTOR4D& colour) : colour(colour)
+    {
+        type = PV_TYPE_CUSTOM;
+        setDefaultName("[tile %d]");
+        const GLfixed h = PV_floatToFixed(size / 2.0f);
+        const GLfixed corners[12] = {-h, -h, 0, h, -h, 0, -h, h, 0, h, h, 0};
+        for (int i = 0; i < 12; ++i) {
+            vertices[i] = corners[i];
+            normals[i] = (i % 3 == 2) ? PV_floatToFixed(1.0f) : 0;
+        }
+    }
+
+    bool render(void* element) override
+    {
+        PVELEMENT* record = static_cast<PVELEMENT*>(element);
+        PVLIGHT::lightingOn();
+        PVLIGHT::activateNearest(record);
+        PV_glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, colour);
+        PV_glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, colour);
+        // The lights load their own matrices: the tile's comes after them.
+        PV_glLoadMatrixf(record->getMatrix()->m);
+        PVOPENGL::vertexArrayOn();
+        PVOPENGL::normalArrayOn();
+        PVOPENGL::colorArrayOff();
+        PVOPENGL::textureArrayOff();
+        glVertexPointer(3, GL_FIXED, 0, vertices);
+        glNormalPointer(GL_FIXED, 0, normals);
+        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+        return true;
+    }
+
+private:
+    K3MVECTOR4D colour;
+    GLfixed vertices[12];
+    GLfixed normals[12];
+};
+
+// A checkered floor with three upright panels, lit by a white directional
+// light and a warm spot light. Nodes are owned by the engine's node registry:
+// PEVRANO::free deletes them.
+PVNODE* buildScene()
 {
-    PEVRANO::begin3D(nullptr);
+    PVNODE* scene = new PVNODE();
+    PVNODE* floor = new PVNODE();
+    floor->setRotation(-90, 0, 0);  // the tiles' +z becomes world up
+    floor->link(scene);
+    for (int row = 0; row < 6; ++row)
+        for (int column = 0; column < 6; ++column) {
+            const float shade = (row + column) % 2 ? 0.35f : 0.8f;
+            Tile* tile = new Tile(1.0f, K3MVECTOR4D(shade, shade, shade, 1.0f));
+            tile->setPosition(column - 2.5f, row - 2.5f, 0.0f);
+            tile->link(floor);
+        }
+
+    const K3MVECTOR4D panelColours[3] = {K3MVECTOR4D(0.9f, 0.2f, 0.2f, 1.0f), K3MVECTOR4D(0.2f, 0.9f, 0.3f, 1.0f),
+                                         K3MVECTOR4D(0.2f, 0.4f, 0.9f, 1.0f)};
+    for (int i = 0; i < 3; ++i) {
+        Tile* panel = new Tile(1.5f, panelColours[i]);
+        panel->setPosition(2.0f * (i - 1), 0.75f, -1.0f);
+        panel->setRotation(0.0f, -25.0f * (i - 1), 0.0f);  // turned towards the middle
+        panel->link(scene);
+    }
+
+    PVLIGHT* sun = new PVLIGHT();
+    sun->setLightType(PV_LIGHT_DIRECTIONAL);
+    K3MVECTOR3D sunDirection(-0.3f, -0.8f, -0.5f);
+    sun->setDirection(sunDirection.normalize());
+    sun->setDiffuse(0.45f, 0.45f, 0.5f, 1.0f);
+    sun->link(scene);
+
+    PVLIGHT* spot = new PVLIGHT();
+    spot->setLightType(PV_LIGHT_SPOT);
+    spot->setPosition(0.5f, 4.0f, 1.5f);
+    spot->setTargetNode(spot);  // aims at its own target vector
+    spot->setTarget(0.0f, 0.0f, 0.0f);
+    spot->setCutOff(30.0f);
+    spot->setExponent(2.0f);
+    spot->setDiffuse(1.0f, 0.8f, 0.5f, 1.0f);
+    spot->setAmbient(0.0f, 0.0f, 0.0f, 1.0f);
+    spot->link(scene);
+    return scene;
+}
+
+// A camera that looks at the middle of the scene from a point it moves to.
+PVCAMERA* buildCamera()
+{
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setTargetNode(camera);
+    camera->setTarget(0.0f, 0.5f, 0.0f);
+    return camera;
+}
+
+// The 3D part of a frame: the camera swings from left to right of the scene.
+void drawScene(int frame, PVCAMERA* camera, PVNODE* scene)
+{
+    const float angle = (-20.0f + 40.0f * float(frame) / float(frameCount - 1)) * 3.1415927f / 180.0f;
+    camera->setPosition(10.0f * std::sin(angle), 7.0f, 10.0f * std::cos(angle));
+    PEVRANO::begin3D(camera);
+    scene->pass(false);
     PEVRANO::end3D(false);
 }
 
@@ -35,12 +137,12 @@ void drawInterface()
 }
 
 // One frame, without the swap: the background fades from dark to light blue.
-void drawFrame(int frame)
+void drawFrame(int frame, PVCAMERA* camera, PVNODE* scene)
 {
     const float shade = float(frame) / float(frameCount - 1);
     PVOPENGL::setBackgroundColor(0.1f, 0.2f + 0.3f * shade, 0.4f + 0.5f * shade, 1.0f);
     PEVRANO::clear(true, true, false);
-    drawScene();
+    drawScene(frame, camera, scene);
     drawInterface();
 }
 
@@ -101,10 +203,14 @@ int main(int argc, char** argv)
     std::printf("display %dx%d, %d-bit colour, %s\n", PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY(),
                 PVSETTINGS::getSDLColorDepth(), PVSETTINGS::getSDLWindow() ? "X11 window" : "off-screen");
 
+    PVOPENGL::setGlobalAmbientLight(0.15f, 0.15f, 0.2f, 1.0f);
+    PVNODE* scene = buildScene();
+    PVCAMERA* camera = buildCamera();
+
     bool saved = false;
     const std::string screenshot = workingDirectory() + "/screenshot.png";
     for (int frame = 0; frame < frameCount; ++frame) {
-        drawFrame(frame);
+        drawFrame(frame, camera, scene);
         // The last frame is read before the swap, while its buffer is still defined.
         if (frame == frameCount - 1)
             saved = saveScreenshot(screenshot.c_str(), PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());

@@ -1,0 +1,54 @@
+// Camera: sets up the viewing transform at the start of a 3D frame and
+// publishes the view matrix and the eye position for the rest of the frame.
+#ifndef PV_CAMERA_H
+#define PV_CAMERA_H
+
+#include "math/k3mmatrix.h"
+#include "math/k3mvector3d.h"
+#include "scene/pvnode.h"
+
+// Three ways of aiming, chosen by the target node: none is a free camera
+// (position and rotation, or its own matrix), the camera itself looks at its
+// target vector, any other node is followed.
+class PVCAMERA : public PVNODE {
+public:
+    PVCAMERA();
+    PVCAMERA(const PVCAMERA& other);
+    PVCAMERA& operator=(const PVCAMERA& other);
+    ~PVCAMERA() override;
+
+    // Replaces the current matrix with the view matrix and publishes it;
+    // the argument is not used. Returns true.
+    bool render(void* element) override;
+
+    void setPreRotation(float x, float y, float z);
+    void setPreRotation(K3MVECTOR3D rotation);
+    K3MVECTOR3D getPreRotation();
+    void setUpDirection(const K3MVECTOR3D& up);
+    K3MVECTOR3D getUpDirection();
+    K3MMATRIX* getThisCameraMatrix();
+
+    // Moves the camera along the axes of the last rendered view (negative z
+    // goes forward); the step is also stored as the node's direction.
+    void moveDoom(float x, float y, float z);
+    void moveDoom(K3MVECTOR3D step);
+
+    static K3MMATRIX* getCameraMatrix();
+    static K3MVECTOR3D getCameraPosition();
+    static PVCAMERA* getThisPassCamera();
+
+private:
+    K3MVECTOR3D eyePosition();
+    void applyInverseTransform();
+    static void lookAt(const K3MVECTOR3D& eye, const K3MVECTOR3D& centre, const K3MVECTOR3D& up);
+
+    K3MVECTOR3D preRotation;
+    K3MVECTOR3D upDirection;
+    K3MMATRIX thisCameraMatrix;
+
+    static PVCAMERA* thisPassCamera;
+    static K3MVECTOR3D cameraPosition;
+    static K3MMATRIX cameraMatrix;
+};
+
+#endif

@@ -1,0 +1,202 @@
+// Light: omni, directional and spot lights programmed into GL light slots.
+#include "scene/pvlight.h"
+
+#include "core/pvgl.h"
+#include "foundation/kvflog.h"
+#include "scene/pvelement.h"
+
+bool PVLIGHT::lighting = false;
+
+PVLIGHT::PVLIGHT()
+    : lightType(PV_LIGHT_OMNI),
+      ambient(0.2f, 0.2f, 0.2f, 1.0f),
+      diffuse(0.7f, 0.7f, 0.7f, 1.0f),
+      specular(0.2f, 0.2f, 0.2f, 1.0f),
+      attenuation(1.0f, 0.0f, 0.0f),
+      cutOff(180.0f),
+      exponent(0.0f),
+      exclusive(false),
+      shadowCaster(false),
+      shadowNearPlane(1.0f),
+      shadowFarPlane(1024.0f)
+{
+    type = PV_TYPE_LIGHT;
+    setDefaultName("[light %d]");
+    direction.set(0.0f, 0.0f, 0.0f);
+}
+
+PVLIGHT::PVLIGHT(const PVLIGHT& other) : PVNODE(other)
+{
+    copyLightFields(other);
+}
+
+PVLIGHT& PVLIGHT::operator=(const PVLIGHT& other)
+{
+    PVNODE::operator=(other);
+    copyLightFields(other);
+    return *this;
+}
+
+PVLIGHT::~PVLIGHT() = default;
+
+void PVLIGHT::copyLightFields(const PVLIGHT& other)
+{
+    lightType = other.lightType;
+    ambient = other.ambient;
+    diffuse = other.diffuse;
+    specular = other.specular;
+    attenuation = other.attenuation;
+    cutOff = other.cutOff;
+    exponent = other.exponent;
+    exclusive = other.exclusive;
+    shadowCaster = other.shadowCaster;
+    shadowNearPlane = other.shadowNearPlane;
+    shadowFarPlane = other.shadowFarPlane;
+}
+
+void PVLIGHT::lightingOn()
+{
+    if (lighting)
+        return;
+    glEnable(GL_LIGHTING);
+    lighting = true;
+}
+
+void PVLIGHT::lightingOff()
+{
+    if (!lighting)
+        return;
+    glDisable(GL_LIGHTING);
+    lighting = false;
+}
+
+bool PVLIGHT::getLighting() { return lighting; }
+
+bool PVLIGHT::activateNearest(PVELEMENT* element)
+{
+    if (element == nullptr) {
+        kvfLog("   [!] Invalid params @ PVLIGHT::activateNearest\n");
+        return false;
+    }
+    if (!lighting)
+        return false;
+
+    PVELEMENT::sortLights(element->getMatrix()->getTranslation());
+    for (unsigned int i = 0; i < PVELEMENT::getNumberOfLights() && i < PV_ELEMENT_LIGHTS; i++) {
+        PVELEMENT* lightElement = PVELEMENT::getLight(i);
+        PVNODE* node = lightElement ? lightElement->getNode() : nullptr;
+        if (node == nullptr || node->getType() != PV_TYPE_LIGHT) {
+            kvfLog("   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n");
+            return false;
+        }
+        lightElement->setParam1(i);
+        node->render(lightElement);
+        element->setNearestLight(i, lightElement);
+    }
+    return true;
+}
+
+// The eye: the position, or with positioning 1 the translation of the matrix.
+K3MVECTOR3D PVLIGHT::eyePosition()
+{
+    if (positioning == PV_POSITIONING_MATRIX)
+        return matrix.getTranslation();
+    return position;
+}
+
+// A light aimed at its own target vector or at another node points there;
+// an unaimed light keeps the direction it was given.
+void PVLIGHT::aim()
+{
+    if (targetNode == nullptr)
+        return;
+    const K3MVECTOR3D centre =
+        targetNode == this ? target : targetNode->getFinalMatrix(nullptr).getTranslation();
+    direction = centre - eyePosition();
+    direction.normalize();
+}
+
+bool PVLIGHT::render(void* element)
+{
+    if (element == nullptr) {
+        kvfLog("   [!] Invalid params @ PVLIGHT::render\n");
+        return false;
+    }
+    PVELEMENT* record = static_cast<PVELEMENT*>(element);
+    aim();
+
+    float glPosition[4] = {0.0f, 0.0f, 0.0f, 1.0f};
+    float spotDirection[4] = {0.0f, 0.0f, 0.0f, 1.0f};
+    float cut = 180.0f;
+    switch (lightType) {
+    case PV_LIGHT_OMNI:
+        break;
+    case PV_LIGHT_DIRECTIONAL:
+        glPosition[0] = -direction.x;
+        glPosition[1] = -direction.y;
+        glPosition[2] = -direction.z;
+        glPosition[3] = 0.0f;
+        spotDirection[3] = 0.0f;
+        break;
+    case PV_LIGHT_SPOT:
+        spotDirection[0] = direction.x;
+        spotDirection[1] = direction.y;
+        spotDirection[2] = direction.z;
+        cut = cutOff;
+        break;
+    default:
+        kvfLog("   [!] Consistency broken: unknow type for %s @ PVLIGHT::render\n", name);
+        cut = cutOff;
+        break;
+    }
+
+    lightingOn();
+    const GLenum slot = GL_LIGHT0 + record->getParam1();
+    glEnable(slot);
+    PV_glLightfv(slot, GL_AMBIENT, ambient);
+    PV_glLightfv(slot, GL_DIFFUSE, diffuse);
+    PV_glLightfv(slot, GL_SPECULAR, specular);
+    PV_glLightf(slot, GL_SPOT_CUTOFF, cut);
+    PV_glLightf(slot, GL_SPOT_EXPONENT, exponent);
+    PV_glLightf(slot, GL_CONSTANT_ATTENUATION, attenuation.x);
+    PV_glLightf(slot, GL_LINEAR_ATTENUATION, attenuation.y);
+    PV_glLightf(slot, GL_QUADRATIC_ATTENUATION, attenuation.z);
+
+    // Position and spot direction are taken in the light's own frame.
+    PV_glLoadMatrixf(record->getMatrix()->m);
+    PV_glRotatef(rotation.x, 1.0f, 0.0f, 0.0f);
+    PV_glRotatef(rotation.y, 0.0f, 1.0f, 0.0f);
+    PV_glRotatef(rotation.z, 0.0f, 0.0f, 1.0f);
+    PV_glLightfv(slot, GL_POSITION, glPosition);
+    PV_glLightfv(slot, GL_SPOT_DIRECTION, spotDirection);
+    return true;
+}
+
+void PVLIGHT::setLightType(PV_LIGHT_TYPE value) { lightType = value; }
+PV_LIGHT_TYPE PVLIGHT::getLightType() { return lightType; }
+void PVLIGHT::setAmbient(K3MVECTOR4D colour) { ambient = colour; }
+void PVLIGHT::setAmbient(float r, float g, float b, float a) { ambient.set(r, g, b, a); }
+K3MVECTOR4D PVLIGHT::getAmbient() { return ambient; }
+void PVLIGHT::setDiffuse(K3MVECTOR4D colour) { diffuse = colour; }
+void PVLIGHT::setDiffuse(float r, float g, float b, float a) { diffuse.set(r, g, b, a); }
+K3MVECTOR4D PVLIGHT::getDiffuse() { return diffuse; }
+void PVLIGHT::setSpecular(K3MVECTOR4D colour) { specular = colour; }
+void PVLIGHT::setSpecular(float r, float g, float b, float a) { specular.set(r, g, b, a); }
+K3MVECTOR4D PVLIGHT::getSpecular() { return specular; }
+void PVLIGHT::setAttenuation(float constant, float linear, float quadratic)
+{
+    attenuation.set(constant, linear, quadratic);
+}
+K3MVECTOR3D PVLIGHT::getAttenuation() { return attenuation; }
+void PVLIGHT::setCutOff(float degrees) { cutOff = degrees; }
+float PVLIGHT::getCutOff() { return cutOff; }
+void PVLIGHT::setExponent(float value) { exponent = value; }
+float PVLIGHT::getExponent() { return exponent; }
+void PVLIGHT::setExclusive(bool value) { exclusive = value; }
+bool PVLIGHT::isExclusive() { return exclusive; }
+void PVLIGHT::castShadows(bool caster) { shadowCaster = caster; }
+bool PVLIGHT::isShadowCaster() { return shadowCaster; }
+void PVLIGHT::setShadowNearPlane(float distance) { shadowNearPlane = distance; }
+float PVLIGHT::getShadowNearPlane() { return shadowNearPlane; }
+void PVLIGHT::setShadowFarPlane(float distance) { shadowFarPlane = distance; }
+float PVLIGHT::getShadowFarPlane() { return shadowFarPlane; }

@@ -1,0 +1,89 @@
+// Light: drives one fixed-function GL light slot for the objects it is
+// chosen for.
+#ifndef PV_LIGHT_H
+#define PV_LIGHT_H
+
+#include <cstdint>
+
+#include "math/k3mvector3d.h"
+#include "math/k3mvector4d.h"
+#include "scene/pvnode.h"
+
+class PVELEMENT;
+
+enum PV_LIGHT_TYPE : int32_t {
+    PV_LIGHT_OMNI = 0,
+    PV_LIGHT_DIRECTIONAL = 1,
+    PV_LIGHT_SPOT = 2
+};
+
+class PVLIGHT : public PVNODE {
+public:
+    PVLIGHT();
+    PVLIGHT(const PVLIGHT& other);
+    PVLIGHT& operator=(const PVLIGHT& other);
+    ~PVLIGHT() override;
+
+    // Programs the GL slot named by the light's own render-list record
+    // (its param1). False for a null record.
+    bool render(void* element) override;
+
+    // Chooses up to four lights for one render-list record (exclusive lights
+    // first, then the nearest), programs slots 0 to 3 with them and records
+    // them as the element's nearest lights. False when lighting is off.
+    static bool activateNearest(PVELEMENT* element);
+
+    // GL_LIGHTING switch, cached: a call that changes nothing costs no GL call.
+    static void lightingOn();
+    static void lightingOff();
+    static bool getLighting();
+
+    void setLightType(PV_LIGHT_TYPE type);
+    PV_LIGHT_TYPE getLightType();
+    void setAmbient(K3MVECTOR4D colour);
+    void setAmbient(float r, float g, float b, float a);
+    K3MVECTOR4D getAmbient();
+    void setDiffuse(K3MVECTOR4D colour);
+    void setDiffuse(float r, float g, float b, float a);
+    K3MVECTOR4D getDiffuse();
+    void setSpecular(K3MVECTOR4D colour);
+    void setSpecular(float r, float g, float b, float a);
+    K3MVECTOR4D getSpecular();
+    // Constant, linear and quadratic attenuation factors.
+    void setAttenuation(float constant, float linear, float quadratic);
+    K3MVECTOR3D getAttenuation();
+    void setCutOff(float degrees);
+    float getCutOff();
+    void setExponent(float exponent);
+    float getExponent();
+    void setExclusive(bool exclusive);
+    bool isExclusive();
+    // Shadow settings are stored for the shadow renderer only.
+    void castShadows(bool caster);
+    bool isShadowCaster();
+    void setShadowNearPlane(float distance);
+    float getShadowNearPlane();
+    void setShadowFarPlane(float distance);
+    float getShadowFarPlane();
+
+private:
+    void copyLightFields(const PVLIGHT& other);
+    K3MVECTOR3D eyePosition();
+    void aim();
+
+    PV_LIGHT_TYPE lightType;
+    K3MVECTOR4D ambient;
+    K3MVECTOR4D diffuse;
+    K3MVECTOR4D specular;
+    K3MVECTOR3D attenuation;
+    float cutOff;
+    float exponent;
+    bool exclusive;
+    bool shadowCaster;
+    float shadowNearPlane;
+    float shadowFarPlane;
+
+    static bool lighting;
+};
+
+#endif

@@ -1,0 +1,242 @@
+// Camera: the view matrix of each aiming mode, checked against textbook
+// transforms, the published statics, moveDoom and the copy.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <initializer_list>
+#include <new>
+#include <string>
+
+#include <pevrano.h>
+
+#include "support/scratch.h"
+#include "support/viewmath.h"
+
+using pvtest::Mat4;
+using pvtest::Vec3;
+
+namespace {
+
+void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(expected.gl(i), actual.m[i], 2e-5) << what << ", element " << i;
+}
+
+K3MMATRIX shadowModelView()
+{
+    K3MMATRIX m;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, m.m);
+    return m;
+}
+
+// Renders the camera and checks that every published copy of the view matrix
+// (the static, the camera's own, the wrapper's current matrix) is expected.
+void expectView(PVCAMERA& camera, const Mat4& expected, const std::string& what)
+{
+    EXPECT_TRUE(camera.render(nullptr));
+    expectMatrixNear(expected, *PVCAMERA::getCameraMatrix(), what + " (cameraMatrix)");
+    expectMatrixNear(expected, *camera.getThisCameraMatrix(), what + " (thisCameraMatrix)");
+    expectMatrixNear(expected, shadowModelView(), what + " (current matrix)");
+    EXPECT_EQ(&camera, PVCAMERA::getThisPassCamera()) << what;
+}
+
+void expectVector(Vec3 expected, K3MVECTOR3D actual, const std::string& what)
+{
+    EXPECT_NEAR(expected.x, actual.x, 1e-5) << what;
+    EXPECT_NEAR(expected.y, actual.y, 1e-5) << what;
+    EXPECT_NEAR(expected.z, actual.z, 1e-5) << what;
+}
+
+class Camera : public ::testing::Test {
+protected:
+    void SetUp() override { PV_glMatrixMode(GL_MODELVIEW); }
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+};
+
+TEST_F(Camera, DefaultsNameTypeAndUp)
+{
+    PVCAMERA camera;
+    EXPECT_EQ(PV_TYPE_CAMERA, camera.getType());
+    EXPECT_EQ("[camera " + std::to_string(camera.getId()) + "]", camera.getName());
+    expectVector({0, 1, 0}, camera.getUpDirection(), "up");
+    expectVector({0, 0, 0}, camera.getPreRotation(), "pre-rotation");
+    expectMatrixNear(Mat4::identity(), *camera.getThisCameraMatrix(), "fresh camera");
+}
+
+TEST_F(Camera, FreeCameraInvertsItsTransform)
+{
+    PVCAMERA camera;
+    camera.setPosition(0, 0, 10);
+    expectView(camera, Mat4::translation(0, 0, -10), "unrotated camera at z = 10");
+    expectVector({0, 0, 10}, PVCAMERA::getCameraPosition(), "eye");
+
+    // Pre-rotation first, then Z, X, Y by the negated angles, then the move.
+    camera.setPosition(1, 2, 3);
+    camera.setRotation(10, 20, 30);
+    camera.setPreRotation(5, -15, 25);
+    const Mat4 expected = Mat4::rotationX(5) * Mat4::rotationY(-15) * Mat4::rotationZ(25) *
+                          Mat4::rotationZ(-30) * Mat4::rotationX(-10) * Mat4::rotationY(-20) *
+                          Mat4::translation(-1, -2, -3);
+    expectView(camera, expected, "rotated, pre-rotated camera");
+    expectVector({1, 2, 3}, PVCAMERA::getCameraPosition(), "eye");
+    EXPECT_EQ("", log.text());
+}
+
+TEST_F(Camera, MatrixPositioningUsesTheMatrixAsItStands)
+{
+    const Mat4 own = Mat4::translation(4, -5, 6) * Mat4::rotationY(40) * Mat4::rotationX(-25);
+    K3MMATRIX matrix;
+    for (int i = 0; i < 16; i++)
+        matrix.m[i] = float(own.gl(i));
+    PVCAMERA camera;
+    camera.setPositioning(PV_POSITIONING_MATRIX);
+    camera.setMatrix(matrix);
+    camera.setPosition(100, 100, 100);  // ignored with a matrix
+    expectView(camera, own, "matrix camera");
+    for (int i = 0; i < 16; i++)
+        EXPECT_EQ(matrix.m[i], PVCAMERA::getCameraMatrix()->m[i]) << "element " << i;
+    expectVector({4, -5, 6}, PVCAMERA::getCameraPosition(), "eye from the matrix");
+
+    camera.setPreRotation(0, 0, 90);
+    expectView(camera, Mat4::rotationZ(90) * own, "pre-rotated matrix camera");
+}
+
+TEST_F(Camera, LookAtTargetIgnoresPreRotation)
+{
+    PVCAMERA camera;
+    camera.setTargetNode(&camera);
+    camera.setPosition(3, 4, 5);
+    camera.setTarget(0, 1, -2);
+    camera.setRotation(33, 44, 55);  // not used when aiming
+    const Mat4 expected = Mat4::lookAt({3, 4, 5}, {0, 1, -2}, {0, 1, 0});
+    expectView(camera, expected, "look-at camera");
+    camera.setPreRotation(30, 60, 90);
+    expectView(camera, expected, "look-at camera with a pre-rotation");
+    expectVector({3, 4, 5}, PVCAMERA::getCameraPosition(), "eye");
+
+    camera.setUpDirection(K3MVECTOR3D(1.0f, 0.0f, 0.0f));
+    expectView(camera, Mat4::lookAt({3, 4, 5}, {0, 1, -2}, {1, 0, 0}), "look-at with x up");
+}
+
+TEST_F(Camera, LookAtWithMatrixPositioningTakesTheEyeFromTheMatrix)
+{
+    K3MMATRIX matrix;
+    matrix.setTranslation(-2.0f, 7.0f, 1.0f);
+    PVCAMERA camera;
+    camera.setPositioning(PV_POSITIONING_MATRIX);
+    camera.setMatrix(matrix);
+    camera.setTargetNode(&camera);
+    camera.setTarget(1, 1, 1);
+    expectView(camera, Mat4::lookAt({-2, 7, 1}, {1, 1, 1}, {0, 1, 0}), "matrix look-at");
+    expectVector({-2, 7, 1}, PVCAMERA::getCameraPosition(), "eye");
+}
+
+TEST_F(Camera, FollowAimsAtTheWorldPositionOfTheNode)
+{
+    // The followed node sits at (0, 0, -5) under a parent at (10, 0, 0)
+    // turned 90 degrees about Y: its world position is (5, 0, 0).
+    PVNODE parent;
+    PVNODE followed;
+    parent.setPosition(10, 0, 0);
+    parent.setRotation(0, 90, 0);
+    followed.setPosition(0, 0, -5);
+    ASSERT_TRUE(followed.link(&parent));
+
+    PVCAMERA camera;
+    camera.setPosition(0, 10, 10);
+    camera.setPreRotation(45, 0, 0);  // replaced by the look-at
+    camera.setTargetNode(&followed);
+    expectView(camera, Mat4::lookAt({0, 10, 10}, {5, 0, 0}, {0, 1, 0}), "follow camera");
+
+    // The view really points at the node: it lands on the negative z axis.
+    const Vec3 seen = Mat4::lookAt({0, 10, 10}, {5, 0, 0}, {0, 1, 0}).transformPoint({5, 0, 0});
+    EXPECT_NEAR(0.0, seen.x, 1e-9);
+    EXPECT_NEAR(0.0, seen.y, 1e-9);
+    EXPECT_LT(seen.z, 0.0);
+    expectVector({0, 10, 10}, PVCAMERA::getCameraPosition(), "eye");
+}
+
+TEST_F(Camera, UpAlongTheViewGivesADegenerateMatrixWithoutError)
+{
+    PVCAMERA camera;
+    camera.setTargetNode(&camera);
+    camera.setPosition(0, 10, 0);
+    camera.setTarget(0, 0, 0);
+    ASSERT_TRUE(camera.render(nullptr));
+    // Side and up rows vanish; only the backward row (0, 1, 0) survives.
+    const float expected[16] = {0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, -10, 1};
+    for (int i = 0; i < 16; i++)
+        EXPECT_EQ(expected[i], PVCAMERA::getCameraMatrix()->m[i]) << "element " << i;
+    EXPECT_EQ("", log.text());
+}
+
+TEST_F(Camera, MoveDoomFollowsTheLastRenderedView)
+{
+    PVCAMERA camera;
+    camera.render(nullptr);
+    camera.moveDoom(0, 0, -1);
+    expectVector({0, 0, -1}, camera.getPosition(), "forward from the origin");
+    expectVector({0, 0, -1}, camera.getDirection(), "step");
+
+    // Turned 90 degrees left about Y: forward is -x, right is -z.
+    camera.setPosition(1, 2, 3);
+    camera.setRotation(0, 90, 0);
+    camera.render(nullptr);
+    camera.moveDoom(K3MVECTOR3D(0.0f, 0.0f, -2.0f));
+    expectVector({-1, 2, 3}, camera.getPosition(), "forward after the turn");
+    camera.moveDoom(3, 1, 0);
+    expectVector({-1, 3, 0}, camera.getPosition(), "right and up after the turn");
+    expectVector({0, 1, -3}, camera.getDirection(), "last step");
+
+    // Another camera moves along whichever view was rendered last.
+    PVCAMERA other;
+    other.moveDoom(0, 0, -1);
+    expectVector({-1, 0, 0}, other.getPosition(), "second camera on the first one's axes");
+}
+
+TEST_F(Camera, StaticsOutliveTheCamera)
+{
+    {
+        PVCAMERA camera;
+        camera.setPosition(7, 8, 9);
+        camera.render(nullptr);
+    }
+    expectVector({7, 8, 9}, PVCAMERA::getCameraPosition(), "eye of the destroyed camera");
+    expectMatrixNear(Mat4::translation(-7, -8, -9), *PVCAMERA::getCameraMatrix(), "its view");
+}
+
+TEST_F(Camera, CopyTakesEveryField)
+{
+    PVNODE followed;
+    PVCAMERA camera;
+    camera.setPosition(1, 2, 3);
+    camera.setPreRotation(K3MVECTOR3D(4.0f, 5.0f, 6.0f));
+    camera.setUpDirection(K3MVECTOR3D(0.0f, 0.0f, 1.0f));
+    camera.setTargetNode(&followed);
+    camera.render(nullptr);
+
+    // Copies share the original's id and registry links, so they live in
+    // raw storage and are never destroyed: their destructor would take the
+    // original out of the registry.
+    alignas(PVCAMERA) unsigned char copyStorage[sizeof(PVCAMERA)];
+    alignas(PVCAMERA) unsigned char assignedStorage[sizeof(PVCAMERA)];
+    PVCAMERA* copy = new (copyStorage) PVCAMERA(camera);
+    PVCAMERA* assigned = new (assignedStorage) PVCAMERA(*copy);
+    assigned->setPreRotation(0, 0, 0);
+    assigned->setUpDirection(K3MVECTOR3D(0.0f, 1.0f, 0.0f));
+    *assigned = camera;
+    for (PVCAMERA* c : {copy, assigned}) {
+        EXPECT_EQ(camera.getId(), c->getId());
+        EXPECT_STREQ(camera.getName(), c->getName());
+        EXPECT_EQ(&followed, c->getTargetNode());
+        expectVector({1, 2, 3}, c->getPosition(), "position");
+        expectVector({4, 5, 6}, c->getPreRotation(), "pre-rotation");
+        expectVector({0, 0, 1}, c->getUpDirection(), "up");
+        for (int i = 0; i < 16; i++)
+            EXPECT_EQ(camera.getThisCameraMatrix()->m[i], c->getThisCameraMatrix()->m[i]);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,430 @@
+// Light: the GL calls a light makes for its slot (fixed-point values worked
+// out here from the lighting set-up), the choice of lights per object, and
+// the log lines of the error paths.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <initializer_list>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "support/glrecorder.h"
+#include "support/quadnode.h"
+#include "support/scratch.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+// 16.16 fixed point of a value given in decimal.
+std::string fx(double value) { return std::to_string(static_cast<long long>(std::trunc(value * 65536.0))); }
+
+std::string list(std::initializer_list<double> values)
+{
+    std::string text = "{";
+    for (double v : values)
+        text += (text.size() > 1 ? "," : "") + fx(v);
+    return text + "}";
+}
+
+std::string slotName(int slot) { return "GL_LIGHT" + std::to_string(slot); }
+
+// What a light programs into its slot, in the order GL receives it.
+struct SlotSetUp {
+    int slot = 0;
+    std::string ambient = list({0.2, 0.2, 0.2, 1});
+    std::string diffuse = list({0.7, 0.7, 0.7, 1});
+    std::string specular = list({0.2, 0.2, 0.2, 1});
+    double cutOff = 180;
+    double exponent = 0;
+    double attenuation[3] = {1, 0, 0};
+    std::string matrix;
+    double rotation[3] = {0, 0, 0};
+    std::string position = list({0, 0, 0, 1});
+    std::string spotDirection = list({0, 0, 0});
+
+    Calls calls() const
+    {
+        const std::string s = slotName(slot);
+        Calls c = {"glEnable(" + s + ")",
+                   "glLightxv(" + s + ",GL_AMBIENT," + ambient + ")",
+                   "glLightxv(" + s + ",GL_DIFFUSE," + diffuse + ")",
+                   "glLightxv(" + s + ",GL_SPECULAR," + specular + ")",
+                   "glLightx(" + s + ",GL_SPOT_CUTOFF," + fx(cutOff) + ")",
+                   "glLightx(" + s + ",GL_SPOT_EXPONENT," + fx(exponent) + ")",
+                   "glLightx(" + s + ",GL_CONSTANT_ATTENUATION," + fx(attenuation[0]) + ")",
+                   "glLightx(" + s + ",GL_LINEAR_ATTENUATION," + fx(attenuation[1]) + ")",
+                   "glLightx(" + s + ",GL_QUADRATIC_ATTENUATION," + fx(attenuation[2]) + ")",
+                   "glLoadMatrixx(" + matrix + ")",
+                   "glRotatex(" + fx(rotation[0]) + ",65536,0,0)",
+                   "glRotatex(" + fx(rotation[1]) + ",0,65536,0)",
+                   "glRotatex(" + fx(rotation[2]) + ",0,0,65536)",
+                   "glLightxv(" + s + ",GL_POSITION," + position + ")",
+                   "glLightxv(" + s + ",GL_SPOT_DIRECTION," + spotDirection + ")"};
+        return c;
+    }
+};
+
+std::string identityMatrix() { return list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}); }
+
+Calls withLightingSwitchedOn(Calls calls)
+{
+    calls.insert(calls.begin(), "glEnable(GL_LIGHTING)");
+    return calls;
+}
+
+class Light : public ::testing::Test {
+protected:
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+    pvtest::GlRecorder gl;
+};
+
+TEST_F(Light, DefaultOmniLightProgramsItsSlot)
+{
+    PVLIGHT light;
+    EXPECT_EQ(PV_TYPE_LIGHT, light.getType());
+    EXPECT_EQ("[light " + std::to_string(light.getId()) + "]", light.getName());
+    PVELEMENT record;
+    record.setParam1(1);
+    gl.start();
+    EXPECT_TRUE(light.render(&record));
+    SlotSetUp expected;
+    expected.slot = 1;
+    expected.matrix = identityMatrix();
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+    EXPECT_TRUE(PVLIGHT::getLighting());
+
+    // Lighting is already on: the second time only the slot is programmed.
+    gl.start();
+    EXPECT_TRUE(light.render(&record));
+    EXPECT_EQ(expected.calls(), gl.calls()) << gl.text();
+    EXPECT_EQ("", log.text());
+}
+
+TEST_F(Light, DirectionalLightShinesAlongItsDirection)
+{
+    PVLIGHT light;
+    light.setLightType(PV_LIGHT_DIRECTIONAL);
+    light.setDirection(0, -1, 0);
+    light.setAmbient(0.1f, 0.25f, 0.5f, 1.0f);
+    light.setDiffuse(K3MVECTOR4D(0.9f, 0.8f, 0.3f, 0.5f));
+    light.setSpecular(0.0f, 0.0f, 1.0f, 1.0f);
+    light.setCutOff(20);  // a directional light has no cone
+    light.setRotation(90, -45, 30);
+
+    PVELEMENT record;
+    record.setParam1(3);
+    K3MMATRIX* matrix = record.getMatrix();
+    matrix->setTranslation(1.5f, -2.0f, -8.25f);
+    gl.start();
+    ASSERT_TRUE(light.render(&record));
+
+    SlotSetUp expected;
+    expected.slot = 3;
+    expected.ambient = list({0.1, 0.25, 0.5, 1});
+    expected.diffuse = list({0.9, 0.8, 0.3, 0.5});
+    expected.specular = list({0, 0, 1, 1});
+    expected.matrix = list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1.5, -2, -8.25, 1});
+    expected.rotation[0] = 90;
+    expected.rotation[1] = -45;
+    expected.rotation[2] = 30;
+    expected.position = list({0, 1, 0, 0});
+    expected.spotDirection = list({0, 0, 0});
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+}
+
+TEST_F(Light, SpotLightAimedAtItsTarget)
+{
+    PVLIGHT light;
+    light.setLightType(PV_LIGHT_SPOT);
+    light.setTargetNode(&light);
+    light.setTarget(0, 0, -10);
+    light.setCutOff(30);
+    light.setExponent(12.5f);
+    light.setAttenuation(0.5f, 0.125f, 0.03f);
+    PVELEMENT record;
+    gl.start();
+    ASSERT_TRUE(light.render(&record));
+    EXPECT_EQ(K3MVECTOR3D(0.0f, 0.0f, -1.0f), light.getDirection());
+
+    SlotSetUp expected;
+    expected.matrix = identityMatrix();
+    expected.cutOff = 30;
+    expected.exponent = 12.5;
+    expected.attenuation[0] = 0.5;
+    expected.attenuation[1] = 0.125;
+    expected.attenuation[2] = 0.03;
+    expected.spotDirection = list({0, 0, -1});
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+
+    // From (3, 0, 4), with its matrix as the transform, towards (0, 0, 0):
+    // direction (-3, 0, -4) / 5.
+    K3MMATRIX own;
+    own.setTranslation(3.0f, 0.0f, 4.0f);
+    light.setPositioning(PV_POSITIONING_MATRIX);
+    light.setMatrix(own);
+    light.setTarget(0, 0, 0);
+    gl.start();
+    light.render(&record);
+    EXPECT_EQ(1u, gl.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({-0.6, 0, -0.8}) + ")"))
+        << gl.text();
+}
+
+TEST_F(Light, SpotLightFollowingANode)
+{
+    // The node sits at (3, 0, -4) under a parent at (1, 1, 1): world (4, 1, -3).
+    PVNODE parent;
+    PVNODE followed;
+    parent.setPosition(1, 1, 1);
+    followed.setPosition(3, 0, -4);
+    ASSERT_TRUE(followed.link(&parent));
+    PVLIGHT light;
+    light.setLightType(PV_LIGHT_SPOT);
+    light.setPosition(1, 1, 1);
+    light.setTargetNode(&followed);
+    PVELEMENT record;
+    gl.start();
+    ASSERT_TRUE(light.render(&record));
+    EXPECT_EQ(1u, gl.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({0.6, 0, -0.8}) + ")"))
+        << gl.text();
+    EXPECT_NEAR(0.6f, light.getDirection().x, 1e-6);
+    EXPECT_NEAR(-0.8f, light.getDirection().z, 1e-6);
+}
+
+TEST_F(Light, UnknownTypeIsReportedAndLitAsOmni)
+{
+    PVLIGHT light;
+    light.setLightType(static_cast<PV_LIGHT_TYPE>(5));
+    light.setName("lamp");
+    light.setCutOff(42);
+    light.setDirection(1, 2, 3);
+    PVELEMENT record;
+    record.setParam1(2);
+    gl.start();
+    ASSERT_TRUE(light.render(&record));
+    EXPECT_EQ("   [!] Consistency broken: unknow type for lamp @ PVLIGHT::render\n", log.text());
+    SlotSetUp expected;
+    expected.slot = 2;
+    expected.matrix = identityMatrix();
+    expected.cutOff = 42;
+    expected.spotDirection = list({0, 0, 0});
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+}
+
+TEST_F(Light, NullRecordsAreRefused)
+{
+    PVLIGHT light;
+    gl.start();
+    EXPECT_FALSE(light.render(nullptr));
+    EXPECT_FALSE(PVLIGHT::activateNearest(nullptr));
+    EXPECT_EQ("   [!] Invalid params @ PVLIGHT::render\n"
+              "   [!] Invalid params @ PVLIGHT::activateNearest\n",
+              log.text());
+    EXPECT_EQ(Calls{}, gl.calls());
+}
+
+TEST_F(Light, LightingSwitchIsCached)
+{
+    gl.start();
+    PVLIGHT::lightingOff();
+    PVLIGHT::lightingOn();
+    PVLIGHT::lightingOn();
+    EXPECT_TRUE(PVLIGHT::getLighting());
+    PVLIGHT::lightingOff();
+    PVLIGHT::lightingOff();
+    EXPECT_FALSE(PVLIGHT::getLighting());
+    EXPECT_EQ((Calls{"glEnable(GL_LIGHTING)", "glDisable(GL_LIGHTING)"}), gl.calls());
+}
+
+TEST_F(Light, CopyTakesEveryField)
+{
+    PVNODE followed;
+    PVLIGHT light;
+    light.setLightType(PV_LIGHT_SPOT);
+    light.setAmbient(0.1f, 0.2f, 0.3f, 0.4f);
+    light.setDiffuse(0.5f, 0.6f, 0.7f, 0.8f);
+    light.setSpecular(K3MVECTOR4D(0.9f, 1.0f, 0.0f, 0.5f));
+    light.setAttenuation(2, 3, 4);
+    light.setCutOff(15);
+    light.setExponent(7);
+    light.setExclusive(true);
+    light.castShadows(true);
+    light.setShadowNearPlane(0.5f);
+    light.setShadowFarPlane(99);
+    light.setTargetNode(&followed);
+
+    // Copies share the original's id and registry links: they live in raw
+    // storage and are never destroyed.
+    alignas(PVLIGHT) unsigned char copyStorage[sizeof(PVLIGHT)];
+    alignas(PVLIGHT) unsigned char assignedStorage[sizeof(PVLIGHT)];
+    PVLIGHT* copy = new (copyStorage) PVLIGHT(light);
+    PVLIGHT* assigned = new (assignedStorage) PVLIGHT(*copy);
+    assigned->setLightType(PV_LIGHT_OMNI);
+    assigned->setCutOff(180);
+    assigned->setExclusive(false);
+    *assigned = light;
+    for (PVLIGHT* c : {copy, assigned}) {
+        EXPECT_EQ(light.getId(), c->getId());
+        EXPECT_EQ(&followed, c->getTargetNode());
+        EXPECT_EQ(PV_LIGHT_SPOT, c->getLightType());
+        EXPECT_EQ(K3MVECTOR4D(0.1f, 0.2f, 0.3f, 0.4f), c->getAmbient());
+        EXPECT_EQ(K3MVECTOR4D(0.5f, 0.6f, 0.7f, 0.8f), c->getDiffuse());
+        EXPECT_EQ(K3MVECTOR4D(0.9f, 1.0f, 0.0f, 0.5f), c->getSpecular());
+        EXPECT_EQ(K3MVECTOR3D(2.0f, 3.0f, 4.0f), c->getAttenuation());
+        EXPECT_EQ(15.0f, c->getCutOff());
+        EXPECT_EQ(7.0f, c->getExponent());
+        EXPECT_TRUE(c->isExclusive());
+        EXPECT_TRUE(c->isShadowCaster());
+        EXPECT_EQ(0.5f, c->getShadowNearPlane());
+        EXPECT_EQ(99.0f, c->getShadowFarPlane());
+    }
+}
+
+// A light that stops being one after the render list has counted it.
+class Impostor : public PVLIGHT {
+public:
+    void becomeCustom() { type = PV_TYPE_CUSTOM; }
+};
+
+// Lights and one object passed through the render list, as in a frame.
+class NearestLights : public Light {
+protected:
+    void SetUp() override { ASSERT_TRUE(PVELEMENT::init(16)); }
+    void TearDown() override { PVELEMENT::free(); }
+
+    PVLIGHT* addLight(PVLIGHT* light, float x, float diffuse)
+    {
+        light->setPosition(x, 0, 0);
+        light->setDiffuse(diffuse, diffuse, diffuse, 1.0f);
+        light->link(&root);
+        return light;
+    }
+    // Passes the scene and returns the object's record.
+    PVELEMENT* passScene()
+    {
+        PV_glMatrixMode(GL_MODELVIEW);
+        PV_glLoadIdentity();
+        PVELEMENT::reset();
+        root.pass(false);
+        PVELEMENT::sort3D();
+        for (unsigned int i = 0; i < PVELEMENT::getNumberOfPassedElements(); i++)
+            if (PVELEMENT::getPassedElement(i)->getNode() == &object)
+                return PVELEMENT::getPassedElement(i);
+        return nullptr;
+    }
+    // The recorded calls whose text contains the word.
+    Calls callsNaming(const std::string& word)
+    {
+        Calls found;
+        for (const std::string& call : gl.calls())
+            if (call.find(word) != std::string::npos)
+                found.push_back(call);
+        return found;
+    }
+    std::string diffuseCall(int slot, float level)
+    {
+        return "glLightxv(" + slotName(slot) + ",GL_DIFFUSE," + list({level, level, level, 1}) + ")";
+    }
+
+    // What the render list logs when it starts.
+    const std::string allocated = "   16 elements allocated\n";
+    PVNODE root;
+    pvtest::QuadNode object{1.0f};
+};
+
+TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
+{
+    // The object stands at x = 3; distances: 3, 2, 0.5, 1.5, 4 and 23.
+    PVLIGHT lights[6];
+    addLight(&lights[0], 0.0f, 0.125f);
+    addLight(&lights[1], 1.0f, 0.25f);
+    addLight(&lights[2], 2.5f, 0.375f);
+    addLight(&lights[3], 4.5f, 0.5f);
+    addLight(&lights[4], 7.0f, 0.625f);
+    addLight(&lights[5], -20.0f, 0.75f)->setExclusive(true);
+    object.setPosition(3, 0, 0);
+    object.link(&root);
+
+    PVELEMENT* record = passScene();
+    ASSERT_NE(nullptr, record);
+    ASSERT_EQ(6u, PVELEMENT::getNumberOfLights());
+    PVLIGHT::lightingOn();
+    gl.start();
+    ASSERT_TRUE(PVLIGHT::activateNearest(record));
+
+    const PVLIGHT* chosen[4] = {&lights[5], &lights[2], &lights[3], &lights[1]};
+    const float levels[4] = {0.75f, 0.375f, 0.5f, 0.25f};
+    EXPECT_EQ((Calls{diffuseCall(0, levels[0]), diffuseCall(1, levels[1]), diffuseCall(2, levels[2]),
+                     diffuseCall(3, levels[3])}),
+              callsNaming("GL_DIFFUSE"))
+        << gl.text();
+    EXPECT_EQ((Calls{"glEnable(GL_LIGHT0)", "glEnable(GL_LIGHT1)", "glEnable(GL_LIGHT2)", "glEnable(GL_LIGHT3)"}),
+              gl.filter("glEnable"));
+    for (unsigned int i = 0; i < 4; i++) {
+        PVELEMENT* light = record->getNearestLight(i);
+        ASSERT_NE(nullptr, light);
+        EXPECT_EQ(chosen[i], light->getNode()) << "slot " << i;
+        EXPECT_EQ(i, light->getParam1()) << "slot " << i;
+    }
+    // Each slot is placed with its light's own model-view matrix.
+    Calls placements;
+    for (double x : {-20.0, 2.5, 4.5, 1.0})
+        placements.push_back("glLoadMatrixx(" + list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, 0, 0, 1}) + ")");
+    EXPECT_EQ(placements, gl.filter("glLoadMatrixx"));
+    EXPECT_EQ(allocated, log.text());
+}
+
+TEST_F(NearestLights, FewerLightsThanSlotsLeavesTheRestAlone)
+{
+    PVLIGHT lamp;
+    addLight(&lamp, 1.0f, 0.5f);
+    object.link(&root);
+    PVELEMENT* record = passScene();
+    ASSERT_NE(nullptr, record);
+    PVLIGHT::lightingOn();
+    gl.start();
+    ASSERT_TRUE(PVLIGHT::activateNearest(record));
+    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, gl.filter("glEnable"));
+    EXPECT_EQ(&lamp, record->getNearestLight(0)->getNode());
+}
+
+TEST_F(NearestLights, LightingOffChoosesNothing)
+{
+    PVLIGHT lamp;
+    addLight(&lamp, 1.0f, 0.5f);
+    object.link(&root);
+    PVELEMENT* record = passScene();
+    ASSERT_NE(nullptr, record);
+    gl.start();
+    EXPECT_FALSE(PVLIGHT::activateNearest(record));
+    EXPECT_EQ(Calls{}, gl.calls());
+    EXPECT_EQ(allocated, log.text());
+}
+
+TEST_F(NearestLights, AnObjectAmongTheLightsAbortsTheActivation)
+{
+    PVLIGHT nearest;
+    Impostor impostor;
+    PVLIGHT farthest;
+    addLight(&nearest, 1.0f, 0.5f);
+    addLight(&impostor, 2.0f, 0.5f);
+    addLight(&farthest, 3.0f, 0.5f);
+    object.link(&root);
+    PVELEMENT* record = passScene();
+    ASSERT_NE(nullptr, record);
+    impostor.becomeCustom();
+    PVLIGHT::lightingOn();
+    gl.start();
+    EXPECT_FALSE(PVLIGHT::activateNearest(record));
+    EXPECT_EQ(allocated + "   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n",
+              log.text());
+    // The slot programmed before the impostor stays programmed.
+    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, gl.filter("glEnable"));
+    EXPECT_EQ(&nearest, record->getNearestLight(0)->getNode());
+}
+
+}  // namespace

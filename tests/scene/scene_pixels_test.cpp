@@ -1,0 +1,284 @@
+// Pixels on the real renderer, through the engine's whole frame: a custom
+// quad node seen through each kind of camera lands where the perspective
+// set-up says, lit quads match the fixed-function lighting equation worked
+// out here, and colour picking reports the quad under the pointer.
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include <pevrano.h>
+
+#include "support/quadnode.h"
+#include "support/scratch.h"
+#include "support/viewmath.h"
+
+using pvtest::Mat4;
+using pvtest::QuadNode;
+using pvtest::Vec3;
+
+namespace {
+
+const int windowWidth = 160;
+const int windowHeight = 120;
+// One level of a 5-bit channel is about 8 of 255; lighting adds rounding.
+const int colourTolerance = 9;
+
+struct Rgb {
+    double r, g, b;
+};
+
+struct ScreenPoint {
+    double x, y;  // window pixels, y from the bottom as GL reads them
+};
+
+class ScenePixels : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
+        root = new PVNODE();
+    }
+    void TearDown() override { PEVRANO::free(); }
+
+    // One 3D frame of everything under root, left in the colour buffer.
+    void drawFrame(PVCAMERA* camera)
+    {
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin3D(camera);
+        root->pass(false);
+        PEVRANO::end3D(false);
+    }
+
+    QuadNode* addQuad(float halfSize, Vec3 at, PVNODE* parent)
+    {
+        QuadNode* quad = new QuadNode(halfSize);
+        quad->setPosition(float(at.x), float(at.y), float(at.z));
+        quad->link(parent);
+        return quad;
+    }
+
+    // Where a world point lands: the projection resize set up (vertical angle,
+    // window aspect, near and far planes) after the view, then the viewport.
+    static ScreenPoint project(const Mat4& view, Vec3 world)
+    {
+        const Mat4 projection = Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
+                                                  PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
+        double clip[4];
+        (projection * view).apply(world, 1.0, clip);
+        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight};
+    }
+
+    static Rgb pixel(ScreenPoint p)
+    {
+        GLubyte rgba[4] = {0, 0, 0, 0};
+        glReadPixels(int(std::floor(p.x)), int(std::floor(p.y)), 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        return {double(rgba[0]), double(rgba[1]), double(rgba[2])};
+    }
+
+    static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)
+    {
+        const Rgb got = pixel(at);
+        const std::string where = what + " at (" + std::to_string(at.x) + ", " + std::to_string(at.y) + ")";
+        EXPECT_NEAR(expected.r * 255.0, got.r, colourTolerance) << where << ", red";
+        EXPECT_NEAR(expected.g * 255.0, got.g, colourTolerance) << where << ", green";
+        EXPECT_NEAR(expected.b * 255.0, got.b, colourTolerance) << where << ", blue";
+    }
+
+    // The quad covers the projection of its centre and the points 80% of the
+    // way to each projected corner; 125% of the way lies outside it.
+    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour, const std::string& what)
+    {
+        const ScreenPoint mid = project(view, centre);
+        expectColour(colour, mid, what + ", centre");
+        const double corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+        for (const auto& c : corners) {
+            const ScreenPoint corner =
+                project(view, {centre.x + c[0] * halfSize, centre.y + c[1] * halfSize, centre.z});
+            const ScreenPoint inside = {mid.x + 0.8 * (corner.x - mid.x), mid.y + 0.8 * (corner.y - mid.y)};
+            const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x), mid.y + 1.25 * (corner.y - mid.y)};
+            ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
+            expectColour(colour, inside, what + ", inside a corner");
+            expectColour({0, 0, 0}, outside, what + ", beyond a corner");
+        }
+    }
+
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+    PVNODE* root = nullptr;
+};
+
+TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
+{
+    const Rgb orange = {1.0, 0.5, 0.0};
+    QuadNode* quad = addQuad(1.5f, {-1, 0.5, 0}, root);
+    quad->setColour(K3MVECTOR4D(1.0f, 0.5f, 0.0f, 1.0f));
+    PVCAMERA* camera = new PVCAMERA();
+
+    camera->setPosition(1, 0.5, 12);
+    camera->setRotation(0, 10, 0);
+    drawFrame(camera);
+    expectQuadOnScreen(Mat4::rotationY(-10) * Mat4::translation(-1, -0.5, -12), {-1, 0.5, 0}, 1.5, orange,
+                       "free camera");
+
+    camera->setRotation(5, -8, 0);
+    camera->setPreRotation(0, 0, 30);
+    drawFrame(camera);
+    expectQuadOnScreen(Mat4::rotationZ(30) * Mat4::rotationX(-5) * Mat4::rotationY(8) *
+                           Mat4::translation(-1, -0.5, -12),
+                       {-1, 0.5, 0}, 1.5, orange, "free camera with a pre-rotation");
+
+    camera->setTargetNode(camera);
+    camera->setPosition(4, 3, 10);
+    camera->setTarget(-1, 0.5, 0);
+    drawFrame(camera);
+    const Mat4 lookingAtQuad = Mat4::lookAt({4, 3, 10}, {-1, 0.5, 0}, {0, 1, 0});
+    expectQuadOnScreen(lookingAtQuad, {-1, 0.5, 0}, 1.5, orange, "look-at camera");
+    const ScreenPoint aimed = project(lookingAtQuad, {-1, 0.5, 0});
+    EXPECT_NEAR(windowWidth / 2.0, aimed.x, 1e-9);
+    EXPECT_NEAR(windowHeight / 2.0, aimed.y, 1e-9);
+
+    // Following a quad under a moved parent: world centre (2, -1, -3). The
+    // first quad would stand in the way: it leaves the scene.
+    quad->unlink();
+    PVNODE* carrier = new PVNODE();
+    carrier->setPosition(3, -2, -3);
+    carrier->link(root);
+    QuadNode* followed = addQuad(1.0f, {-1, 1, 0}, carrier);
+    followed->setColour(K3MVECTOR4D(0.0f, 1.0f, 1.0f, 1.0f));
+    camera->setPosition(-5, 2, 8);
+    camera->setTargetNode(followed);
+    drawFrame(camera);
+    const Mat4 following = Mat4::lookAt({-5, 2, 8}, {2, -1, -3}, {0, 1, 0});
+    expectQuadOnScreen(following, {2, -1, -3}, 1.0, {0.0, 1.0, 1.0}, "follow camera");
+    expectColour({0.0, 1.0, 1.0}, {windowWidth / 2.0, windowHeight / 2.0}, "follow camera, screen centre");
+}
+
+// The fixed-function lighting of one vertex of a white material with no
+// specular or emission: global ambient, plus per light its attenuation and
+// spot factor times (light ambient + N.L times light diffuse).
+struct Lamp {
+    Rgb ambient, diffuse;
+    double factor;  // attenuation times spot factor
+    double nDotL;
+};
+
+Rgb litWhite(Rgb global, const Lamp& lamp)
+{
+    auto channel = [&](double g, double a, double d) {
+        return std::min(1.0, g + lamp.factor * (a + std::max(0.0, lamp.nDotL) * d));
+    };
+    return {channel(global.r, lamp.ambient.r, lamp.diffuse.r), channel(global.g, lamp.ambient.g, lamp.diffuse.g),
+            channel(global.b, lamp.ambient.b, lamp.diffuse.b)};
+}
+
+TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
+{
+    const Rgb global = {0.1, 0.15, 0.05};
+    PVOPENGL::setGlobalAmbientLight(0.1f, 0.15f, 0.05f, 1.0f);
+    PVLIGHT* light = new PVLIGHT();
+    light->setLightType(PV_LIGHT_DIRECTIONAL);
+    light->setDirection(0, -0.6f, -0.8f);
+    light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
+    light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
+    light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+    light->link(root);
+    QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
+    quad->setLit(true);
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setPosition(0, 0, 12);
+    drawFrame(camera);
+
+    // Towards the light: (0, 0.6, 0.8); the quad's normal is +z.
+    const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, 0.8});
+    expectQuadOnScreen(Mat4::translation(0, 0, -12), {0, 0, 0}, 2.0, expected, "directional light");
+    EXPECT_TRUE(PVLIGHT::getLighting());
+}
+
+TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
+{
+    const Rgb global = {0.1, 0.1, 0.1};
+    PVOPENGL::setGlobalAmbientLight(0.1f, 0.1f, 0.1f, 1.0f);
+    PVLIGHT* spot = new PVLIGHT();
+    spot->setLightType(PV_LIGHT_SPOT);
+    spot->setPosition(0, 0, 5);
+    spot->setTargetNode(spot);
+    spot->setTarget(0, 0, 0);
+    spot->setCutOff(35);
+    spot->setExponent(2);
+    spot->setAttenuation(1, 0.1f, 0);
+    spot->setAmbient(0.1f, 0.1f, 0.1f, 1.0f);
+    spot->setDiffuse(0.8f, 0.7f, 0.6f, 1.0f);
+    spot->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+    spot->link(root);
+    QuadNode* inCone = addQuad(2.0f, {0, 0, 0}, root);
+    inCone->setLit(true);
+    QuadNode* outOfCone = addQuad(2.0f, {-7, 0, 0}, root);
+    outOfCone->setLit(true);
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setPosition(0, 0, 20);
+    drawFrame(camera);
+
+    // Lit per vertex: every corner (+-2, +-2, 0) of the centred quad sees the
+    // spot at distance sqrt(33), 5 / sqrt(33) off the axis in cosine, well
+    // inside 35 degrees, so the whole quad has the corners' colour.
+    const double d = std::sqrt(33.0);
+    const double cosine = 5.0 / d;
+    ASSERT_GT(cosine, std::cos(35.0 * M_PI / 180.0));
+    const double factor = std::pow(cosine, 2.0) / (1.0 + 0.1 * d);
+    const Rgb lit = litWhite(global, {{0.1, 0.1, 0.1}, {0.8, 0.7, 0.6}, factor, cosine});
+    const Mat4 view = Mat4::translation(0, 0, -20);
+    expectQuadOnScreen(view, {0, 0, 0}, 2.0, lit, "quad under the spot");
+
+    // The other quad's corners are all more than 35 degrees off the axis: only
+    // the global ambient light reaches it.
+    ASSERT_LT(5.0 / std::sqrt(25.0 + 25.0 + 4.0), std::cos(35.0 * M_PI / 180.0));
+    expectQuadOnScreen(view, {-7, 0, 0}, 2.0, global, "quad outside the cone");
+}
+
+// The code select reports for a colour drawn from a 5-6-5 code: the code
+// itself at 16 bits, the bytes of the colour otherwise.
+unsigned int expectedCode(unsigned short code)
+{
+    if (PVSETTINGS::getSDLColorDepth() == 16)
+        return code;
+    const K3MVECTOR4D c = QuadNode::codeColour(code);
+    auto byte = [](float v) { return static_cast<unsigned int>(std::lround(v * 255.0f)); };
+    return byte(c.x) | byte(c.y) << 8 | byte(c.z) << 16;
+}
+
+TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
+{
+    QuadNode* left = addQuad(1.5f, {-3, 0, 0}, root);
+    QuadNode* right = addQuad(1.5f, {3, 1, 0}, root);
+    left->setSelectionCode((19 << 11) | (40 << 5) | 7);
+    right->setSelectionCode((2 << 11) | (63 << 5) | 30);
+    PVLIGHT* light = new PVLIGHT();  // lights are not selectable
+    light->link(root);
+    PVCAMERA* camera = new PVCAMERA();
+    camera->setPosition(0, 0, 12);
+    drawFrame(camera);
+
+    const Mat4 view = Mat4::translation(0, 0, -12);
+    auto pointerOver = [&](Vec3 world) {
+        const ScreenPoint p = project(view, world);
+        // select reads window row height - y, with y counted from the top.
+        return PEVRANO::select(int(std::floor(p.x)), windowHeight - int(std::floor(p.y)));
+    };
+    EXPECT_EQ(expectedCode(left->getSelectionCode()), pointerOver({-3, 0, 0}));
+    EXPECT_EQ(expectedCode(right->getSelectionCode()), pointerOver({3, 1, 0}));
+    EXPECT_EQ(expectedCode(right->getSelectionCode()), pointerOver({4, 2, 0}));
+    EXPECT_EQ(0u, pointerOver({0, 0, 0}));
+    EXPECT_EQ(0u, pointerOver({-3, 2, 0}));
+    EXPECT_EQ(0u, PEVRANO::select(0, 0));
+}
+
+}  // namespace

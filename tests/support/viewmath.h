@@ -1,0 +1,129 @@
+// Reference transforms for tests, written the textbook way (double
+// precision, row-major, column vectors) so that they check the engine's own
+// column-major float code instead of repeating it.
+#ifndef PEVRANO_TESTS_VIEWMATH_H
+#define PEVRANO_TESTS_VIEWMATH_H
+
+#include <cmath>
+
+namespace pvtest {
+
+struct Vec3 {
+    double x, y, z;
+};
+
+inline Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+inline Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+inline Vec3 operator*(Vec3 a, double k) { return {a.x * k, a.y * k, a.z * k}; }
+inline double dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+inline Vec3 cross(Vec3 a, Vec3 b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+inline Vec3 unit(Vec3 a)
+{
+    const double l = std::sqrt(dot(a, a));
+    return l == 0.0 ? a : a * (1.0 / l);
+}
+
+// a[r][c]: row r, column c; points are column vectors (p' = M p).
+struct Mat4 {
+    double a[4][4];
+
+    static Mat4 identity()
+    {
+        Mat4 m{};
+        for (int i = 0; i < 4; i++)
+            m.a[i][i] = 1.0;
+        return m;
+    }
+    static Mat4 translation(double x, double y, double z)
+    {
+        Mat4 m = identity();
+        m.a[0][3] = x;
+        m.a[1][3] = y;
+        m.a[2][3] = z;
+        return m;
+    }
+    // Right-handed rotation of deg degrees about the X, Y or Z axis.
+    static Mat4 rotationX(double deg)
+    {
+        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
+        Mat4 m = identity();
+        m.a[1][1] = c; m.a[1][2] = -s;
+        m.a[2][1] = s; m.a[2][2] = c;
+        return m;
+    }
+    static Mat4 rotationY(double deg)
+    {
+        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
+        Mat4 m = identity();
+        m.a[0][0] = c; m.a[0][2] = s;
+        m.a[2][0] = -s; m.a[2][2] = c;
+        return m;
+    }
+    static Mat4 rotationZ(double deg)
+    {
+        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
+        Mat4 m = identity();
+        m.a[0][0] = c; m.a[0][1] = -s;
+        m.a[1][0] = s; m.a[1][1] = c;
+        return m;
+    }
+    // The classic look-at view: forward F = centre - eye, side S = F x up,
+    // true up U = S x F; rows S, U, -F, then a move of the eye to the origin.
+    static Mat4 lookAt(Vec3 eye, Vec3 centre, Vec3 up)
+    {
+        const Vec3 f = unit(centre - eye);
+        const Vec3 s = unit(cross(f, up));
+        const Vec3 u = cross(s, f);
+        Mat4 m = identity();
+        const Vec3 rows[3] = {s, u, f * -1.0};
+        for (int r = 0; r < 3; r++) {
+            m.a[r][0] = rows[r].x;
+            m.a[r][1] = rows[r].y;
+            m.a[r][2] = rows[r].z;
+        }
+        return m * translation(-eye.x, -eye.y, -eye.z);
+    }
+    // Perspective projection with a vertical angle in degrees.
+    static Mat4 perspective(double fovyDeg, double aspect, double zNear, double zFar)
+    {
+        const double f = 1.0 / std::tan(fovyDeg * M_PI / 360.0);
+        Mat4 m{};
+        m.a[0][0] = f / aspect;
+        m.a[1][1] = f;
+        m.a[2][2] = (zFar + zNear) / (zNear - zFar);
+        m.a[2][3] = 2.0 * zFar * zNear / (zNear - zFar);
+        m.a[3][2] = -1.0;
+        return m;
+    }
+
+    Mat4 operator*(const Mat4& b) const
+    {
+        Mat4 m{};
+        for (int r = 0; r < 4; r++)
+            for (int c = 0; c < 4; c++)
+                for (int k = 0; k < 4; k++)
+                    m.a[r][c] += a[r][k] * b.a[k][c];
+        return m;
+    }
+    // M (p, w), returned as x, y, z, w.
+    void apply(Vec3 p, double w, double out[4]) const
+    {
+        for (int r = 0; r < 4; r++)
+            out[r] = a[r][0] * p.x + a[r][1] * p.y + a[r][2] * p.z + a[r][3] * w;
+    }
+    Vec3 transformPoint(Vec3 p) const
+    {
+        double o[4];
+        apply(p, 1.0, o);
+        return {o[0], o[1], o[2]};
+    }
+    // Element in GL's column-major storage order.
+    double gl(int i) const { return a[i % 4][i / 4]; }
+};
+
+}  // namespace pvtest
+
+#endif
