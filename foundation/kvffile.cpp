@@ -4,10 +4,7 @@
 #include <cstdio>
 #include <sys/stat.h>
 
-namespace {
-
-// Opens a regular file for reading; directories are refused.
-FILE* openRegularFile(const char* path) {
+FILE* kvfOpenReadable(const char* path) {
     if (!path) return nullptr;
     FILE* file = fopen(path, "rb");
     if (!file) return nullptr;
@@ -19,10 +16,8 @@ FILE* openRegularFile(const char* path) {
     return file;
 }
 
-}  // namespace
-
 int kvfFileSize(const char* path) {
-    FILE* file = openRegularFile(path);
+    FILE* file = kvfOpenReadable(path);
     if (!file) return -1;
     long size = -1;
     if (fseek(file, 0, SEEK_END) == 0) size = ftell(file);
@@ -32,7 +27,7 @@ int kvfFileSize(const char* path) {
 }
 
 bool kvfFileExists(const char* path) {
-    FILE* file = openRegularFile(path);
+    FILE* file = kvfOpenReadable(path);
     if (!file) return false;
     fclose(file);
     return true;

@@ -102,8 +102,9 @@ void writeSummary() {
     const kvfMemoryStats stats = kvfGetMemoryStats();
     const float megabyte = 1048576.0f;
     kvfLog("Final memory ratio: %d (%u/%u)\n", stats.ratio, stats.allocations, stats.releases);
-    kvfLog("Max. physical memory usage: %.2f mb (%llu bytes)\n",
-           static_cast<float>(stats.peakPhysical) / megabyte, stats.peakPhysical);
+    // The peak in bytes is printed signed, as the summary always has.
+    kvfLog("Max. physical memory usage: %.2f mb (%d bytes)\n",
+           static_cast<float>(stats.peakPhysical) / megabyte, static_cast<int>(stats.peakPhysical));
     kvfLog("Total allocated memory (kvfMalloc): %.2f mb (%u bytes)\n",
            static_cast<float>(stats.totalBytes) / megabyte, stats.totalBytes);
     kvfLog("[%s terminated at %s]\n", KVF_VERSION_STRING, timeText);

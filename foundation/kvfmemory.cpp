@@ -2,13 +2,21 @@
 
 #include "foundation/kvfplatform.h"
 
+#include <climits>
 #include <cstdlib>
 
 namespace {
 kvfMemoryStats counters;
 
-void raisePeakPhysical() {
+// The peak is a 32-bit figure: larger amounts of memory in use read as the
+// largest one it holds.
+unsigned int physicalMemoryInUse() {
     unsigned long long inUse = kvfPhysicalMemoryInUse();
+    return inUse > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(inUse);
+}
+
+void raisePeakPhysical() {
+    unsigned int inUse = physicalMemoryInUse();
     if (inUse > counters.peakPhysical) counters.peakPhysical = inUse;
 }
 }  // namespace
@@ -30,4 +38,4 @@ void kvfFree(void* block) {
 
 kvfMemoryStats kvfGetMemoryStats() { return counters; }
 
-void kvfResetPeakMemory() { counters.peakPhysical = kvfPhysicalMemoryInUse(); }
+void kvfResetPeakMemory() { counters.peakPhysical = physicalMemoryInUse(); }

@@ -15,7 +15,7 @@ struct kvfMemoryStats {
     unsigned int allocations = 0;        // kvfMalloc calls
     unsigned int releases = 0;           // kvfFree calls
     unsigned int totalBytes = 0;         // sum of all sizes ever requested
-    unsigned long long peakPhysical = 0; // highest physical memory in use seen
+    unsigned int peakPhysical = 0;       // highest physical memory in use seen, bytes
 };
 kvfMemoryStats kvfGetMemoryStats();
 // Sets the peak of physical memory in use to the current use (kvfInit).

@@ -1,5 +1,6 @@
 #include "foundation/kvfparser.h"
 
+#include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 
@@ -81,7 +82,7 @@ bool kvfOpenParser(kvfParser* parser, const char* path) {
         kvfLog("kvfOpenParser: invalid params\n");
         return false;
     }
-    FILE* file = fopen(path, "rb");
+    FILE* file = kvfOpenReadable(path);
     if (!file) {
         kvfLog("kvfOpenParser: unable to open file %s\n", path);
         return false;
@@ -111,10 +112,17 @@ bool kvfStripComments(kvfParser* parser, char mark) {
     if (!isOpen(parser)) return false;
     bool found = false;
     char* content = parser->buffer;
-    for (int i = 0; i < parser->size; ++i) {
-        if (content[i] != mark) continue;
+    int i = 0;
+    while (i < parser->size) {
+        if (content[i] != mark) {
+            ++i;
+            continue;
+        }
         found = true;
-        for (; i < parser->size && content[i] != '\r' && content[i] != '\n'; ++i) content[i] = ' ';
+        // The mark goes even when it is a line end character; the blanks stop
+        // before the next line end, which is looked at again as a mark.
+        content[i++] = ' ';
+        while (i < parser->size && content[i] != '\r' && content[i] != '\n') content[i++] = ' ';
     }
     return found;
 }

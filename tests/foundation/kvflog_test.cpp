@@ -173,7 +173,7 @@ TEST(Log, HtmlPage) {
         literal("From:&nbsp <B>PVFONT::load - Error (arial)</B><BR>\n") +
         literal("Error: <B>a&nbsp b</B><BR>\n<BR>\n") +
         literal("<H4><BR>\n<HR ALIGN=CENTER WIDTH=\"100%\" SIZE=\"2\">" + summary.ratioLine + "<BR>\n") +
-        "Max\\. physical memory usage: [0-9]+\\.[0-9]{2} mb \\([0-9]+ bytes\\)<BR>\n" +
+        "Max\\. physical memory usage: [0-9]+\\.[0-9]{2} mb \\(-?[0-9]+ bytes\\)<BR>\n" +
         literal(summary.totalLine + "<BR>\n[Kolvane foundation 0.4 terminated at ") + dateTimePattern +
         literal("]<BR>\n</H4></BODY></HTML>");
     EXPECT_TRUE(matchesWhole(log, expected)) << log;

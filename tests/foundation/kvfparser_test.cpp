@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "support/scratch.h"
@@ -62,9 +63,12 @@ TEST(Parser, OpenAndCloseFailures) {
     LogCapture capture;
     kvfParser parser;
     writeFile("empty.cfg", "");
+    ASSERT_EQ(mkdir("folder.cfg", 0755), 0);
     EXPECT_FALSE(kvfOpenParser(nullptr, "empty.cfg"));
     EXPECT_FALSE(kvfOpenParser(&parser, nullptr));
     EXPECT_FALSE(kvfOpenParser(&parser, "missing.cfg"));
+    // A directory is no file to read.
+    EXPECT_FALSE(kvfOpenParser(&parser, "folder.cfg"));
     EXPECT_FALSE(kvfOpenParser(&parser, "empty.cfg"));
     EXPECT_EQ(parser.buffer, nullptr);
     EXPECT_FALSE(kvfCloseParser(nullptr));
@@ -73,6 +77,7 @@ TEST(Parser, OpenAndCloseFailures) {
               "kvfOpenParser: invalid params\n"
               "kvfOpenParser: invalid params\n"
               "kvfOpenParser: unable to open file missing.cfg\n"
+              "kvfOpenParser: unable to open file folder.cfg\n"
               "kvfOpenParser: file 'empty.cfg' is empty\n"
               "kvfCloseParser: invalid params\n"
               "kvfCloseParser: parser already free\n");
@@ -146,6 +151,24 @@ TEST(Parser, CommentsBecomeBlanks) {
     EXPECT_EQ(file.getInt("note"), -999);
     EXPECT_FALSE(file.found);
     EXPECT_FALSE(kvfStripComments(nullptr, '#'));
+}
+
+TEST(Parser, LineEndCharactersAsCommentMarks) {
+    ScratchDir dir;
+    {
+        // Each carriage return is blanked with what follows it up to the next
+        // line end; the carriage return that stops one run starts the next.
+        OpenParser file("A=1\rB=2\r\nC=3\r");
+        ASSERT_TRUE(file.opened);
+        EXPECT_TRUE(kvfStripComments(&file.parser, '\r'));
+        EXPECT_EQ(std::string(file.parser.buffer), "A=1     \nC=3 ");
+    }
+    {
+        OpenParser file("X#\nY\nZ");
+        ASSERT_TRUE(file.opened);
+        EXPECT_TRUE(kvfStripComments(&file.parser, '\n'));
+        EXPECT_EQ(std::string(file.parser.buffer), "X#    ");
+    }
 }
 
 TEST(Parser, Lookups) {

@@ -36,10 +36,11 @@ inline std::string textStartBanner() {
 }
 
 // End of a text log: separator, memory summary with the given ratio line and
-// total line, terminated banner. The peak line's figures are left open.
+// total line, terminated banner. The peak line's figures are left open; its
+// byte count is printed signed, so a peak above 2 GB reads negative.
 inline std::string textSummary(const std::string& ratioLine, const std::string& totalLine) {
     return literal("\n" + dashes + "\n" + ratioLine + "\n") +
-           "Max\\. physical memory usage: [0-9]+\\.[0-9]{2} mb \\([0-9]+ bytes\\)\n" +
+           "Max\\. physical memory usage: [0-9]+\\.[0-9]{2} mb \\(-?[0-9]+ bytes\\)\n" +
            literal(totalLine + "\n[Kolvane foundation 0.4 terminated at ") + dateTimePattern +
            literal("]\n");
 }
