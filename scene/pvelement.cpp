@@ -1,6 +1,7 @@
 #include "scene/pvelement.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <cmath>
 #include <new>
 
 #include "core/pvgl.h"
@@ -203,26 +204,24 @@ bool PVELEMENT::isTransparent(PVNODE *node)
     }
 }
 
-template <typename T> static int ascending(T a, T b)
+// Orders floats strictly with NaN after every number, so that a corrupt
+// matrix cannot break the sort's ordering contract.
+static bool floatBefore(float a, float b)
 {
-    return a < b ? -1 : (b < a ? 1 : 0);
+    return a < b || (std::isnan(b) && !std::isnan(a));
 }
 
-static const PVELEMENT *recordAt(const void *entry)
+// Lights first (0), then opaque elements (1), then transparent ones (2).
+int PVELEMENT::drawingRank(PVNODE *node)
 {
-    return *static_cast<PVELEMENT *const *>(entry);
+    if (node->getType() == PV_TYPE_LIGHT)
+        return 0;
+    return isTransparent(node) ? 2 : 1;
 }
 
-// Lights first, then opaque elements, then transparent ones.
-int PVELEMENT::compare3D(const void *a, const void *b)
+bool PVELEMENT::before3D(const PVELEMENT *a, const PVELEMENT *b)
 {
-    PVNODE *first = recordAt(a)->node;
-    PVNODE *second = recordAt(b)->node;
-    const bool firstLight = first->getType() == PV_TYPE_LIGHT;
-    const bool secondLight = second->getType() == PV_TYPE_LIGHT;
-    if (firstLight != secondLight)
-        return firstLight ? -1 : 1;
-    return ascending(isTransparent(first), isTransparent(second));
+    return drawingRank(a->node) < drawingRank(b->node);
 }
 
 // Eye-space z of the element's nearest side: the most negative is farthest.
@@ -231,15 +230,14 @@ float PVELEMENT::sortDepth(const PVELEMENT *record)
     return record->matrix.m[14] - queries.radius(record->node);
 }
 
-int PVELEMENT::compareDepth(const void *a, const void *b)
+bool PVELEMENT::fartherBefore(const PVELEMENT *a, const PVELEMENT *b)
 {
-    return ascending(sortDepth(recordAt(a)), sortDepth(recordAt(b)));
+    return floatBefore(sortDepth(a), sortDepth(b));
 }
 
-int PVELEMENT::compare2D(const void *a, const void *b)
+bool PVELEMENT::behindBefore(const PVELEMENT *a, const PVELEMENT *b)
 {
-    return ascending(queries.foremostTimeStamp(recordAt(a)->node),
-                     queries.foremostTimeStamp(recordAt(b)->node));
+    return queries.foremostTimeStamp(a->node) < queries.foremostTimeStamp(b->node);
 }
 
 static bool isExclusiveLight(PVNODE *node)
@@ -248,26 +246,27 @@ static bool isExclusiveLight(PVNODE *node)
 }
 
 // Exclusive lights first, then nearest first.
-int PVELEMENT::compareLights(const void *a, const void *b)
+bool PVELEMENT::lightBefore(const PVELEMENT *a, const PVELEMENT *b)
 {
-    const PVELEMENT *first = recordAt(a);
-    const PVELEMENT *second = recordAt(b);
-    const bool firstExclusive = isExclusiveLight(first->node);
-    const bool secondExclusive = isExclusiveLight(second->node);
-    if (firstExclusive != secondExclusive)
-        return firstExclusive ? -1 : 1;
-    return ascending(first->distance, second->distance);
+    const bool aExclusive = isExclusiveLight(a->node);
+    const bool bExclusive = isExclusiveLight(b->node);
+    if (aExclusive != bExclusive)
+        return aExclusive;
+    return floatBefore(a->distance, b->distance);
 }
 
+// The sorts permute record pointers in place. std::sort allocates nothing,
+// where the C library's qsort takes a heap buffer once the list exceeds 1 KB
+// of pointers; elements that compare equal come out in no particular order.
 bool PVELEMENT::sort3D()
 {
     if (!numberOfPassedElements)
         return false;
+    PVELEMENT **const end = elementPointer + numberOfPassedElements;
     if (numberOfLights || numberOfTransparencies)
-        qsort(elementPointer, numberOfPassedElements, sizeof(PVELEMENT *), compare3D);
+        std::sort(elementPointer, end, before3D);
     if (numberOfTransparencies > 1)
-        qsort(elementPointer + numberOfPassedElements - numberOfTransparencies,
-              numberOfTransparencies, sizeof(PVELEMENT *), compareDepth);
+        std::sort(end - numberOfTransparencies, end, fartherBefore);
     return true;
 }
 
@@ -275,7 +274,7 @@ bool PVELEMENT::sort2D()
 {
     if (!numberOfPassedElements)
         return false;
-    qsort(elementPointer, numberOfPassedElements, sizeof(PVELEMENT *), compare2D);
+    std::sort(elementPointer, elementPointer + numberOfPassedElements, behindBefore);
     return true;
 }
 
@@ -287,7 +286,7 @@ bool PVELEMENT::sortLights(K3MVECTOR3D p)
         PVELEMENT *light = elementPointer[i];
         light->distance = light->matrix.getTranslation().distance(p);
     }
-    qsort(elementPointer, numberOfLights, sizeof(PVELEMENT *), compareLights);
+    std::sort(elementPointer, elementPointer + numberOfLights, lightBefore);
     return true;
 }
 

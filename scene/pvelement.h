@@ -98,11 +98,13 @@ private:
     static void countRecord(PVNODE *node);
     static bool passChildren(PVNODE *node);
     static bool isTransparent(PVNODE *node);
-    static float sortDepth(const PVELEMENT *element);
-    static int compare3D(const void *a, const void *b);
-    static int compareDepth(const void *a, const void *b);
-    static int compare2D(const void *a, const void *b);
-    static int compareLights(const void *a, const void *b);
+    static int drawingRank(PVNODE *node);
+    static float sortDepth(const PVELEMENT *record);
+    // Strict orderings for the sorts: true when a is drawn (or chosen) before b.
+    static bool before3D(const PVELEMENT *a, const PVELEMENT *b);
+    static bool fartherBefore(const PVELEMENT *a, const PVELEMENT *b);
+    static bool behindBefore(const PVELEMENT *a, const PVELEMENT *b);
+    static bool lightBefore(const PVELEMENT *a, const PVELEMENT *b);
 
     PVNODE *node;
     K3MMATRIX matrix;

@@ -75,9 +75,13 @@ void PVNODE::removeFromRegistry()
 
 void PVNODE::setName(const char *newName)
 {
-    if (!newName || strnlen(newName, PV_NODE_NAME_SIZE) >= PV_NODE_NAME_SIZE)
+    if (!newName)
         return;
-    strcpy(name, newName);
+    const size_t length = strnlen(newName, PV_NODE_NAME_SIZE);
+    if (length >= PV_NODE_NAME_SIZE)
+        return;
+    // The argument may be this node's own name (or a part of it).
+    memmove(name, newName, length + 1);
 }
 
 const char *PVNODE::getTypeName() const

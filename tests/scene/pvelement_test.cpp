@@ -3,7 +3,10 @@
 // the GL calls a pass makes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,7 +22,54 @@ using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
 
+// Heap allocations made by the calling thread while counting is on (other
+// threads, such as the GL driver's, are not counted).
+static thread_local bool countingAllocations = false;
+static thread_local int allocationCount = 0;
+
+#if defined(__SANITIZE_ADDRESS__)
+// The sanitizer owns malloc: count through its allocation hook.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
+                                                          void (*)(const volatile void*));
+static void countAllocation(const volatile void*, size_t)
+{
+    if (countingAllocations)
+        ++allocationCount;
+}
+static void ignoreRelease(const volatile void*) {}
+static void watchAllocations()
+{
+    static const int installed = __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
+    (void)installed;
+}
+#else
+// Every malloc of the process (the engine's, the C and C++ runtimes') binds
+// to this definition in the executable, which counts and hands the request to
+// the C library's allocator.
+extern "C" void* __libc_malloc(size_t size);
+extern "C" void* malloc(size_t size) noexcept
+{
+    if (countingAllocations)
+        ++allocationCount;
+    return __libc_malloc(size);
+}
+static void watchAllocations() {}
+#endif
+
 namespace {
+
+// Counts this thread's heap allocations during its lifetime.
+class AllocationCount {
+public:
+    AllocationCount()
+    {
+        watchAllocations();
+        allocationCount = 0;
+        countingAllocations = true;
+    }
+    ~AllocationCount() { countingAllocations = false; }
+    int value() const { return allocationCount; }
+};
 
 class RenderList : public ::testing::Test {
 protected:
@@ -372,6 +422,157 @@ TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
     EXPECT_EQ(nullptr, mesh->getNearestLight(4));
     mesh->setParam1(16);
     EXPECT_EQ(16u, mesh->getParam1());
+}
+
+// True for the node kinds the 3D sort draws after the opaque ones (every
+// node but the lights is a TestNode here).
+bool drawnAsTransparent(PVNODE* node)
+{
+    const PV_NODE_TYPE type = node->getType();
+    return type == PV_TYPE_EMITTER || type == PV_TYPE_HELPER ||
+           (type == PV_TYPE_MESH && static_cast<TestNode*>(node)->transparent);
+}
+
+int rank3D(PVNODE* node)
+{
+    if (node->getType() == PV_TYPE_LIGHT)
+        return 0;
+    return drawnAsTransparent(node) ? 2 : 1;
+}
+
+// Eye-space z of a transparent TestNode's near side, from its placement.
+float nearSide(PVNODE* node)
+{
+    return node->getPosition().z - static_cast<TestNode*>(node)->radius;
+}
+
+// A frame of several hundred records, well past the size at which the C
+// library's qsort takes a heap buffer: passing and the three sorts must not
+// allocate, and the orders must hold for every record.
+TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
+{
+    start(1024);
+    const int count = 300;
+    PVNODE* scene = make("scene", PV_TYPE_NODE);
+    PVNODE* desk = make("desk", PV_TYPE_NODE);
+    std::vector<PVLIGHT*> lights;
+    for (int i = 0; i < count; i++) {
+        // Scattered depths and stamps, so that no order comes out by chance.
+        const float x = float(i % 5), z = -float((i * 97) % count);
+        PVNODE* placed = nullptr;
+        if (i % 6 == 1) {
+            PVLIGHT* light = new PVLIGHT();
+            light->setExclusive(i % 4 == 1);
+            lights.push_back(light);
+            placed = light;
+        } else {
+            const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT, PV_TYPE_HELPER, PV_TYPE_MESH,
+                                          PV_TYPE_EMITTER, PV_TYPE_NODE};
+            TestNode* node = new TestNode("n", kinds[i % 6]);
+            node->transparent = (i / 6) % 2 == 0;
+            node->radius = float(i % 4);
+            placed = node;
+        }
+        placed->setPosition(x, 0, z);
+        placed->link(scene);
+        TestNode* widget = make("w", PV_TYPE_BOX, {x, 0, 0}, desk);
+        widget->foremost = (i * 131) % count;
+    }
+    PVELEMENT::clippingOn();
+    PVELEMENT::setClippingRadius(10000.0f);
+    const K3MVECTOR3D eye(2, 0, -150);
+    auto frame3D = [&] {
+        PVELEMENT::reset();
+        scene->pass(false);
+        PVELEMENT::sort3D();
+        PVELEMENT::sortLights(eye);
+    };
+    auto frame2D = [&] {
+        PVELEMENT::reset();
+        desk->pass(false);
+        PVELEMENT::sort2D();
+    };
+    // The first frame resolves GL entry points and lets the driver size its
+    // matrix stacks.
+    frame3D();
+    frame2D();
+
+    int allocations = -1;
+    {
+        AllocationCount counted;  // first, check that the count sees a malloc
+        void* volatile probe = std::malloc(64);
+        std::free(probe);
+        allocations = counted.value();
+    }
+    ASSERT_EQ(1, allocations);
+    {
+        AllocationCount counted;
+        frame3D();
+        allocations = counted.value();
+    }
+    EXPECT_EQ(0, allocations);
+    std::vector<PVNODE*> order = passedNodes();
+    ASSERT_EQ(size_t(count - count / 6), order.size());  // the plain nodes have no record
+    ASSERT_EQ(lights.size(), size_t(PVELEMENT::getNumberOfLights()));
+    for (size_t i = 1; i < order.size(); i++) {
+        ASSERT_LE(rank3D(order[i - 1]), rank3D(order[i])) << "at " << i;
+        if (rank3D(order[i - 1]) == 2) {
+            EXPECT_LE(nearSide(order[i - 1]), nearSide(order[i])) << "transparent at " << i;
+        }
+    }
+    for (unsigned int i = 0; i < lights.size(); i++) {
+        PVELEMENT* light = PVELEMENT::getLight(i);
+        const K3MVECTOR3D at = light->getNode()->getPosition();
+        EXPECT_FLOAT_EQ(std::sqrt((at.x - 2) * (at.x - 2) + (at.z + 150) * (at.z + 150)),
+                        light->getDistance());
+        if (i == 0)
+            continue;
+        PVELEMENT* previous = PVELEMENT::getLight(i - 1);
+        const bool exclusive = static_cast<PVLIGHT*>(light->getNode())->isExclusive();
+        const bool previousExclusive = static_cast<PVLIGHT*>(previous->getNode())->isExclusive();
+        ASSERT_TRUE(previousExclusive || !exclusive) << "light " << i;
+        if (previousExclusive == exclusive) {
+            EXPECT_LE(previous->getDistance(), light->getDistance()) << "light " << i;
+        }
+    }
+
+    {
+        AllocationCount counted;
+        frame2D();
+        allocations = counted.value();
+    }
+    EXPECT_EQ(0, allocations);
+    order = passedNodes();
+    ASSERT_EQ(size_t(count), order.size());
+    for (size_t i = 1; i < order.size(); i++)
+        ASSERT_LT(static_cast<TestNode*>(order[i - 1])->foremost, static_cast<TestNode*>(order[i])->foremost)
+            << "at " << i;
+    EXPECT_EQ("", consume());
+}
+
+// A depth that is not a number (here a broken radius) leaves the sorts
+// well-defined: every record stays in the list and the others keep their
+// back-to-front order.
+TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
+{
+    start(64);
+    TestNode* root = make("root", PV_TYPE_NODE);
+    std::vector<TestNode*> helpers;
+    for (int i = 0; i < 40; i++)
+        helpers.push_back(make("h", PV_TYPE_HELPER, {0, 0, -float((i * 17) % 40)}, root));
+    helpers[13]->radius = std::numeric_limits<float>::quiet_NaN();
+    helpers[29]->radius = std::numeric_limits<float>::quiet_NaN();
+    root->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort3D());
+    std::vector<PVNODE*> order = passedNodes();
+    EXPECT_EQ(std::set<PVNODE*>(helpers.begin(), helpers.end()),
+              std::set<PVNODE*>(order.begin(), order.end()));
+    order.erase(std::remove_if(order.begin(), order.end(),
+                               [](PVNODE* node) { return std::isnan(static_cast<TestNode*>(node)->radius); }),
+                order.end());
+    ASSERT_EQ(38u, order.size());
+    for (size_t i = 1; i < order.size(); i++)
+        EXPECT_LT(order[i - 1]->getPosition().z, order[i]->getPosition().z) << "at " << i;
 }
 
 TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)

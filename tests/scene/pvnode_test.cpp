@@ -152,6 +152,13 @@ TEST_F(Node, SetNameRefusesNullAndOverlongNames)
     EXPECT_EQ(longest, node->getName());
     node->setName(std::string(256, 'y').c_str());
     EXPECT_EQ(longest, node->getName());
+
+    // The node's own name, or a tail of it, is a valid argument.
+    node->setName("abcdef");
+    node->setName(node->getName());
+    EXPECT_STREQ("abcdef", node->getName());
+    node->setName(node->getName() + 2);
+    EXPECT_STREQ("cdef", node->getName());
 }
 
 TEST_F(Node, VectorSettersMovesAndRotations)
