@@ -87,23 +87,6 @@ void placeWindowOnTop(const SDL_SysWMinfo& info, int width, int height)
     info.info.x11.unlock_func();
 }
 
-// The first configuration whose colour bits add up to the requested depth
-// (so a 16-bit request gets a 5-6-5 surface where one is offered), else the first.
-EGLConfig pickConfig(EGLDisplay display, const EGLConfig* configs, int count, int colorDepth)
-{
-    for (int i = 0; i < count; ++i) {
-        int bits = 0;
-        for (EGLint channel : {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE, EGL_ALPHA_SIZE}) {
-            EGLint size = 0;
-            eglGetConfigAttrib(display, configs[i], channel, &size);
-            bits += size;
-        }
-        if (bits == colorDepth)
-            return configs[i];
-    }
-    return configs[0];
-}
-
 }  // namespace
 
 PVSETTINGS::PVSETTINGS()
@@ -341,7 +324,9 @@ bool PVSETTINGS::openEGL()
         kvfLog("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init\n");
         return false;
     }
-    EGLConfig config = pickConfig(glesDisplay, configs, count, colorDepth);
+    // No colour sizes are asked for: the first configuration is used, and the
+    // colour depth in force is whatever GL then reports for it.
+    const EGLConfig config = configs[0];
 
     if (offscreen) {
         const EGLint size[] = {EGL_WIDTH, windowX, EGL_HEIGHT, windowY, EGL_NONE};

@@ -94,8 +94,8 @@ inline std::vector<LogLine> defaultSettingsRequestLines()
 }
 
 // From the EGL version to "OpenGL initialized" for the default configuration:
-// off-screen the 16-bit request gets a 5-6-5 surface; an X server may only
-// offer deeper ones.
+// the first EGL configuration is used, 5-6-5 off-screen; an X server's first
+// one may be deeper.
 inline std::vector<LogLine> defaultDisplayLines()
 {
     const LogLine depth = onX11() ? like("          depth: (16|24|32), zeta: (16|24|32), stencil: [0-9]+")

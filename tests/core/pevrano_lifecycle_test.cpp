@@ -9,7 +9,10 @@
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
 #include "displaylog.h"
+#include "scene/pvelement.h"
+#include "support/glcontext.h"
 #include "support/scratch.h"
+#include "support/testaccess.h"
 
 using pvtest::exact;
 using pvtest::LogLine;
@@ -24,6 +27,24 @@ std::vector<LogLine> defaultInitLines()
     pvtest::append(lines, pvtest::defaultDisplayLines());
     pvtest::append(lines, pvtest::engineReadyLines());
     return lines;
+}
+
+// The start of init up to the display, before the step that is made to fail.
+std::vector<LogLine> initLinesUpToTheDisplay()
+{
+    std::vector<LogLine> lines = pvtest::engineStartLines();
+    lines.push_back(exact("   [!] Standard configuration used"));
+    pvtest::append(lines, pvtest::defaultSettingsRequestLines());
+    return lines;
+}
+
+// init and free work again after a failed start-up.
+void expectEngineStartsAgain()
+{
+    EXPECT_FALSE(PEVRANO::isActive());
+    EXPECT_FALSE(PVSETTINGS::isActive());
+    ASSERT_TRUE(PEVRANO::init(nullptr));
+    EXPECT_TRUE(PEVRANO::free());
 }
 
 }  // namespace
@@ -108,6 +129,56 @@ TEST(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
     pvtest::expectLog(log.text().substr(before), retry);
     EXPECT_TRUE(PEVRANO::isActive());
     EXPECT_TRUE(PEVRANO::free());
+}
+
+// The GL state class is already active: its step fails and only the settings,
+// started before it, are released.
+TEST(Lifecycle, FailingOpenGLStepReleasesTheSettings)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    {
+        pvtest::GlContext context;
+        ASSERT_TRUE(context.ok());
+        ASSERT_TRUE(PVTESTACCESS::openglInit());
+    }
+    const size_t before = log.text().size();
+    EXPECT_FALSE(PEVRANO::init(nullptr));
+
+    std::vector<LogLine> lines = initLinesUpToTheDisplay();
+    std::vector<LogLine> display = pvtest::defaultDisplayLines();
+    display.resize(display.size() - 7);  // up to "Settings initialized"
+    pvtest::append(lines, display);
+    pvtest::append(lines, {exact("   [!] OpenGL already active @ PVOPENGL::init"),
+                           exact("   [!] Unable to init OpenGL @ PEVRANO::init"), exact("   Release settings..."),
+                           exact("   Settings released")});
+    pvtest::expectLog(log.text().substr(before), lines);
+
+    ASSERT_TRUE(PVTESTACCESS::openglFree());
+    expectEngineStartsAgain();
+}
+
+// The render list is already allocated: its step fails and the steps before
+// it are released last first (shaders, GL state, settings).
+TEST(Lifecycle, FailingRenderListStepReleasesTheEarlierStepsInReverse)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    ASSERT_TRUE(PVELEMENT::init(16));
+    const size_t before = log.text().size();
+    EXPECT_FALSE(PEVRANO::init(nullptr));
+
+    std::vector<LogLine> lines = initLinesUpToTheDisplay();
+    pvtest::append(lines, pvtest::defaultDisplayLines());
+    pvtest::append(lines, {exact("   [!] Already active @ PVELEMENT::init"),
+                           exact("   [!] Rendering elements failed to initialize @ PEVRANO::init"),
+                           exact("   Release OpenGL..."), exact("   OpenGL released"),
+                           exact("   Release settings..."), exact("   Settings released")});
+    pvtest::expectLog(log.text().substr(before), lines);
+    EXPECT_TRUE(PVELEMENT::isActive());
+
+    PVELEMENT::free();
+    expectEngineStartsAgain();
 }
 
 // An X server refuses a full-screen mode larger than its screen (the

@@ -5,6 +5,7 @@
 #include <GLES/gl.h>
 
 #include <string>
+#include <vector>
 
 #include "core/pevrano.h"
 #include "core/pvsettings.h"
@@ -249,5 +250,33 @@ TEST(SettingsInForce, ResizeChangesTheSizeAndTheViewport)
     EXPECT_EQ(viewport[1], 0);
     EXPECT_EQ(viewport[2], 200);
     EXPECT_EQ(viewport[3], 100);
+    EXPECT_TRUE(PEVRANO::free());
+}
+
+// No colour sizes go to EGL: the first configuration is used whatever depth
+// is asked, and the depth in force is what GL reports for it (5-6-5 off-screen).
+TEST(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
+{
+    pvtest::ScratchDir dir;
+    pvtest::LogCapture log;
+    PVSETTINGS deep;
+    deep.setColorDepth(24);
+    ASSERT_TRUE(PEVRANO::init(&deep)) << log.text();
+    const int deepInForce = PVSETTINGS::getSDLColorDepth();
+    std::vector<pvtest::LogLine> lines = pvtest::engineStartLines();
+    std::vector<pvtest::LogLine> request = pvtest::defaultSettingsRequestLines();
+    request[3] = pvtest::exact("          depth: 24, zeta: 16, stencil: 0");
+    pvtest::append(lines, request);
+    pvtest::append(lines, pvtest::defaultDisplayLines());
+    pvtest::append(lines, pvtest::engineReadyLines());
+    pvtest::expectLog(log.text(), lines);
+    ASSERT_TRUE(PEVRANO::free());
+
+    PVSETTINGS shallow;
+    ASSERT_TRUE(PEVRANO::init(&shallow));
+    EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), deepInForce);
+    if (!pvtest::onX11()) {
+        EXPECT_EQ(deepInForce, 16);
+    }
     EXPECT_TRUE(PEVRANO::free());
 }
