@@ -71,19 +71,6 @@ void chooseVideoDriverWithoutWindowSystem()
         setenv("SDL_VIDEODRIVER", "dummy", 0);
 }
 
-// An X server may refuse a connection for a moment (virtual servers under
-// load do): SDL's video gets a few attempts before start-up gives up.
-bool startSDLVideo()
-{
-    const int attempts = 5;
-    for (int attempt = 1; attempt < attempts; ++attempt) {
-        if (SDL_Init(SDL_INIT_VIDEO) != -1)
-            return true;
-        SDL_Delay(10);
-    }
-    return SDL_Init(SDL_INIT_VIDEO) != -1;
-}
-
 // Makes frame buffer `index` the render target.
 void renderOnFbo(int index)
 {
@@ -101,7 +88,7 @@ bool PEVRANO::init(PVSETTINGS* settings)
         return false;
     }
     chooseVideoDriverWithoutWindowSystem();
-    if (!startSDLVideo()) {
+    if (SDL_Init(SDL_INIT_VIDEO) == -1) {
         kvfLog("   [!] Unable to init SDL_INIT_VIDEO (%s) @ PEVRANO::init\n", SDL_GetError());
         return false;
     }
