@@ -77,17 +77,9 @@ public:
     static void skipShadowsGeneration() { skipShadows = true; }
     static void updateVideo() {}
 
-    // Scene-file loader (a PVE file, or an XML interface file handed on).
-    static PVNODE* load(char* fileName);
-    static PVNODE* loadXML(char* fileName);
-
 private:
     // Test suites reach the private helpers here.
     friend struct PEVRANOTESTACCESS;
-
-    static PVNODE* recursiveLoad(char* buffer, long* position, PVNODE* parent);
-    static bool recursiveInitBones(PVNODE* root, PVNODE* node);
-    static PVNODE* recursiveLoadXML(PVNODE* parent, void* xmlNode);
 
     static bool initClasses(PVSETTINGS* settings);
     static bool failStartUp(const char* message, int succeeded);
