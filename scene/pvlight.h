@@ -30,7 +30,9 @@ public:
 
     // Chooses up to four lights for one render-list record (exclusive lights
     // first, then the nearest), programs slots 0 to 3 with them and records
-    // them as the element's nearest lights. False when lighting is off.
+    // them as the element's nearest lights. False, choosing nothing, when
+    // lighting is off; false also for a null record or a non-light among the
+    // chosen (the slots already programmed stay so).
     static bool activateNearest(PVELEMENT* element);
 
     // GL_LIGHTING switch, cached: a call that changes nothing costs no GL call.

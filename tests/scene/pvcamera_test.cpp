@@ -6,9 +6,11 @@
 #include <initializer_list>
 #include <new>
 #include <string>
+#include <vector>
 
 #include <pevrano.h>
 
+#include "support/glrecorder.h"
 #include "support/scratch.h"
 #include "support/viewmath.h"
 
@@ -16,6 +18,8 @@ using pvtest::Mat4;
 using pvtest::Vec3;
 
 namespace {
+
+using Calls = std::vector<std::string>;
 
 void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
 {
@@ -156,6 +160,69 @@ TEST_F(Camera, FollowAimsAtTheWorldPositionOfTheNode)
     EXPECT_NEAR(0.0, seen.y, 1e-9);
     EXPECT_LT(seen.z, 0.0);
     expectVector({0, 10, 10}, PVCAMERA::getCameraPosition(), "eye");
+}
+
+// The GL calls of each mode, in 16.16 fixed point worked out by hand. The
+// pre-rotation of 90 degrees about X is always issued first (5898240 is
+// 90 * 65536); the look-at modes then load their own matrix over it.
+TEST_F(Camera, GlCallsOfEachMode)
+{
+    const Calls preRotation = {"glLoadIdentity()", "glRotatex(5898240,65536,0,0)", "glRotatex(0,0,65536,0)",
+                               "glRotatex(0,0,0,65536)"};
+    auto after = [&](Calls rest) {
+        Calls all = preRotation;
+        all.insert(all.end(), rest.begin(), rest.end());
+        return all;
+    };
+    pvtest::GlRecorder gl;
+    PVCAMERA camera;
+    camera.setPreRotation(90, 0, 0);
+
+    // Free: -30 about Z, -10 about X, -20 about Y, then the move by -position.
+    camera.setPosition(1, 2, 3);
+    camera.setRotation(10, 20, 30);
+    gl.start();
+    camera.render(nullptr);
+    EXPECT_EQ(after({"glRotatex(-1966080,0,0,65536)", "glRotatex(-655360,65536,0,0)",
+                     "glRotatex(-1310720,0,65536,0)", "glTranslatex(-65536,-131072,-196608)"}),
+              gl.calls())
+        << gl.text();
+
+    // Free with its own matrix, multiplied in as it stands.
+    K3MMATRIX own;
+    own.setTranslation(1.0f, 2.0f, 3.0f);
+    camera.setPositioning(PV_POSITIONING_MATRIX);
+    camera.setMatrix(own);
+    gl.start();
+    camera.render(nullptr);
+    EXPECT_EQ(after({"glMultMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,65536,131072,196608,65536})"}),
+              gl.calls())
+        << gl.text();
+
+    // Eye (3, 0, -4) looking at (0, 0, -4): backward (1, 0, 0), side
+    // up x backward = (0, 0, -1), true up (0, 1, 0); rows side, up, backward.
+    const std::string view = "glLoadMatrixx({0,0,65536,0,0,65536,0,0,-65536,0,0,0,0,0,0,65536})";
+    const std::string moveEye = "glTranslatex(-196608,0,262144)";
+    camera.setPositioning(PV_POSITIONING_VECTORS);
+    camera.setPosition(3, 0, -4);
+    camera.setTargetNode(&camera);
+    camera.setTarget(0, 0, -4);
+    gl.start();
+    camera.render(nullptr);
+    EXPECT_EQ(after({view, moveEye}), gl.calls()) << gl.text();
+
+    // Following a node at (0, 0, -4): its world matrix is worked out on a
+    // pushed matrix, then the view starts again from the identity.
+    PVNODE followed;
+    followed.setPosition(0, 0, -4);
+    camera.setTargetNode(&followed);
+    gl.start();
+    camera.render(nullptr);
+    EXPECT_EQ(after({"glPushMatrix()", "glLoadIdentity()", "glTranslatex(0,0,-262144)", "glRotatex(0,65536,0,0)",
+                     "glRotatex(0,0,65536,0)", "glRotatex(0,0,0,65536)", "glPopMatrix()", "glLoadIdentity()", view,
+                     moveEye}),
+              gl.calls())
+        << gl.text();
 }
 
 TEST_F(Camera, UpAlongTheViewGivesADegenerateMatrixWithoutError)

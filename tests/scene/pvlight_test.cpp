@@ -78,6 +78,9 @@ Calls withLightingSwitchedOn(Calls calls)
 
 class Light : public ::testing::Test {
 protected:
+    // Every case starts with lighting off, whatever ran before it.
+    void SetUp() override { PVLIGHT::lightingOff(); }
+
     pvtest::ScratchDir scratch;
     pvtest::LogCapture log;
     pvtest::GlRecorder gl;
@@ -293,7 +296,11 @@ public:
 // Lights and one object passed through the render list, as in a frame.
 class NearestLights : public Light {
 protected:
-    void SetUp() override { ASSERT_TRUE(PVELEMENT::init(16)); }
+    void SetUp() override
+    {
+        Light::SetUp();
+        ASSERT_TRUE(PVELEMENT::init(16));
+    }
     void TearDown() override { PVELEMENT::free(); }
 
     PVLIGHT* addLight(PVLIGHT* light, float x, float diffuse)
@@ -390,6 +397,18 @@ TEST_F(NearestLights, FewerLightsThanSlotsLeavesTheRestAlone)
     ASSERT_TRUE(PVLIGHT::activateNearest(record));
     EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, gl.filter("glEnable"));
     EXPECT_EQ(&lamp, record->getNearestLight(0)->getNode());
+}
+
+TEST_F(NearestLights, NoLightsInTheListIsNoFailure)
+{
+    object.link(&root);
+    PVELEMENT* record = passScene();
+    ASSERT_NE(nullptr, record);
+    PVLIGHT::lightingOn();
+    gl.start();
+    EXPECT_TRUE(PVLIGHT::activateNearest(record));
+    EXPECT_EQ(Calls{}, gl.calls());
+    EXPECT_EQ(allocated, log.text());
 }
 
 TEST_F(NearestLights, LightingOffChoosesNothing)
