@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -11,18 +12,6 @@
 using namespace pvtest;
 
 namespace {
-
-// Every line kvfReadLine gives for the file's content.
-std::vector<std::string> readLines(const std::string& content) {
-    writeFile("lines.txt", content);
-    kvfParser parser;
-    std::vector<std::string> lines;
-    if (!kvfOpenParser(&parser, "lines.txt")) return lines;
-    char line[256];
-    while (kvfReadLine(&parser, line)) lines.push_back(line);
-    kvfCloseParser(&parser);
-    return lines;
-}
 
 using Lines = std::vector<std::string>;
 
@@ -36,25 +25,55 @@ public:
     ~OpenParser() {
         if (parser.buffer) kvfCloseParser(&parser);
     }
-    int getInt(const char* key, int untouched = -999) {
-        int value = untouched;
+    int getInt(const char* key) {
+        int value = -999;
         found = kvfGetInt(&parser, key, &value);
         return value;
     }
-    float getFloat(const char* key) {
-        float value = -999.0f;
-        found = kvfGetFloat(&parser, key, &value);
-        return value;
-    }
-    std::string getString(const char* key) {
+    // The value of a key read as an int ('i'), a float ('f', all its digits)
+    // or a string ('s'); what the untouched value reads when the key is missing.
+    std::string lookup(char kind, const char* key) {
+        if (kind == 'i') return std::to_string(getInt(key));
         char value[256] = "untouched";
-        found = kvfGetString(&parser, key, value);
+        if (kind == 's') {
+            found = kvfGetString(&parser, key, value);
+        } else {
+            float number = -999.0f;
+            found = kvfGetFloat(&parser, key, &number);
+            snprintf(value, sizeof value, "%.9g", number);
+        }
         return value;
     }
     kvfParser parser;
     bool opened = false;
     bool found = false;
 };
+
+// Every line the given reader gives for the content.
+Lines readLines(const std::string& content, bool (*read)(kvfParser*, char*) = kvfReadLine) {
+    OpenParser file(content);
+    Lines lines;
+    char line[256];
+    while (file.opened && read(&file.parser, line)) lines.push_back(line);
+    return lines;
+}
+
+struct Lookup {
+    const char* key;
+    char kind;
+    const char* value;
+    bool found;
+};
+
+void expectLookups(const std::string& content, std::initializer_list<Lookup> lookups) {
+    OpenParser file(content);
+    ASSERT_TRUE(file.opened);
+    for (const Lookup& lookup : lookups) {
+        SCOPED_TRACE(std::string(lookup.key) + " as " + lookup.kind);
+        EXPECT_EQ(file.lookup(lookup.kind, lookup.key), lookup.value);
+        EXPECT_EQ(file.found, lookup.found);
+    }
+}
 
 }  // namespace
 
@@ -99,7 +118,9 @@ TEST(Parser, OpenHoldsTheContentInOneCountedBlock) {
     EXPECT_TRUE(kvfCloseParser(&parser));
     EXPECT_EQ(parser.buffer, nullptr);
     EXPECT_EQ(parser.size, 0);
-    EXPECT_EQ(kvfGetMemoryStats().ratio, before.ratio);
+    kvfMemoryStats closed = kvfGetMemoryStats();
+    EXPECT_EQ(closed.ratio, before.ratio);
+    EXPECT_EQ(closed.releases, before.releases + 1);
     EXPECT_FALSE(kvfCloseParser(&parser));
     EXPECT_EQ(capture.text(), "kvfCloseParser: parser already free\n");
 }
@@ -116,36 +137,38 @@ TEST(Parser, LineEnds) {
     // The first line feed anywhere ahead wins over a nearer carriage return.
     EXPECT_EQ(readLines("x=1\ry=2\nz"), (Lines{"x=1\ry=2", "z"}));
     EXPECT_EQ(readLines("q"), (Lines{"q"}));
-    EXPECT_EQ(capture.text(), "");
-}
-
-TEST(Parser, LongLinesAreCut) {
-    ScratchDir dir;
+    // Lines are cut to 255 characters.
     std::string longLine(300, 'k');
     EXPECT_EQ(readLines(longLine + "\nnext\n" + longLine), (Lines{longLine.substr(0, 255), "next", longLine.substr(0, 255)}));
+    EXPECT_EQ(capture.text(), "");
 }
 
 TEST(Parser, CompactLinesDropBlanksAndTabs) {
     ScratchDir dir;
-    OpenParser file(" A = 1 \t\r\n\t\tB\t=  \"two words\"\nC");
-    ASSERT_TRUE(file.opened);
-    char line[256];
-    ASSERT_TRUE(kvfReadCompactLine(&file.parser, line));
-    EXPECT_STREQ(line, "A=1\r");
-    ASSERT_TRUE(kvfReadCompactLine(&file.parser, line));
-    EXPECT_STREQ(line, "B=\"twowords\"");
-    ASSERT_TRUE(kvfReadCompactLine(&file.parser, line));
-    EXPECT_STREQ(line, "C");
-    EXPECT_FALSE(kvfReadCompactLine(&file.parser, line));
+    EXPECT_EQ(readLines(" A = 1 \t\r\n\t\tB\t=  \"two words\"\nC", kvfReadCompactLine),
+              (Lines{"A=1\r", "B=\"twowords\"", "C"}));
 }
 
-TEST(Parser, CommentsBecomeBlanks) {
+TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd) {
     ScratchDir dir;
+    // With a line-end character as the mark, the one that stops a run starts the next.
+    const struct {
+        const char* content;
+        char mark;
+        const char* stripped;
+    } cases[] = {{"A=1 # note\r\n# whole line\nB=2#x", '#', "A=1       \r\n            \nB=2  "},
+                 {"A=1\rB=2\r\nC=3\r", '\r', "A=1     \nC=3 "},
+                 {"X#\nY\nZ", '\n', "X#    "}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.content);
+        OpenParser file(c.content);
+        ASSERT_TRUE(file.opened);
+        EXPECT_TRUE(kvfStripComments(&file.parser, c.mark));
+        EXPECT_EQ(std::string(file.parser.buffer), c.stripped);
+        EXPECT_FALSE(kvfStripComments(&file.parser, c.mark));
+    }
     OpenParser file("A=1 # note\r\n# whole line\nB=2#x");
-    ASSERT_TRUE(file.opened);
-    EXPECT_TRUE(kvfStripComments(&file.parser, '#'));
-    EXPECT_EQ(std::string(file.parser.buffer), "A=1       \r\n            \nB=2  ");
-    EXPECT_FALSE(kvfStripComments(&file.parser, '#'));
+    kvfStripComments(&file.parser, '#');
     EXPECT_EQ(file.getInt("A"), 1);
     EXPECT_EQ(file.getInt("B"), 2);
     EXPECT_EQ(file.getInt("note"), -999);
@@ -153,67 +176,31 @@ TEST(Parser, CommentsBecomeBlanks) {
     EXPECT_FALSE(kvfStripComments(nullptr, '#'));
 }
 
-TEST(Parser, LineEndCharactersAsCommentMarks) {
-    ScratchDir dir;
-    {
-        // Each carriage return is blanked with what follows it up to the next
-        // line end; the carriage return that stops one run starts the next.
-        OpenParser file("A=1\rB=2\r\nC=3\r");
-        ASSERT_TRUE(file.opened);
-        EXPECT_TRUE(kvfStripComments(&file.parser, '\r'));
-        EXPECT_EQ(std::string(file.parser.buffer), "A=1     \nC=3 ");
-    }
-    {
-        OpenParser file("X#\nY\nZ");
-        ASSERT_TRUE(file.opened);
-        EXPECT_TRUE(kvfStripComments(&file.parser, '\n'));
-        EXPECT_EQ(std::string(file.parser.buffer), "X#    ");
-    }
-}
-
 TEST(Parser, Lookups) {
     ScratchDir dir;
-    OpenParser file(
-        "WIDTH = 640\n"
-        "HEIGHT=480px\n"
-        "ABCD=7\n"
-        "ABC=5\n"
-        "NAME = \"my file\"\n"
-        "RAW = plain\n"
-        "HALF=\"open\n"
-        "SCALE=2.5e1x\n"
-        "WIDTH=1024\n"
-        "SIGN=-12\n"
-        "KEYONLY");
-    ASSERT_TRUE(file.opened);
-    EXPECT_EQ(file.getInt("WIDTH"), 640);  // the first line wins
-    EXPECT_EQ(file.getInt("HEIGHT"), 480); // digits stop at the letters
-    EXPECT_EQ(file.getInt("ABCD"), 7);
-    // "ABC" is found first inside "ABCD=7": its value starts at "=7".
-    EXPECT_EQ(file.getInt("ABC"), 0);
-    EXPECT_TRUE(file.found);
-    EXPECT_FLOAT_EQ(file.getFloat("ABC"), 0.0f);
-    EXPECT_EQ(file.getString("ABC"), "=7");
-    EXPECT_FALSE(file.found);
-    EXPECT_EQ(file.getInt("SIGN"), -12);
-    EXPECT_FLOAT_EQ(file.getFloat("SCALE"), 25.0f);
-    EXPECT_FLOAT_EQ(file.getFloat("WIDTH"), 640.0f);
-    EXPECT_EQ(file.getString("NAME"), "myfile");
-    EXPECT_TRUE(file.found);
-    EXPECT_EQ(file.getString("RAW"), "plain");
-    EXPECT_FALSE(file.found);
-    EXPECT_EQ(file.getString("HALF"), "\"open");
-    EXPECT_FALSE(file.found);
-    // A key ending its line has an empty value.
-    EXPECT_EQ(file.getInt("KEYONLY"), 0);
-    EXPECT_TRUE(file.found);
-    EXPECT_EQ(file.getString("KEYONLY"), "");
-    // Missing keys leave the value alone.
-    EXPECT_EQ(file.getInt("DEPTH", 16), 16);
-    EXPECT_FALSE(file.found);
-    EXPECT_FLOAT_EQ(file.getFloat("DEPTH"), -999.0f);
-    EXPECT_EQ(file.getString("DEPTH"), "untouched");
-    EXPECT_FALSE(file.found);
+    expectLookups("WIDTH = 640\nHEIGHT=480px\nABCD=7\nABC=5\nNAME = \"my file\"\nRAW = plain\nHALF=\"open\n"
+                  "SCALE=2.5e1x\nWIDTH=1024\nSIGN=-12\nKEYONLY",
+                  {{"WIDTH", 'i', "640", true},  // the first line wins
+                   {"HEIGHT", 'i', "480", true}, // digits stop at the letters
+                   {"ABCD", 'i', "7", true},
+                   // "ABC" is found first inside "ABCD=7": its value starts at "=7".
+                   {"ABC", 'i', "0", true},
+                   {"ABC", 'f', "0", true},
+                   {"ABC", 's', "=7", false},
+                   {"SIGN", 'i', "-12", true},
+                   {"SCALE", 'f', "25", true},
+                   {"WIDTH", 'f', "640", true},
+                   // Quotes give the text between them; without a pair the raw text fails.
+                   {"NAME", 's', "myfile", true},
+                   {"RAW", 's', "plain", false},
+                   {"HALF", 's', "\"open", false},
+                   // A key ending its line has an empty value.
+                   {"KEYONLY", 'i', "0", true},
+                   {"KEYONLY", 's', "", false},
+                   // Missing keys leave the value alone.
+                   {"DEPTH", 'i', "-999", false},
+                   {"DEPTH", 'f', "-999", false},
+                   {"DEPTH", 's', "untouched", false}});
 }
 
 TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone) {
@@ -232,30 +219,11 @@ TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone) {
 
 TEST(Parser, FilesWithoutFinalLineEndOrWithCarriageReturns) {
     ScratchDir dir;
-    {
-        OpenParser file("A=1\nS=\"x y\"");
-        ASSERT_TRUE(file.opened);
-        EXPECT_EQ(file.getString("S"), "xy");
-        EXPECT_TRUE(file.found);
-    }
-    {
-        OpenParser file("A=12");
-        EXPECT_EQ(file.getInt("A"), 12);
-    }
-    {
-        OpenParser file("A=3\r\nS=\"q\"\r\nF=0.5\r\n");
-        EXPECT_EQ(file.getInt("A"), 3);
-        EXPECT_EQ(file.getString("S"), "q");
-        EXPECT_TRUE(file.found);
-        EXPECT_FLOAT_EQ(file.getFloat("F"), 0.5f);
-    }
-    {
-        // Carriage returns alone cost each line its last character.
-        OpenParser file("A=34\rB=5\r");
-        EXPECT_EQ(file.getInt("A"), 3);
-        EXPECT_EQ(file.getInt("B"), 0);
-        EXPECT_TRUE(file.found);
-    }
+    expectLookups("A=1\nS=\"x y\"", {{"S", 's', "xy", true}});
+    expectLookups("A=12", {{"A", 'i', "12", true}});
+    expectLookups("A=3\r\nS=\"q\"\r\nF=0.5\r\n", {{"A", 'i', "3", true}, {"S", 's', "q", true}, {"F", 'f', "0.5", true}});
+    // Carriage returns alone cost each line its last character.
+    expectLookups("A=34\rB=5\r", {{"A", 'i', "3", true}, {"B", 'i', "0", true}});
 }
 
 TEST(Parser, ClosedParserAndBadArguments) {

@@ -58,26 +58,21 @@ TEST(Timers, BadHandlesAndFreeSlots) {
     LogCapture capture;
     int timer = kvfNewTimer(1.0f);
     ASSERT_EQ(timer, 0);
-    EXPECT_FALSE(kvfFreeTimer(-1));
-    EXPECT_FALSE(kvfFreeTimer(8));
-    EXPECT_FALSE(kvfAdjournTimer(1));
-    EXPECT_EQ(kvfGetTimerFactor(8), -1.0f);
-    EXPECT_EQ(kvfGetTimerFps(-3), -1.0f);
-    EXPECT_TRUE(kvfFreeTimer(timer));
-    EXPECT_FALSE(kvfFreeTimer(timer));
-    EXPECT_FALSE(kvfAdjournTimer(timer));
-    EXPECT_EQ(kvfGetTimerFactor(timer), -1.0f);
-    EXPECT_EQ(kvfGetTimerFps(timer), -1.0f);
-    EXPECT_EQ(capture.text(),
-              "kvfFreeTimer: wrong params\n"
-              "kvfFreeTimer: wrong params\n"
-              "kvfAdjournTimer: wrong params\n"
-              "kvfGetTimerFactor: wrong params\n"
-              "kvfGetTimerFps: wrong params\n"
-              "kvfFreeTimer: wrong params\n"
-              "kvfAdjournTimer: wrong params\n"
-              "kvfGetTimerFactor: wrong params\n"
-              "kvfGetTimerFps: wrong params\n");
+    std::string expectedLog;
+    // Out of range or never taken while timer 0 runs, then timer 0 once freed.
+    for (int handle : {-1, 8, -3, 1, timer}) {
+        SCOPED_TRACE(handle);
+        if (handle == timer) {
+            EXPECT_TRUE(kvfFreeTimer(timer));
+        }
+        EXPECT_FALSE(kvfFreeTimer(handle));
+        EXPECT_FALSE(kvfAdjournTimer(handle));
+        EXPECT_EQ(kvfGetTimerFactor(handle), -1.0f);
+        EXPECT_EQ(kvfGetTimerFps(handle), -1.0f);
+        expectedLog += "kvfFreeTimer: wrong params\nkvfAdjournTimer: wrong params\n"
+                       "kvfGetTimerFactor: wrong params\nkvfGetTimerFps: wrong params\n";
+    }
+    EXPECT_EQ(capture.text(), expectedLog);
 }
 
 TEST(Timers, ZeroRateLooksFree) {
@@ -89,7 +84,7 @@ TEST(Timers, ZeroRateLooksFree) {
     EXPECT_EQ(capture.text(), "");
 }
 
-TEST(Timers, FactorAndFpsFromTheCounter) {
+TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn) {
     ScratchDir dir;
     LogCapture capture;
     FakeClock clock(5000000000LL);
@@ -111,6 +106,11 @@ TEST(Timers, FactorAndFpsFromTheCounter) {
     EXPECT_TRUE(kvfAdjournTimer(timer));
     EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 4.0f);
     EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 0.5f);
+    // Freed and taken again, the slot still reads its last figures.
+    EXPECT_TRUE(kvfFreeTimer(timer));
+    ASSERT_EQ(kvfNewTimer(2.0f), timer);
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 4.0f);
+    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 0.5f);
     // Same tick, then a counter going back: factor 1, fps equal to the rate.
     EXPECT_TRUE(kvfAdjournTimer(timer));
     EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
@@ -119,19 +119,6 @@ TEST(Timers, FactorAndFpsFromTheCounter) {
     EXPECT_TRUE(kvfAdjournTimer(timer));
     EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
     EXPECT_EQ(capture.text(), "");
-}
-
-TEST(Timers, FreedSlotKeepsItsLastFiguresUntilAdjourned) {
-    ScratchDir dir;
-    LogCapture capture;
-    FakeClock clock(0);
-    int timer = kvfNewTimer(1.0f);
-    fakeNow += 500000000LL;
-    kvfAdjournTimer(timer);
-    kvfFreeTimer(timer);
-    ASSERT_EQ(kvfNewTimer(1.0f), timer);
-    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
-    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 2.0f);
 }
 
 TEST(Timers, RealClockMeasuresSeconds) {
@@ -194,12 +181,4 @@ TEST(Ids, AllTaken) {
     EXPECT_EQ(capture.text(), "kvfNewId: all ID are used\n");
     EXPECT_TRUE(kvfReleaseId(40000));
     EXPECT_EQ(kvfNewId(), 40000u);
-}
-
-TEST(Ids, NoTableAfterShutdown) {
-    ScratchDir dir;
-    LogCapture capture;
-    kvfShutdown();
-    EXPECT_EQ(kvfNewId(), 0u);
-    EXPECT_FALSE(kvfReleaseId(1));
 }

@@ -1,5 +1,6 @@
-// Comparison helpers for the math tests: whole vectors and matrices at once,
-// with the index of the first differing component in the failure message.
+// Helpers of the math tests: whole vectors and matrices compared at once,
+// with the index of the first differing component in the failure message,
+// and reference rotations written from their closed forms.
 #ifndef PEVRANO_TESTS_MATH_EXPECT_H
 #define PEVRANO_TESTS_MATH_EXPECT_H
 
@@ -9,7 +10,19 @@
 #include <initializer_list>
 #include <string>
 
+#include "math/k3mvector4d.h"
+
 namespace mathtest {
+
+const double PI = std::acos(-1.0);
+const double RAD = PI / 180.0;
+
+// Quaternion of a rotation by angle radians about a unit axis: (sin(t/2) axis, cos(t/2)).
+inline K3MVECTOR4D axisAngle(double angle, double x, double y, double z)
+{
+    double s = std::sin(angle / 2);
+    return K3MVECTOR4D(x * s, y * s, z * s, std::cos(angle / 2));
+}
 
 inline ::testing::AssertionResult nearAll(const float *actual, std::initializer_list<double> expected,
                                           double tolerance)

@@ -6,10 +6,10 @@
 
 #include <cmath>
 
-namespace {
+using mathtest::axisAngle;
+using mathtest::RAD;
 
-const double PI = std::acos(-1.0);
-const double RAD = PI / 180.0;
+namespace {
 
 // 1, 2, ..., 16 in storage order.
 K3MMATRIX counting(float first)
@@ -44,12 +44,6 @@ void rodrigues(double angle, double x, double y, double z, float *out)
     for (int r = 0; r < 3; r++)
         for (int col = 0; col < 3; col++)
             out[4 * col + r] = float(rows[r][col]);
-}
-
-K3MVECTOR4D axisAngle(double angle, double x, double y, double z)
-{
-    double s = std::sin(angle / 2);
-    return K3MVECTOR4D(x * s, y * s, z * s, std::cos(angle / 2));
 }
 
 }  // namespace

@@ -2,28 +2,23 @@
 #include "math/k3mplane.h"
 #include "math_expect.h"
 
+#include <array>
 #include <cmath>
 
 namespace {
 
-// The plane's four numbers as an array, for whole comparisons.
-void planeValues(const K3MPLANE &p, float *out)
+// The plane's four numbers, for whole comparisons.
+std::array<float, 4> values(const K3MPLANE &p)
 {
-    out[0] = p.a;
-    out[1] = p.b;
-    out[2] = p.c;
-    out[3] = p.d;
+    return {p.a, p.b, p.c, p.d};
 }
 
 }  // namespace
 
 TEST(Plane, ConstructionAndSignedDistance)
 {
-    float v[4];
-    planeValues(K3MPLANE(), v);
-    EXPECT_COMPONENTS(v, 0, 0, 0, 0);
-    planeValues(K3MPLANE(1, 2, 3, 4), v);
-    EXPECT_COMPONENTS(v, 1, 2, 3, 4);
+    EXPECT_COMPONENTS(values(K3MPLANE()).data(), 0, 0, 0, 0);
+    EXPECT_COMPONENTS(values(K3MPLANE(1, 2, 3, 4)).data(), 1, 2, 3, 4);
 
     // A normal passed in is kept as it is: (0, 2, 0) and d = 1 give 2y + 1.
     K3MPLANE scaled(K3MVECTOR3D(0, 2, 0), 1);
@@ -31,29 +26,26 @@ TEST(Plane, ConstructionAndSignedDistance)
     EXPECT_EQ(-5.0f, scaled.signedDistance(K3MVECTOR3D(0, -3, 0)));
     K3MPLANE copy;
     copy = scaled;
-    planeValues(K3MPLANE(copy), v);
-    EXPECT_COMPONENTS(v, 0, 2, 0, 1);
+    EXPECT_COMPONENTS(values(K3MPLANE(copy)).data(), 0, 2, 0, 1);
 
     // Through (0,0,1), (1,0,1), (0,1,1): counter-clockwise from +z, so z - 1 = 0.
     K3MPLANE floor(K3MVECTOR3D(0, 0, 1), K3MVECTOR3D(1, 0, 1), K3MVECTOR3D(0, 1, 1));
-    planeValues(floor, v);
-    EXPECT_COMPONENTS(v, 0, 0, 1, -1);
+    EXPECT_COMPONENTS(values(floor).data(), 0, 0, 1, -1);
     EXPECT_EQ(2.0f, floor.distance(K3MVECTOR3D(5, 5, 3)));
     EXPECT_EQ(-1.5f, floor.signedDistance(K3MVECTOR3D(-2, 7, -0.5f)));
 
     // Through the three unit points: normal (1,1,1)/sqrt(3), d = -1/sqrt(3).
     K3MPLANE slanted(K3MVECTOR3D(1, 0, 0), K3MVECTOR3D(0, 1, 0), K3MVECTOR3D(0, 0, 1));
     const double k = 1 / std::sqrt(3.0);
-    planeValues(slanted, v);
-    EXPECT_COMPONENTS_NEAR(1e-7, v, k, k, k, -k);
+    EXPECT_COMPONENTS_NEAR(1e-7, values(slanted).data(), k, k, k, -k);
     EXPECT_NEAR(-1 / std::sqrt(3.0), slanted.distance(K3MVECTOR3D(0, 0, 0)), 1e-7);
     // Reversed winding flips the normal.
-    planeValues(K3MPLANE(K3MVECTOR3D(0, 0, 1), K3MVECTOR3D(0, 1, 0), K3MVECTOR3D(1, 0, 0)), v);
-    EXPECT_COMPONENTS_NEAR(1e-7, v, -k, -k, -k, k);
+    K3MPLANE reversed(K3MVECTOR3D(0, 0, 1), K3MVECTOR3D(0, 1, 0), K3MVECTOR3D(1, 0, 0));
+    EXPECT_COMPONENTS_NEAR(1e-7, values(reversed).data(), -k, -k, -k, k);
 
     // Collinear points: the zero normal stays zero, d = 0.
-    planeValues(K3MPLANE(K3MVECTOR3D(1, 1, 1), K3MVECTOR3D(2, 2, 2), K3MVECTOR3D(4, 4, 4)), v);
-    EXPECT_COMPONENTS(v, 0, 0, 0, 0);
+    K3MPLANE collinear(K3MVECTOR3D(1, 1, 1), K3MVECTOR3D(2, 2, 2), K3MVECTOR3D(4, 4, 4));
+    EXPECT_COMPONENTS(values(collinear).data(), 0, 0, 0, 0);
 }
 
 TEST(Plane, FrontFacing)

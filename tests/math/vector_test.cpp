@@ -6,6 +6,8 @@
 
 #include <cmath>
 
+using mathtest::PI;
+
 TEST(Vector, DefaultsAndConversions)
 {
     EXPECT_COMPONENTS(K3MVECTOR2D(), 0, 0);
@@ -141,8 +143,6 @@ TEST(Vector, DotCrossAndLength)
 
     // (1,2,3) x (4,5,6) = (2*6 - 3*5, 3*4 - 1*6, 1*5 - 2*4).
     EXPECT_COMPONENTS(K3MVECTOR3D(1, 2, 3) ^ K3MVECTOR3D(4, 5, 6), -3, 6, -3);
-    EXPECT_COMPONENTS(K3MVECTOR3D(1, 0, 0) ^ K3MVECTOR3D(0, 1, 0), 0, 0, 1);
-    EXPECT_COMPONENTS(K3MVECTOR3D(0, 1, 0) ^ K3MVECTOR3D(1, 0, 0), 0, 0, -1);
 
     EXPECT_EQ(5.0f, K3MVECTOR2D(3, 4).length());
     EXPECT_EQ(13.0f, K3MVECTOR3D(3, 4, 12).length());
@@ -182,11 +182,10 @@ TEST(Vector, NormalizeAndSetLength)
 
 TEST(Vector, AngleDistanceAndLerp)
 {
-    const double pi = std::acos(-1.0);
-    EXPECT_NEAR(pi / 2, K3MVECTOR3D(1, 0, 0).angle(K3MVECTOR3D(0, 5, 0)), 1e-6);
-    EXPECT_NEAR(pi, K3MVECTOR2D(2, 0).angle(K3MVECTOR2D(-3, 0)), 1e-6);
-    EXPECT_NEAR(pi / 4, K3MVECTOR2D(1, 0).angle(K3MVECTOR2D(1, 1)), 1e-6);
-    EXPECT_NEAR(pi / 3, K3MVECTOR4D(1, 0, 0, 0).angle(K3MVECTOR4D(1.0, 0.0, 0.0, std::sqrt(3.0))), 1e-6);
+    EXPECT_NEAR(PI / 2, K3MVECTOR3D(1, 0, 0).angle(K3MVECTOR3D(0, 5, 0)), 1e-6);
+    EXPECT_NEAR(PI, K3MVECTOR2D(2, 0).angle(K3MVECTOR2D(-3, 0)), 1e-6);
+    EXPECT_NEAR(PI / 4, K3MVECTOR2D(1, 0).angle(K3MVECTOR2D(1, 1)), 1e-6);
+    EXPECT_NEAR(PI / 3, K3MVECTOR4D(1, 0, 0, 0).angle(K3MVECTOR4D(1.0, 0.0, 0.0, std::sqrt(3.0))), 1e-6);
     // A zero-length operand would give NaN: 0 instead.
     EXPECT_EQ(0.0, K3MVECTOR3D(0, 0, 0).angle(K3MVECTOR3D(1, 2, 3)));
     EXPECT_EQ(0.0, K3MVECTOR4D(1, 2, 3, 4).angle(K3MVECTOR4D(0, 0, 0, 0)));
