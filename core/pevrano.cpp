@@ -199,6 +199,7 @@ bool PEVRANO::free()
     PVELEMENT::free();
     PVSHADER::free();
     PVOPENGL::free();
+    PVLIGHT::forgetLighting();
     PVSETTINGS::free();
 
     SDL_Quit();

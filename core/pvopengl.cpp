@@ -245,9 +245,26 @@ bool PVOPENGL::free()
     if (!active)
         return false;
     kvfLog("   Release OpenGL...\n");
+    forgetSwitches();
     kvfLog("   OpenGL released\n");
     active = false;
     return true;
+}
+
+// The switches mirror the context being released; the next one starts with
+// every capability and client array off, so the next start-up must find them
+// off too and turn on again what it needs.
+void PVOPENGL::forgetSwitches()
+{
+    blending = false;
+    scissor = false;
+    culling = false;
+    twoSide = false;
+    vertexArrayStatus = false;
+    indexArrayStatus = false;
+    normalArrayStatus = false;
+    colorArrayStatus = false;
+    textureArrayStatus = false;
 }
 
 bool PVOPENGL::isActive() { return active; }

@@ -92,6 +92,7 @@ private:
     static bool isActive();
 
     static void logExtensions();
+    static void forgetSwitches();
 
     static bool active;
     static float nearPlane;

@@ -72,6 +72,8 @@ void PVLIGHT::lightingOff()
 
 bool PVLIGHT::getLighting() { return lighting; }
 
+void PVLIGHT::forgetLighting() { lighting = false; }
+
 bool PVLIGHT::activateNearest(PVELEMENT* element)
 {
     if (element == nullptr) {

@@ -69,6 +69,12 @@ public:
     float getShadowFarPlane();
 
 private:
+    friend class PEVRANO;
+
+    // The GL context goes away at shut-down, and lighting with it: the next
+    // context starts with lighting off.
+    static void forgetLighting();
+
     void copyLightFields(const PVLIGHT& other);
     K3MVECTOR3D eyePosition();
     void aim();

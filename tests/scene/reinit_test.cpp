@@ -1,0 +1,189 @@
+// An engine freed and started again in the same process draws on a new GL
+// context, which starts with every capability and client array off. The
+// cached switches must describe that context, not the one released: the
+// second start-up issues the same GL calls and log as the first, every switch
+// reaches GL the first time it is turned on, and a lit quad comes out in the
+// colour the lighting equation gives, as it did the first time.
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "support/glrecorder.h"
+#include "support/quadnode.h"
+#include "support/scratch.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+const int windowWidth = 160;
+const int windowHeight = 120;
+// One level of a 5-bit channel is about 8 of 255; lighting adds rounding.
+const int colourTolerance = 9;
+
+struct Rgb {
+    double r, g, b;
+};
+
+// The scene: a white lit quad facing +z at the origin, a directional light
+// shining straight at it along -z, a camera on the z axis.
+const Rgb globalAmbient = {0.1, 0.1, 0.1};
+const Rgb lightAmbient = {0.1, 0.0, 0.05};
+const Rgb lightDiffuse = {0.3, 0.5, 0.2};
+
+// White material, no specular or emission, light along the normal (N.L = 1,
+// no attenuation for a directional light): global ambient + light ambient +
+// light diffuse, clamped to 1. Far from the white an unlit quad would show.
+Rgb expectedLitColour()
+{
+    auto channel = [](double g, double a, double d) { return std::min(1.0, g + a + d); };
+    return {channel(globalAmbient.r, lightAmbient.r, lightDiffuse.r),
+            channel(globalAmbient.g, lightAmbient.g, lightDiffuse.g),
+            channel(globalAmbient.b, lightAmbient.b, lightDiffuse.b)};
+}
+
+struct Switch {
+    void (*on)();
+    void (*off)();
+    std::string onCall;
+};
+
+// Every cached switch that a fresh context has off, with the call that turns
+// it on.
+const Switch switches[] = {
+    {PVOPENGL::blendingOn, PVOPENGL::blendingOff, "glEnable(GL_BLEND)"},
+    {PVOPENGL::scissorOn, PVOPENGL::scissorOff, "glEnable(GL_SCISSOR_TEST)"},
+    {PVOPENGL::twoSideOn, PVOPENGL::twoSideOff, "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)"},
+    {PVOPENGL::vertexArrayOn, PVOPENGL::vertexArrayOff, "glEnableClientState(GL_VERTEX_ARRAY)"},
+    {PVOPENGL::normalArrayOn, PVOPENGL::normalArrayOff, "glEnableClientState(GL_NORMAL_ARRAY)"},
+    {PVOPENGL::colorArrayOn, PVOPENGL::colorArrayOff, "glEnableClientState(GL_COLOR_ARRAY)"},
+    {PVOPENGL::textureArrayOn, PVOPENGL::textureArrayOff, "glEnableClientState(GL_TEXTURE_COORD_ARRAY)"},
+    {PVLIGHT::lightingOn, PVLIGHT::lightingOff, "glEnable(GL_LIGHTING)"}};
+
+class EngineStartedAgain : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        // Cases that drive the lighting switch without an engine may have
+        // left it on; this case starts from a process as it was loaded.
+        PVLIGHT::lightingOff();
+        // Stored now, applied by every start-up.
+        PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
+        PVOPENGL::setGlobalAmbientLight(float(globalAmbient.r), float(globalAmbient.g), float(globalAmbient.b),
+                                        1.0f);
+    }
+    void TearDown() override { PEVRANO::free(); }
+
+    // Starts the engine: the GL calls of the start-up go to startCalls and
+    // its log lines to startLog.
+    void start(Calls& startCalls, std::string& startLog)
+    {
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        const size_t logBefore = log.text().size();
+        recorder.start();
+        const bool started = PEVRANO::init(&settings);
+        recorder.stop();
+        ASSERT_TRUE(started) << log.text();
+        startCalls = recorder.calls();
+        startLog = log.text().substr(logBefore);
+    }
+
+    // Builds the scene (the engine's shut-down deletes every node), draws
+    // one 3D frame of it and reads the pixel at the quad's centre.
+    static Rgb drawLitQuad()
+    {
+        PVNODE* root = new PVNODE();
+        PVLIGHT* light = new PVLIGHT();
+        light->setLightType(PV_LIGHT_DIRECTIONAL);
+        light->setDirection(0.0f, 0.0f, -1.0f);
+        light->setAmbient(float(lightAmbient.r), float(lightAmbient.g), float(lightAmbient.b), 1.0f);
+        light->setDiffuse(float(lightDiffuse.r), float(lightDiffuse.g), float(lightDiffuse.b), 1.0f);
+        light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+        light->link(root);
+        pvtest::QuadNode* quad = new pvtest::QuadNode(2.0f);
+        quad->setLit(true);
+        quad->link(root);
+        PVCAMERA* camera = new PVCAMERA();
+        camera->setPosition(0.0f, 0.0f, 12.0f);
+
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin3D(camera);
+        root->pass(false);
+        PEVRANO::end3D(false);
+        // The camera looks at the quad's centre: the middle of the window.
+        GLubyte rgba[4] = {0, 0, 0, 0};
+        glReadPixels(windowWidth / 2, windowHeight / 2, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        return {rgba[0] / 255.0, rgba[1] / 255.0, rgba[2] / 255.0};
+    }
+
+    static void expectColour(Rgb expected, Rgb got, const std::string& what)
+    {
+        EXPECT_NEAR(expected.r * 255.0, got.r * 255.0, colourTolerance) << what << ", red";
+        EXPECT_NEAR(expected.g * 255.0, got.g * 255.0, colourTolerance) << what << ", green";
+        EXPECT_NEAR(expected.b * 255.0, got.b * 255.0, colourTolerance) << what << ", blue";
+    }
+
+    // A first engine that draws, leaves every cached switch on and shuts
+    // down; then the second start-up.
+    void startTwice()
+    {
+        ASSERT_NO_FATAL_FAILURE(start(firstCalls, firstLog));
+        firstColour = drawLitQuad();
+        for (const Switch& s : switches)
+            s.on();
+        ASSERT_TRUE(PEVRANO::free());
+        ASSERT_NO_FATAL_FAILURE(start(secondCalls, secondLog));
+    }
+
+    pvtest::ScratchDir scratch;
+    pvtest::LogCapture log;
+    pvtest::GlRecorder recorder;
+    Calls firstCalls, secondCalls;
+    std::string firstLog, secondLog;
+    Rgb firstColour = {0, 0, 0};
+};
+
+TEST_F(EngineStartedAgain, StartsUpWithTheSameCallsAndLogAndFreshSwitches)
+{
+    ASSERT_NO_FATAL_FAILURE(startTwice());
+    // The start-up turns culling on through its switch: both times.
+    EXPECT_EQ(1, std::count(firstCalls.begin(), firstCalls.end(), "glEnable(GL_CULL_FACE)"));
+    EXPECT_EQ(firstCalls, secondCalls);
+    EXPECT_NE("", firstLog);
+    EXPECT_EQ(firstLog, secondLog);
+
+    // Culling is the one switch on; each other one reaches GL at its first turn.
+    EXPECT_TRUE(PVOPENGL::isCulled());
+    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+    Calls expected;
+    recorder.start();
+    for (const Switch& s : switches) {
+        s.on();
+        expected.push_back(s.onCall);
+    }
+    recorder.stop();
+    EXPECT_EQ(expected, recorder.calls()) << recorder.text();
+    for (const Switch& s : switches)
+        s.off();
+}
+
+TEST_F(EngineStartedAgain, DrawsTheLitQuadInTheSameColour)
+{
+    ASSERT_NO_FATAL_FAILURE(startTwice());
+    const Rgb expected = expectedLitColour();
+    expectColour(expected, firstColour, "first engine");
+    const Rgb secondColour = drawLitQuad();
+    expectColour(expected, secondColour, "second engine");
+    expectColour(firstColour, secondColour, "second engine against the first");
+}
+
+}  // namespace
