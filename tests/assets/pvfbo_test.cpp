@@ -6,14 +6,13 @@
 #include <vector>
 
 #include "assets/pvfbo.h"
-#include "support/glcontext.h"
-#include "support/glrecorder.h"
-#include "support/scratch.h"
+#include "support/glfixture.h"
 #include "support/testaccess.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
+using pvtest::Calls;
+using FrameBuffers = pvtest::GlContextTest;
 
 // Frame buffers only hold texture pointers; the texture itself is never used.
 PVTEXTURE* someTexture()
@@ -21,16 +20,6 @@ PVTEXTURE* someTexture()
     static int storage;
     return reinterpret_cast<PVTEXTURE*>(&storage);
 }
-
-class FrameBuffers : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(context.ok()); }
-
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    pvtest::GlContext context;
-    pvtest::GlRecorder recorder;
-};
 
 TEST_F(FrameBuffers, RegistryNamesAndCleanUp)
 {
@@ -61,18 +50,17 @@ TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
 {
     PVFBO fbo;
     EXPECT_FALSE(fbo.isOk());
-    recorder.start();
-    EXPECT_FALSE(fbo.bindTexture(0, nullptr));
-    EXPECT_FALSE(fbo.bindTexture(0, someTexture()));
-    EXPECT_FALSE(fbo.bindRenderBuffer(0, 128, 64));
-    EXPECT_TRUE(fbo.render(nullptr));
-    PVFBO::unbind();
-    EXPECT_TRUE(fbo.blur(&fbo, nullptr, 2));
-    float luminance = 0.5f;
-    EXPECT_TRUE(fbo.computeLuminance(&luminance));
-    recorder.stop();
-
-    EXPECT_TRUE(recorder.calls().empty()) << recorder.text();
+    EXPECT_EQ(record([&fbo] {
+                  EXPECT_FALSE(fbo.bindTexture(0, nullptr));
+                  EXPECT_FALSE(fbo.bindTexture(0, someTexture()));
+                  EXPECT_FALSE(fbo.bindRenderBuffer(0, 128, 64));
+                  EXPECT_TRUE(fbo.render(nullptr));
+                  PVFBO::unbind();
+                  EXPECT_TRUE(fbo.blur(&fbo, nullptr, 2));
+                  float luminance = 0.5f;
+                  EXPECT_TRUE(fbo.computeLuminance(&luminance));
+              }),
+              Calls{});
     EXPECT_EQ(fbo.getTexture(), nullptr);
     EXPECT_EQ(fbo.getSizeX(), 0);
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
@@ -89,15 +77,15 @@ TEST_F(FrameBuffers, RenderSetsTheViewportOncePerBinding)
     EXPECT_EQ(fbo.getSizeX(), 128);
     EXPECT_EQ(fbo.getSizeY(), 64);
 
-    recorder.start();
-    fbo.render(nullptr);
-    fbo.render(nullptr);
-    PVFBO::unbind();
-    fbo.render(nullptr);
-    other.render(nullptr);
-    fbo.render(nullptr);
-    recorder.stop();
-    EXPECT_EQ(recorder.calls(), (Calls{"glViewport(0,0,128,64)", "glViewport(0,0,128,64)", "glViewport(0,0,32,16)",
+    EXPECT_EQ(record([&] {
+                  fbo.render(nullptr);
+                  fbo.render(nullptr);
+                  PVFBO::unbind();
+                  fbo.render(nullptr);
+                  other.render(nullptr);
+                  fbo.render(nullptr);
+              }),
+              (Calls{"glViewport(0,0,128,64)", "glViewport(0,0,128,64)", "glViewport(0,0,32,16)",
                                        "glViewport(0,0,128,64)"}));
 
     // A null texture is refused with the message even here.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "assets/pvshader.h"
-#include "support/scratch.h"
+#include "support/glfixture.h"
 #include "support/testaccess.h"
 
 namespace {
@@ -23,11 +23,8 @@ std::vector<PVSHADER*> registry()
     return shaders;
 }
 
-class Shaders : public ::testing::Test {
-protected:
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-};
+// A scratch directory and the log; no GL context is needed.
+using Shaders = pvtest::RecordingTest;
 
 TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
 {
@@ -86,8 +83,12 @@ TEST_F(Shaders, NewShaderIsEmptyAndNeverOperative)
     EXPECT_EQ(log.text(), "");
 }
 
+// Cleaning up an empty registry is silent.
 TEST_F(Shaders, RegistryAppendsAtTailAndUnlinks)
 {
+    EXPECT_FALSE(PVSHADER::cleanUp());
+    EXPECT_EQ(PVSHADER::getNumberOfShaders(), 0);
+    EXPECT_EQ(PVSHADER::findByName("[shader 1]"), nullptr);
     PVSHADER* a = new PVSHADER();
     PVSHADER* b = new PVSHADER();
     PVSHADER* c = new PVSHADER();
@@ -132,14 +133,6 @@ TEST_F(Shaders, FindByWholeNameAndById)
     PVSHADER::cleanUp();
 }
 
-TEST_F(Shaders, CleanUpOfAnEmptyRegistryIsSilent)
-{
-    EXPECT_FALSE(PVSHADER::cleanUp());
-    EXPECT_EQ(PVSHADER::getNumberOfShaders(), 0);
-    EXPECT_EQ(PVSHADER::findByName("[shader 1]"), nullptr);
-    EXPECT_EQ(log.text(), "");
-}
-
 TEST_F(Shaders, EnableDisableAndReset)
 {
     PVSHADER shader;
@@ -168,16 +161,11 @@ TEST_F(Shaders, EnableDisableAndReset)
 
 TEST_F(Shaders, NoProgrammablePipelineOnThisTarget)
 {
-    EXPECT_FALSE(PVSHADER::useSkinning());
-    EXPECT_FALSE(PVSHADER::usePPL());
-    EXPECT_FALSE(PVSHADER::useBloom());
-    EXPECT_FALSE(PVSHADER::useShadows());
-    EXPECT_FALSE(PVSHADER::usePassthrough());
-    EXPECT_FALSE(PVSHADER::useEmitter());
-    EXPECT_FALSE(PVSHADER::useDOF());
-    EXPECT_FALSE(PVSHADER::useSkydome());
-    EXPECT_FALSE(PVSHADER::useWater());
-    EXPECT_FALSE(PVSHADER::useTerrain());
+    int capability = 0;
+    for (bool (*use)() : {PVSHADER::useSkinning, PVSHADER::usePPL, PVSHADER::useBloom, PVSHADER::useShadows,
+                          PVSHADER::usePassthrough, PVSHADER::useEmitter, PVSHADER::useDOF, PVSHADER::useSkydome,
+                          PVSHADER::useWater, PVSHADER::useTerrain})
+        EXPECT_FALSE(use()) << "capability " << capability++;
     EXPECT_FALSE(PVTESTACCESS::shaderIsActive());
 
     PVSHADER shader;

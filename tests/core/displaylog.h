@@ -144,6 +144,31 @@ inline std::vector<LogLine> engineShutdownLines()
             exact("")};
 }
 
+// The whole log of a successful start-up: "Standard configuration used" when
+// no settings were given, then the request block, the display and the rest.
+inline std::vector<LogLine> initLines(bool standard = true,
+                                      const std::vector<LogLine>& request = defaultSettingsRequestLines())
+{
+    std::vector<LogLine> lines = engineStartLines();
+    if (standard)
+        lines.push_back(exact("   [!] Standard configuration used"));
+    append(lines, request);
+    append(lines, defaultDisplayLines());
+    append(lines, engineReadyLines());
+    return lines;
+}
+
+// The lines up to and including the first one expected to read last.
+inline std::vector<LogLine> upTo(std::vector<LogLine> lines, const std::string& last)
+{
+    for (size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].text == last) {
+            lines.resize(i + 1);
+            break;
+        }
+    return lines;
+}
+
 }  // namespace pvtest
 
 #endif

@@ -1,20 +1,20 @@
-// The frame on the real renderer: clearing, the frame stamp and timer, the
-// 2D projection, and colour picking read back at 16 and 24 bits.
+// The frame functions on the real renderer, in portrait and in landscape: the
+// GL calls of clearing, the 2D pass, the wireframe switch, the buffer swap and
+// picking, what they leave in the window, the frame stamp and the timer.
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
 #include <vector>
 
-#include "core/pevrano.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
-#include "core/pvsettings.h"
-#include "displaylog.h"
-#include "support/scratch.h"
+#include "enginefixture.h"
+#include "scene/pvlight.h"
 
 // Reaches the pixel-code read-back of the picking code.
 struct PEVRANOTESTACCESS {
@@ -23,45 +23,57 @@ struct PEVRANOTESTACCESS {
 
 namespace {
 
+using pvtest::Calls;
+using Frame = pvtest::EngineTest;
+
+// 16.16 fixed point of the 240 x 320 window's sides, and of 90.
+const std::string W = "15728640";
+const std::string H = "20971520";
+const std::string ninety = "5898240";
+
 struct Rgba {
-    int r, g, b, a;
+    int r, g, b;
 };
 
 Rgba pixelAt(int x, int y)
 {
     GLubyte p[4] = {0, 0, 0, 0};
     glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p);
-    return {p[0], p[1], p[2], p[3]};
+    return {p[0], p[1], p[2]};
 }
 
 // A 5-6-5 surface keeps 5 or 6 bits per channel: a few levels of tolerance.
-void expectColour(const Rgba& got, int r, int g, int b, int tolerance = 8)
+bool near(const Rgba& got, const Rgba& want)
 {
-    EXPECT_NEAR(got.r, r, tolerance);
-    EXPECT_NEAR(got.g, g, tolerance);
-    EXPECT_NEAR(got.b, b, tolerance);
+    return std::abs(got.r - want.r) <= 8 && std::abs(got.g - want.g) <= 8 && std::abs(got.b - want.b) <= 8;
 }
 
-// Starts the engine; off-screen the surface is 5-6-5 whatever depth is asked.
-class Frame : public ::testing::Test {
-protected:
-    void start(int colorDepth = 16, bool landscape = false)
-    {
-        PVSETTINGS settings;
-        settings.setColorDepth(colorDepth);
-        settings.setLandscape(landscape);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
-        if (!pvtest::onX11()) {
-            ASSERT_EQ(PVSETTINGS::getSDLColorDepth(), 16);
-        }
+void expectColour(int x, int y, const Rgba& want)
+{
+    const Rgba got = pixelAt(x, y);
+    EXPECT_TRUE(near(got, want)) << "(" << x << ", " << y << "): " << got.r << ", " << got.g << ", " << got.b;
+}
+
+// Every pixel of the 240 x 320 window has the colour, except the one at (x, y)
+// that has the other colour.
+void expectWindow(const Rgba& colour, int x = -1, int y = -1, const Rgba& other = {})
+{
+    std::vector<GLubyte> p(240 * 320 * 4);
+    glReadPixels(0, 0, 240, 320, GL_RGBA, GL_UNSIGNED_BYTE, p.data());
+    int wrong = 0;
+    for (int i = 0; i < 240 * 320; ++i) {
+        const Rgba want = (i == y * 240 + x) ? other : colour;
+        wrong += !near({p[4 * i], p[4 * i + 1], p[4 * i + 2]}, want);
     }
-    void TearDown() override { PEVRANO::free(); }
+    EXPECT_EQ(wrong, 0);
+}
 
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-};
+const Rgba red = {255, 0, 0};
+const Rgba blue = {0, 0, 255};
+const Rgba yellow = {255, 255, 0};
+const Rgba black = {0, 0, 0};
 
-// Draws an axis-aligned rectangle in the current (2D) projection.
+// Draws an axis-aligned red rectangle in the current (2D) projection.
 void drawRectangle(float left, float top, float right, float bottom)
 {
     const GLfixed v[] = {PV_floatToFixed(left),  PV_floatToFixed(top),    PV_floatToFixed(right),
@@ -74,68 +86,243 @@ void drawRectangle(float left, float top, float right, float bottom)
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
 }
 
+std::array<float, 16> shadowProjection()
+{
+    std::array<float, 16> shadow;
+    PV_glGetFloatv(PV_GL_PROJECTION_STACK, shadow.data());
+    return shadow;
+}
+
+// The shadow projection holds what GL holds (true of an orthographic one).
+void expectShadowProjectionIsGls()
+{
+    const std::array<float, 16> shadow = shadowProjection();
+    GLfloat gl[16];
+    glGetFloatv(GL_PROJECTION_MATRIX, gl);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(shadow[i], gl[i], 1e-5f) << "element " << i;
+}
+
+// Every cached switch that begin2D turns is first put in the other state, so
+// that each of them shows up in the recording.
+void setEveryTwoDSwitchTheOtherWay()
+{
+    PVLIGHT::lightingOn();
+    PVOPENGL::blendingOn();
+    PVOPENGL::twoSideOn();
+    PVOPENGL::vertexArrayOff();
+    PVOPENGL::normalArrayOn();
+    PVOPENGL::colorArrayOff();
+    PVOPENGL::textureArrayOff();
+}
+
+Calls begin2DCalls(bool landscape)
+{
+    Calls calls = {"glDisable(GL_LIGHTING)", "glDisable(GL_BLEND)", "glDisable(GL_CULL_FACE)",
+                   "glDisable(GL_DEPTH_TEST)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
+                   "glEnableClientState(GL_VERTEX_ARRAY)", "glDisableClientState(GL_NORMAL_ARRAY)",
+                   "glEnableClientState(GL_COLOR_ARRAY)", "glEnableClientState(GL_TEXTURE_COORD_ARRAY)",
+                   "glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glLoadIdentity()"};
+    if (landscape)
+        calls.push_back("glRotatex(" + ninety + ",0,0,65536)");
+    const std::string sides = landscape ? H + "," + W : W + "," + H;
+    calls.insert(calls.end(), {"glOrthox(0," + sides + ",0,-65536,65536)", "glMatrixMode(GL_MODELVIEW)",
+                               "glLoadIdentity()"});
+    return calls;
+}
+
+// The whole picking sequence at GL pixel (x, y) with a yellow background:
+// read, save both matrices, clear the pixel to code 0, draw, put the
+// background colour back, read, then a 2D projection and the restoring.
+Calls selectCalls(int x, int y)
+{
+    const std::string point = std::to_string(x) + "," + std::to_string(y) + ",1,1";
+    const std::string read = "glReadPixels(" + point + ",GL_RGBA,GL_UNSIGNED_BYTE)";
+    return {read,
+            "glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glMatrixMode(GL_MODELVIEW)", "glPushMatrix()",
+            "glClearColorx(0,0,0,0)", "glScissor(" + point + ")", "glEnable(GL_SCISSOR_TEST)",
+            "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)", "glDepthFunc(GL_LEQUAL)",
+            "glClearColorx(65536,65536,0,65536)", read,
+            "glDisable(GL_DEPTH_TEST)", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "glViewport(0,0,240,320)",
+            "glOrthox(0," + W + "," + H + ",0,-65536,65536)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
+            "glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glViewport(0,0,240,320)", "glMatrixMode(GL_MODELVIEW)",
+            "glPopMatrix()", "glDisable(GL_SCISSOR_TEST)", "glEnable(GL_DEPTH_TEST)", "glDepthFunc(GL_LESS)"};
+}
+
 }  // namespace
 
-TEST_F(Frame, ClearFillsTheWindowWithTheBackgroundColour)
+// Bloom and depth of field are on, but without the shader capability the
+// frame stays on the screen: nothing but one glClear per non-empty mask.
+TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
 {
     start();
+    PEVRANO::bloomingOn();
+    PEVRANO::DOFOn();
     PVOPENGL::setBackgroundColor(0.25f, 0.5f, 0.75f, 1.0f);
-    ASSERT_TRUE(PEVRANO::clear(true, true, false));
-    std::vector<GLubyte> pixels(240 * 320 * 4);
-    glReadPixels(0, 0, 240, 320, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    int wrong = 0;
-    for (size_t i = 0; i < pixels.size(); i += 4) {
-        if (std::abs(pixels[i] - 64) > 8 || std::abs(pixels[i + 1] - 128) > 8 || std::abs(pixels[i + 2] - 191) > 8)
-            ++wrong;
-    }
-    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, true, true)); }),
+              Calls{"glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)"});
+    expectWindow({64, 128, 191});
 
-    // Nothing to clear: the colour stays.
     PVOPENGL::setBackgroundColor(1.0f, 1.0f, 1.0f, 1.0f);
-    ASSERT_TRUE(PEVRANO::clear(false, false, false));
-    expectColour(pixelAt(120, 160), 64, 128, 191);
-    ASSERT_TRUE(PEVRANO::clear(false, true, true));
-    expectColour(pixelAt(0, 0), 64, 128, 191);
-    ASSERT_TRUE(PEVRANO::clear(true, false, false));
-    expectColour(pixelAt(239, 319), 255, 255, 255);
-    EXPECT_TRUE(PEVRANO::swap());
+    EXPECT_EQ(record([] {
+                  EXPECT_TRUE(PEVRANO::clear(false, false, false));
+                  EXPECT_TRUE(PEVRANO::clear(false, true, false));
+                  EXPECT_TRUE(PEVRANO::clear(false, false, true));
+              }),
+              (Calls{"glClear(GL_DEPTH_BUFFER_BIT)", "glClear(GL_STENCIL_BUFFER_BIT)"}));
+    expectWindow({64, 128, 191});
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, false, false)); }), Calls{"glClear(GL_COLOR_BUFFER_BIT)"});
+    expectWindow({255, 255, 255});
 }
 
-TEST_F(Frame, TimeStampStartsAt65536AndBegin3DAddsOne)
+// begin2D sets the interface state and a projection of one unit per pixel
+// from the top left; in landscape the interface turns by 90 degrees, so that
+// interface point (u, v) lands on window column v, GL row u. end2D gives the
+// 3D pass its projection, culling and depth test back.
+TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
 {
-    EXPECT_EQ(PEVRANO::getTimeStamp(), 65536);
-    start();
-    EXPECT_EQ(PEVRANO::getTimeStamp(), 65536);
-    ASSERT_TRUE(PEVRANO::begin3D(nullptr));
-    EXPECT_EQ(PEVRANO::getTimeStamp(), 65537);
-    EXPECT_TRUE(PEVRANO::end3D(true));
-    EXPECT_TRUE(PEVRANO::begin2D());
-    EXPECT_TRUE(PEVRANO::end2D());
-    EXPECT_EQ(PEVRANO::getTimeStamp(), 65537);
-    EXPECT_TRUE(PEVRANO::swap());
-    ASSERT_TRUE(PEVRANO::begin3D(nullptr));
-    EXPECT_TRUE(PEVRANO::end3D(false));
-    EXPECT_EQ(PEVRANO::getTimeStamp(), 65538);
+    struct Case {
+        bool landscape;
+        std::vector<std::pair<int, int>> redPixels, bluePixels;
+    };
+    // Rectangle (10, 20) - (30, 40); portrait GL rows are counted up: 319 - y.
+    const Case cases[] = {{false, {{20, 319 - 30}, {11, 319 - 21}}, {{8, 319 - 30}, {20, 319 - 42}, {20, 30}}},
+                          {true, {{30, 20}, {21, 11}}, {{20, 5}, {45, 20}}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.landscape ? "landscape" : "portrait");
+        start(c.landscape ? pvtest::landscapeSettings() : PVSETTINGS());
+        PVOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        setEveryTwoDSwitchTheOtherWay();
+        const std::array<float, 16> perspective = shadowProjection();
+        EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::begin2D()); }), begin2DCalls(c.landscape)) << recorder.text();
+        expectShadowProjectionIsGls();
+        drawRectangle(10, 20, 30, 40);
+        EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end2D()); }),
+                  (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
+                         "glEnable(GL_CULL_FACE)", "glEnable(GL_DEPTH_TEST)"}));
+        EXPECT_EQ(shadowProjection(), perspective);
+        for (const auto& [x, y] : c.redPixels)
+            expectColour(x, y, red);
+        for (const auto& [x, y] : c.bluePixels)
+            expectColour(x, y, blue);
+        PEVRANO::free();
+    }
 }
 
-// The first of updateTimer, begin3D and begin2D measures the frame; the others
-// in the same frame leave the measure alone until swap ends the frame.
-TEST_F(Frame, TimerIsAdjournedOncePerFrame)
+// Culling that was switched off stays off after the 2D pass.
+TEST_F(Frame, End2DLeavesCullingOffWhenTheSwitchIsOff)
+{
+    start();
+    PVOPENGL::cullingOff();
+    PEVRANO::begin2D();
+    EXPECT_EQ(record([] { PEVRANO::end2D(); }),
+              (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
+                     "glEnable(GL_DEPTH_TEST)"}));
+    EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
+}
+
+// Wireframe shows the back faces of the 3D pass; the 2D pass ends with
+// culling back on because the switch itself was never turned off.
+TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
+{
+    start();
+    // Depth of field has no shader capability here: no pre-pass either.
+    PEVRANO::DOFOn();
+    PEVRANO::begin3D(nullptr);
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end3D(false)); }), Calls{});
+    PEVRANO::DOFOff();
+
+    PEVRANO::wireframeOn();
+    for (bool swapNow : {false, true}) {
+        PEVRANO::begin3D(nullptr);
+        EXPECT_EQ(record([swapNow] { EXPECT_TRUE(PEVRANO::end3D(swapNow)); }), Calls{"glDisable(GL_CULL_FACE)"});
+    }
+    EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
+    EXPECT_TRUE(PVOPENGL::isCulled());
+
+    PEVRANO::begin2D();
+    PEVRANO::end2D();
+    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+}
+
+// The per-frame resets come before the camera loads its view.
+TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
+{
+    start();
+    PVOPENGL::blendingOn();
+    PVOPENGL::twoSideOn();
+    const Calls calls = record([] { EXPECT_TRUE(PEVRANO::begin3D(nullptr)); });
+    ASSERT_GT(calls.size(), 2u);
+    EXPECT_EQ(Calls(calls.begin(), calls.begin() + 2),
+              (Calls{"glDisable(GL_BLEND)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
+        << recorder.text();
+    EXPECT_EQ(recorder.count("glDisable"), 1u);
+    EXPECT_EQ(recorder.count("glLightModelx"), 1u);
+}
+
+TEST_F(Frame, SwapFlushesAndFinishesBeforeSwapping)
+{
+    start();
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::swap()); }), (Calls{"glFlush()", "glFinish()"}));
+}
+
+// Picking at window point (50, 100) clears only the pixel under it (to colour
+// code 0), reads it back and restores the rest. Portrait reads GL row
+// 320 - 100 = 220; landscape exchanges the axes: x' = 320 - 100 = 220,
+// y' = 50, GL row 320 - 50 = 270. The restored projection is the portrait one.
+TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
+{
+    struct Case {
+        bool landscape;
+        int x, y;
+    };
+    for (const Case& c : {Case{false, 50, 220}, Case{true, 220, 270}}) {
+        SCOPED_TRACE(c.landscape ? "landscape" : "portrait");
+        start(c.landscape ? pvtest::landscapeSettings() : PVSETTINGS());
+        PVOPENGL::setBackgroundColor(1.0f, 1.0f, 0.0f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin3D(nullptr);
+        PEVRANO::end3D(false);
+        unsigned int code = 1;
+        EXPECT_EQ(record([&code] { code = PEVRANO::select(50, 100); }), selectCalls(c.x, c.y)) << recorder.text();
+        EXPECT_EQ(code, 0u);
+        EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
+        EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+        expectWindow(yellow, c.x, c.y, black);
+        // The background colour is back for the next frame.
+        PEVRANO::clear(true, false, false);
+        expectColour(c.x, c.y, yellow);
+        PEVRANO::free();
+    }
+}
+
+// The frame stamp starts at 65536 and begin3D adds one; without an engine
+// timer the rates read -1. The first of updateTimer, begin3D and begin2D
+// measures the frame; the others in the same frame leave the measure alone
+// until swap ends the frame.
+TEST_F(Frame, Begin3DStampsTheFrameAndTheTimerIsAdjournedOncePerFrame)
 {
     using std::chrono::milliseconds;
+    EXPECT_EQ(PEVRANO::getTimeStamp(), 65536);
+    EXPECT_EQ(PEVRANO::getFPS(), -1.0f);
+    EXPECT_EQ(PEVRANO::getFPSfactor(), -1.0f);
     start();
+    EXPECT_EQ(PEVRANO::getTimeStamp(), 65536);
     std::this_thread::sleep_for(milliseconds(60));
     ASSERT_TRUE(PEVRANO::begin3D(nullptr));
+    EXPECT_EQ(PEVRANO::getTimeStamp(), 65537);
     const float first = PEVRANO::getFPSfactor();
     EXPECT_GE(first, 0.06f);
     EXPECT_NEAR(PEVRANO::getFPS(), 1.0f / first, 0.01f / first);
 
     std::this_thread::sleep_for(milliseconds(30));
-    PEVRANO::end3D(false);
-    PEVRANO::begin2D();
+    EXPECT_TRUE(PEVRANO::end3D(false));
+    EXPECT_TRUE(PEVRANO::begin2D());
     PEVRANO::updateTimer();
-    PEVRANO::end2D();
+    EXPECT_TRUE(PEVRANO::end2D());
     EXPECT_EQ(PEVRANO::getFPSfactor(), first);
+    EXPECT_EQ(PEVRANO::getTimeStamp(), 65537);
 
     ASSERT_TRUE(PEVRANO::swap());
     std::this_thread::sleep_for(milliseconds(20));
@@ -144,90 +331,10 @@ TEST_F(Frame, TimerIsAdjournedOncePerFrame)
     // From the first adjourn: 30 ms + 20 ms at least.
     EXPECT_GE(second, 0.05f);
     EXPECT_NE(second, first);
-    PEVRANO::begin3D(nullptr);
+    ASSERT_TRUE(PEVRANO::begin3D(nullptr));
     EXPECT_EQ(PEVRANO::getFPSfactor(), second);
-}
-
-TEST(FrameTimer, ReadsMinusOneWithoutAnEngineTimer)
-{
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    EXPECT_EQ(PEVRANO::getFPS(), -1.0f);
-    EXPECT_EQ(PEVRANO::getFPSfactor(), -1.0f);
-}
-
-// Screen y grows downwards and one unit is one pixel.
-TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
-{
-    start();
-    PVOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
-    PEVRANO::clear(true, true, false);
-    ASSERT_TRUE(PEVRANO::begin2D());
-    float projection[16];
-    PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
-    const float ortho[16] = {2.0f / 240, 0, 0, 0, 0, -2.0f / 320, 0, 0, 0, 0, -1, 0, -1, 1, 0, 1};
-    for (int i = 0; i < 16; ++i)
-        EXPECT_NEAR(projection[i], ortho[i], 1e-6f) << i;
-    drawRectangle(10, 20, 30, 40);
-    ASSERT_TRUE(PEVRANO::end2D());
-
-    // Window rows counted from the top: GL row = 320 - 1 - y.
-    expectColour(pixelAt(20, 319 - 30), 255, 0, 0);
-    expectColour(pixelAt(11, 319 - 21), 255, 0, 0);
-    expectColour(pixelAt(8, 319 - 30), 0, 0, 255);
-    expectColour(pixelAt(20, 319 - 42), 0, 0, 255);
-    expectColour(pixelAt(20, 30), 0, 0, 255);
-
-    // end2D puts the perspective of the viewport back.
-    float restored[16];
-    PV_glGetFloatv(PV_GL_PROJECTION_STACK, restored);
-    EXPECT_NE(restored[0], ortho[0]);
-}
-
-// In landscape the interface turns by 90 degrees: interface point (u, v)
-// lands on window column v, GL row u.
-TEST_F(Frame, Begin2DTurnsTheInterfaceInLandscape)
-{
-    start(16, true);
-    PVOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
-    PEVRANO::clear(true, true, false);
-    ASSERT_TRUE(PEVRANO::begin2D());
-    drawRectangle(10, 20, 30, 40);
-    ASSERT_TRUE(PEVRANO::end2D());
-    expectColour(pixelAt(30, 20), 255, 0, 0);
-    expectColour(pixelAt(21, 11), 255, 0, 0);
-    expectColour(pixelAt(20, 5), 0, 0, 255);
-    expectColour(pixelAt(45, 20), 0, 0, 255);
-}
-
-// Picking clears only the pixel under the point (to colour code 0) and reads
-// it back; the rest of the frame is untouched.
-TEST_F(Frame, SelectOnEmptyBackgroundReturnsZeroAndTouchesOnePixel)
-{
-    start();
-    PVOPENGL::setBackgroundColor(1.0f, 1.0f, 0.0f, 1.0f);
-    PEVRANO::clear(true, true, false);
-    PEVRANO::begin3D(nullptr);
-    PEVRANO::end3D(false);
-    EXPECT_EQ(PEVRANO::select(50, 100), 0u);
-    expectColour(pixelAt(50, 320 - 100), 0, 0, 0);
-    expectColour(pixelAt(51, 320 - 100), 255, 255, 0);
-    expectColour(pixelAt(50, 320 - 101), 255, 255, 0);
-    expectColour(pixelAt(50, 100), 255, 255, 0);
-    // The background colour is restored for the next frame.
-    PEVRANO::clear(true, false, false);
-    expectColour(pixelAt(50, 320 - 100), 255, 255, 0);
-}
-
-TEST_F(Frame, SelectInLandscapeExchangesTheAxes)
-{
-    start(16, true);
-    PVOPENGL::setBackgroundColor(1.0f, 1.0f, 0.0f, 1.0f);
-    PEVRANO::clear(true, true, false);
-    EXPECT_EQ(PEVRANO::select(50, 100), 0u);
-    // x' = 320 - 100 = 220, y' = 50: GL row 320 - 50.
-    expectColour(pixelAt(220, 270), 0, 0, 0);
-    expectColour(pixelAt(50, 220), 255, 255, 0);
+    EXPECT_TRUE(PEVRANO::end3D(true));
+    EXPECT_EQ(PEVRANO::getTimeStamp(), 65538);
 }
 
 // The code is the 5-6-5 packing of the pixel at 16 bits (off-screen), and
@@ -242,6 +349,7 @@ TEST_F(Frame, PixelCodeFollowsTheColourDepthInForce)
     const unsigned int code = PEVRANOTESTACCESS::readPixelCode(5, 5);
     switch (PVSETTINGS::getSDLColorDepth()) {
     case 16:
+        EXPECT_FALSE(pvtest::onX11());
         EXPECT_EQ(code, (31u << 11) | (21u << 5) | 10u);
         break;
     case 24:
@@ -250,17 +358,4 @@ TEST_F(Frame, PixelCodeFollowsTheColourDepthInForce)
     default:
         ADD_FAILURE() << "unexpected colour depth " << PVSETTINGS::getSDLColorDepth();
     }
-}
-
-// 24 bits: an X server's first configuration (the pbuffer's is 5-6-5).
-TEST_F(Frame, PixelCodeAt24BitsHasNoAlphaByte)
-{
-    if (!pvtest::onX11())
-        GTEST_SKIP() << "the off-screen surface is 5-6-5";
-    start(24);
-    ASSERT_EQ(PVSETTINGS::getSDLColorDepth(), 24);
-    PVOPENGL::setBackgroundColor(0x12 / 255.0f, 0x34 / 255.0f, 0x56 / 255.0f, 1.0f);
-    PEVRANO::clear(true, false, false);
-    EXPECT_EQ(PEVRANOTESTACCESS::readPixelCode(100, 200), 0x563412u);
-    EXPECT_EQ(PEVRANO::select(100, 120), 0u);
 }

@@ -5,13 +5,9 @@
 #include <string>
 
 #include "assets/pvshader.h"
-#include "core/pevrano.h"
 #include "core/pvopengl.h"
-#include "core/pvsettings.h"
-#include "displaylog.h"
+#include "enginefixture.h"
 #include "scene/pvelement.h"
-#include "support/glcontext.h"
-#include "support/scratch.h"
 #include "support/testaccess.h"
 
 using pvtest::exact;
@@ -19,124 +15,78 @@ using pvtest::LogLine;
 
 namespace {
 
-std::vector<LogLine> defaultInitLines()
-{
-    std::vector<LogLine> lines = pvtest::engineStartLines();
-    lines.push_back(exact("   [!] Standard configuration used"));
-    pvtest::append(lines, pvtest::defaultSettingsRequestLines());
-    pvtest::append(lines, pvtest::defaultDisplayLines());
-    pvtest::append(lines, pvtest::engineReadyLines());
-    return lines;
-}
-
-// The start of init up to the display, before the step that is made to fail.
-std::vector<LogLine> initLinesUpToTheDisplay()
-{
-    std::vector<LogLine> lines = pvtest::engineStartLines();
-    lines.push_back(exact("   [!] Standard configuration used"));
-    pvtest::append(lines, pvtest::defaultSettingsRequestLines());
-    return lines;
-}
-
-// init and free work again after a failed start-up.
-void expectEngineStartsAgain()
-{
-    EXPECT_FALSE(PEVRANO::isActive());
-    EXPECT_FALSE(PVSETTINGS::isActive());
-    ASSERT_TRUE(PEVRANO::init(nullptr));
-    EXPECT_TRUE(PEVRANO::free());
-}
+class Lifecycle : public pvtest::EngineTest {
+protected:
+    // After a failed start-up nothing is left active, and the engine starts
+    // again with the whole log of a start-up.
+    void expectEngineStartsAgain()
+    {
+        EXPECT_FALSE(PEVRANO::isActive());
+        EXPECT_FALSE(PVSETTINGS::isActive());
+        const size_t before = log.text().size();
+        ASSERT_TRUE(PEVRANO::init(nullptr));
+        pvtest::expectLog(log.text().substr(before), pvtest::initLines());
+        EXPECT_TRUE(PEVRANO::free());
+    }
+};
 
 }  // namespace
 
-TEST(Lifecycle, InitAndFreeLogEveryStepInOrder)
+// Stopping an engine that does not run writes nothing.
+TEST_F(Lifecycle, InitAndFreeLogEveryStepInOrder)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    ASSERT_FALSE(PEVRANO::isActive());
+    EXPECT_FALSE(PEVRANO::isActive());
+    EXPECT_FALSE(PEVRANO::free());
+    EXPECT_EQ(log.text(), "");
 
     ASSERT_TRUE(PEVRANO::init(nullptr)) << log.text();
     EXPECT_TRUE(PEVRANO::isActive());
     EXPECT_TRUE(PVSETTINGS::isActive());
-    pvtest::expectLog(log.text(), defaultInitLines());
+    pvtest::expectLog(log.text(), pvtest::initLines());
 
     const size_t initLength = log.text().size();
     ASSERT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PEVRANO::isActive());
     EXPECT_FALSE(PVSETTINGS::isActive());
+    EXPECT_FALSE(PEVRANO::free());
     pvtest::expectLog(log.text().substr(initLength), pvtest::engineShutdownLines());
 }
 
-TEST(Lifecycle, SecondInitWhileActiveIsRefusedWithOneLine)
+TEST_F(Lifecycle, SecondInitWhileActiveIsRefusedWithOneLine)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     ASSERT_TRUE(PEVRANO::init(nullptr));
     const size_t before = log.text().size();
-
     PVSETTINGS other;
     other.setWindowX(100);
     EXPECT_FALSE(PEVRANO::init(&other));
     EXPECT_EQ(log.text().substr(before), "   [!] PEVRANO already active\n");
     EXPECT_TRUE(PEVRANO::isActive());
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 240);
-    EXPECT_TRUE(PEVRANO::free());
-}
-
-TEST(Lifecycle, FreeWhenInactiveWritesNothing)
-{
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    EXPECT_FALSE(PEVRANO::free());
-    EXPECT_EQ(log.text(), "");
-
-    ASSERT_TRUE(PEVRANO::init(nullptr));
-    ASSERT_TRUE(PEVRANO::free());
-    const size_t before = log.text().size();
-    EXPECT_FALSE(PEVRANO::free());
-    EXPECT_EQ(log.text().size(), before);
 }
 
 // No surface offers 64 depth bits: the settings step fails after counting the
 // configurations, nothing is left active, and the engine can start again.
-TEST(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
+TEST_F(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     PVSETTINGS impossible;
     impossible.setZetaDepth(64);
     EXPECT_FALSE(PEVRANO::init(&impossible));
-    EXPECT_FALSE(PEVRANO::isActive());
-    EXPECT_FALSE(PVSETTINGS::isActive());
 
-    std::vector<LogLine> lines = pvtest::engineStartLines();
     std::vector<LogLine> request = pvtest::defaultSettingsRequestLines();
     request[3] = exact("          depth: 16, zeta: 64, stencil: 0");
-    pvtest::append(lines, request);
+    std::vector<LogLine> lines = pvtest::upTo(pvtest::initLines(false, request), "          Font path   : ''");
     pvtest::append(lines, {pvtest::like("      OpenGL ES [0-9]+\\.[0-9]+"),
                            exact("      Number of available configs: 0"),
                            exact("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init"),
                            exact("   [!] Unable to init settings @ PEVRANO::init")});
     pvtest::expectLog(log.text(), lines);
-
-    const size_t before = log.text().size();
-    ASSERT_TRUE(PEVRANO::init(nullptr));
-    std::vector<LogLine> retry = {exact("   SDL initialized"), exact("   Initialize Pevrano"), exact(""),
-                                  exact("   [!] Standard configuration used")};
-    pvtest::append(retry, pvtest::defaultSettingsRequestLines());
-    pvtest::append(retry, pvtest::defaultDisplayLines());
-    pvtest::append(retry, pvtest::engineReadyLines());
-    pvtest::expectLog(log.text().substr(before), retry);
-    EXPECT_TRUE(PEVRANO::isActive());
-    EXPECT_TRUE(PEVRANO::free());
+    expectEngineStartsAgain();
 }
 
 // The GL state class is already active: its step fails and only the settings,
 // started before it, are released.
-TEST(Lifecycle, FailingOpenGLStepReleasesTheSettings)
+TEST_F(Lifecycle, FailingOpenGLStepReleasesTheSettings)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     {
         pvtest::GlContext context;
         ASSERT_TRUE(context.ok());
@@ -145,10 +95,7 @@ TEST(Lifecycle, FailingOpenGLStepReleasesTheSettings)
     const size_t before = log.text().size();
     EXPECT_FALSE(PEVRANO::init(nullptr));
 
-    std::vector<LogLine> lines = initLinesUpToTheDisplay();
-    std::vector<LogLine> display = pvtest::defaultDisplayLines();
-    display.resize(display.size() - 7);  // up to "Settings initialized"
-    pvtest::append(lines, display);
+    std::vector<LogLine> lines = pvtest::upTo(pvtest::initLines(), "   Settings initialized");
     pvtest::append(lines, {exact("   [!] OpenGL already active @ PVOPENGL::init"),
                            exact("   [!] Unable to init OpenGL @ PEVRANO::init"), exact("   Release settings..."),
                            exact("   Settings released")});
@@ -160,16 +107,13 @@ TEST(Lifecycle, FailingOpenGLStepReleasesTheSettings)
 
 // The render list is already allocated: its step fails and the steps before
 // it are released last first (shaders, GL state, settings).
-TEST(Lifecycle, FailingRenderListStepReleasesTheEarlierStepsInReverse)
+TEST_F(Lifecycle, FailingRenderListStepReleasesTheEarlierStepsInReverse)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     ASSERT_TRUE(PVELEMENT::init(16));
     const size_t before = log.text().size();
     EXPECT_FALSE(PEVRANO::init(nullptr));
 
-    std::vector<LogLine> lines = initLinesUpToTheDisplay();
-    pvtest::append(lines, pvtest::defaultDisplayLines());
+    std::vector<LogLine> lines = pvtest::upTo(pvtest::initLines(), "   OpenGL initialized");
     pvtest::append(lines, {exact("   [!] Already active @ PVELEMENT::init"),
                            exact("   [!] Rendering elements failed to initialize @ PEVRANO::init"),
                            exact("   Release OpenGL..."), exact("   OpenGL released"),
@@ -183,12 +127,10 @@ TEST(Lifecycle, FailingRenderListStepReleasesTheEarlierStepsInReverse)
 
 // An X server refuses a full-screen mode larger than its screen (the
 // off-screen driver accepts every size, so there is nothing to refuse).
-TEST(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
+TEST_F(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
 {
     if (!pvtest::onX11())
         GTEST_SKIP() << "needs an X server";
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     PVSETTINGS tooLarge;
     tooLarge.setWindowX(8000);
     tooLarge.setWindowY(8000);
@@ -202,15 +144,11 @@ TEST(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
     ASSERT_GE(text.size(), tail.size());
     EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
     EXPECT_NE(text.find("          X: 8000, Y: 8000\n"), std::string::npos);
-    EXPECT_FALSE(PEVRANO::isActive());
-    EXPECT_TRUE(PEVRANO::init(nullptr));
-    EXPECT_TRUE(PEVRANO::free());
+    expectEngineStartsAgain();
 }
 
-TEST(Lifecycle, VideoMemoryBudgetIsSixteenMegabytesAndCountersWrap)
+TEST_F(Lifecycle, VideoMemoryBudgetIsSixteenMegabytesAndCountersWrap)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     EXPECT_EQ(PEVRANO::getVideoMemory(), 0u);
     ASSERT_TRUE(PEVRANO::init(nullptr));
     EXPECT_EQ(PEVRANO::getVideoMemory(), 16777216u);
@@ -235,47 +173,50 @@ TEST(Lifecycle, VideoMemoryBudgetIsSixteenMegabytesAndCountersWrap)
     PEVRANO::popVideoMemory(16777217u);
 }
 
-TEST(Lifecycle, EffectSwitchesKeepTheirValuesWithoutShaderCapabilities)
+// Shadows need the shader capability: that switch does not turn on.
+TEST_F(Lifecycle, EffectSwitchesKeepTheirValuesWithoutShaderCapabilities)
 {
-    EXPECT_FALSE(PEVRANO::isWireframed());
-    PEVRANO::wireframeOn();
-    EXPECT_TRUE(PEVRANO::isWireframed());
-    PEVRANO::wireframeOff();
-    EXPECT_FALSE(PEVRANO::isWireframed());
-
+    struct Switch {
+        const char* name;
+        void (*on)();
+        void (*off)();
+        bool (*isOn)();
+        bool turnsOn;
+    };
     ASSERT_FALSE(PVSHADER::useShadows());
-    PEVRANO::shadowingOn();
-    EXPECT_FALSE(PEVRANO::isShadowed());
-    PEVRANO::shadowingOff();
-    EXPECT_FALSE(PEVRANO::isShadowed());
-
-    EXPECT_FALSE(PEVRANO::isBlooming());
-    PEVRANO::bloomingOn();
-    EXPECT_TRUE(PEVRANO::isBlooming());
-    PEVRANO::bloomingOff();
-    EXPECT_FALSE(PEVRANO::isBlooming());
-    EXPECT_FLOAT_EQ(PEVRANO::getBloomingIntensity(), 1.0f);
-    PEVRANO::setBloomingIntensity(2.5f);
-    EXPECT_FLOAT_EQ(PEVRANO::getBloomingIntensity(), 2.5f);
-
-    EXPECT_FALSE(PEVRANO::isHDR());
-    PEVRANO::HDROn();
-    EXPECT_TRUE(PEVRANO::isHDR());
-    PEVRANO::HDROff();
-    EXPECT_FALSE(PEVRANO::isHDR());
-    EXPECT_FLOAT_EQ(PEVRANO::getHDRExposure(), 1.0f);
-    PEVRANO::setHDRExposure(0.25f);
-    EXPECT_FLOAT_EQ(PEVRANO::getHDRExposure(), 0.25f);
-
-    EXPECT_FLOAT_EQ(PEVRANO::getDOFFocus(), 1.0f);
-    EXPECT_FLOAT_EQ(PEVRANO::getDOFRange(), 2.0f);
-    PEVRANO::setDOFFocus(3.0f);
-    PEVRANO::setDOFRange(4.0f);
-    EXPECT_FLOAT_EQ(PEVRANO::getDOFFocus(), 3.0f);
-    EXPECT_FLOAT_EQ(PEVRANO::getDOFRange(), 4.0f);
+    const Switch switches[] = {
+        {"wireframe", PEVRANO::wireframeOn, PEVRANO::wireframeOff, PEVRANO::isWireframed, true},
+        {"shadows", PEVRANO::shadowingOn, PEVRANO::shadowingOff, PEVRANO::isShadowed, false},
+        {"bloom", PEVRANO::bloomingOn, PEVRANO::bloomingOff, PEVRANO::isBlooming, true},
+        {"HDR", PEVRANO::HDROn, PEVRANO::HDROff, PEVRANO::isHDR, true}};
+    for (const Switch& s : switches) {
+        SCOPED_TRACE(s.name);
+        EXPECT_FALSE(s.isOn());
+        s.on();
+        EXPECT_EQ(s.isOn(), s.turnsOn);
+        s.off();
+        EXPECT_FALSE(s.isOn());
+    }
+    struct Value {
+        const char* name;
+        void (*set)(float);
+        float (*get)();
+        float initial, changed;
+    };
+    const Value values[] = {
+        {"bloom intensity", PEVRANO::setBloomingIntensity, PEVRANO::getBloomingIntensity, 1, 2.5f},
+        {"HDR exposure", PEVRANO::setHDRExposure, PEVRANO::getHDRExposure, 1, 0.25f},
+        {"DOF focus", PEVRANO::setDOFFocus, PEVRANO::getDOFFocus, 1, 3},
+        {"DOF range", PEVRANO::setDOFRange, PEVRANO::getDOFRange, 2, 4}};
+    for (const Value& v : values) {
+        SCOPED_TRACE(v.name);
+        EXPECT_FLOAT_EQ(v.get(), v.initial);
+        v.set(v.changed);
+        EXPECT_FLOAT_EQ(v.get(), v.changed);
+    }
 }
 
-TEST(Lifecycle, PVEPathAndSkybox)
+TEST_F(Lifecycle, PVEPathAndSkyboxStartEmptyAndNullClearsThePath)
 {
     EXPECT_STREQ(PEVRANO::getPVEPath(), "");
     PEVRANO::setPVEPath("models/");
@@ -284,27 +225,4 @@ TEST(Lifecycle, PVEPathAndSkybox)
     EXPECT_STREQ(PEVRANO::getPVEPath(), "");
 
     EXPECT_EQ(PEVRANO::getSkybox(), nullptr);
-    PVNODE* fake = reinterpret_cast<PVNODE*>(0x10);
-    PEVRANO::setSkybox(fake);
-    EXPECT_EQ(PEVRANO::getSkybox(), fake);
-    PEVRANO::setSkybox(nullptr);
-    EXPECT_EQ(PEVRANO::getSkybox(), nullptr);
-}
-
-// The settings hand the scene-file folder to the engine during start-up.
-TEST(Lifecycle, SettingsHandThePVEPathOn)
-{
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    PVSETTINGS settings;
-    settings.setPVEPath("scenes/");
-    settings.setShaderPath("shaders/");
-    ASSERT_TRUE(PEVRANO::init(&settings));
-    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
-    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
-    const std::string text = log.text();
-    EXPECT_NE(text.find("          PVE path    : 'scenes/'\n          PVA path    : ''\n"
-                        "          Texture path: ''\n          Shader path : 'shaders/'\n"),
-              std::string::npos);
-    EXPECT_TRUE(PEVRANO::free());
 }

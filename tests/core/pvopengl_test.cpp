@@ -5,167 +5,108 @@
 #include <GLES/gl.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "core/pevrano.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
-#include "core/pvsettings.h"
-#include "support/glcontext.h"
-#include "support/glrecorder.h"
-#include "support/scratch.h"
+#include "enginefixture.h"
 #include "support/testaccess.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
-class OpenGlState : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(context.ok()); }
-
-    // Calls GL received while action ran.
-    template <typename Action>
-    Calls record(Action action)
-    {
-        recorder.start();
-        action();
-        recorder.stop();
-        return recorder.calls();
-    }
-
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    pvtest::GlContext context;
-    pvtest::GlRecorder recorder;
-};
+using pvtest::Calls;
+using OpenGlState = pvtest::GlContextTest;
 
 std::string glText(GLenum which)
 {
     return reinterpret_cast<const char*>(glGetString(which));
 }
 
-TEST_F(OpenGlState, CapabilitySwitchesCallGlOnlyOnChange)
-{
-    Calls calls = record([] {
-        PVOPENGL::blendingOn();
-        PVOPENGL::blendingOn();
-        PVOPENGL::cullingOn();
-        PVOPENGL::cullingOn();
-        PVOPENGL::scissorOn();
-        PVOPENGL::scissorOn();
-        PVOPENGL::twoSideOn();
-        PVOPENGL::twoSideOn();
-    });
-    EXPECT_EQ(calls, (Calls{"glEnable(GL_BLEND)", "glEnable(GL_CULL_FACE)", "glEnable(GL_SCISSOR_TEST)",
-                            "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)"}));
-    EXPECT_TRUE(PVOPENGL::isBlended());
-    EXPECT_TRUE(PVOPENGL::isCulled());
-    EXPECT_TRUE(PVOPENGL::isTwoSide());
-    EXPECT_TRUE(glIsEnabled(GL_BLEND));
-    EXPECT_TRUE(glIsEnabled(GL_SCISSOR_TEST));
+struct Switch {
+    const char* name;
+    void (*on)();
+    void (*off)();
+    bool (*isOn)();     // null: no query
+    GLenum capability;  // 0: not a GL capability
+    std::string onCall, offCall;
+};
 
-    calls = record([] {
-        PVOPENGL::blendingOff();
-        PVOPENGL::blendingOff();
-        PVOPENGL::cullingOff();
-        PVOPENGL::cullingOff();
-        PVOPENGL::scissorOff();
-        PVOPENGL::scissorOff();
-        PVOPENGL::twoSideOff();
-        PVOPENGL::twoSideOff();
-    });
-    EXPECT_EQ(calls, (Calls{"glDisable(GL_BLEND)", "glDisable(GL_CULL_FACE)", "glDisable(GL_SCISSOR_TEST)",
-                            "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}));
-    EXPECT_FALSE(PVOPENGL::isBlended());
-    EXPECT_FALSE(PVOPENGL::isCulled());
-    EXPECT_FALSE(PVOPENGL::isTwoSide());
-    EXPECT_FALSE(glIsEnabled(GL_BLEND));
-}
+const Switch switches[] = {
+    {"blending", PVOPENGL::blendingOn, PVOPENGL::blendingOff, PVOPENGL::isBlended, GL_BLEND, "glEnable(GL_BLEND)",
+     "glDisable(GL_BLEND)"},
+    {"culling", PVOPENGL::cullingOn, PVOPENGL::cullingOff, PVOPENGL::isCulled, GL_CULL_FACE,
+     "glEnable(GL_CULL_FACE)", "glDisable(GL_CULL_FACE)"},
+    {"scissor", PVOPENGL::scissorOn, PVOPENGL::scissorOff, nullptr, GL_SCISSOR_TEST, "glEnable(GL_SCISSOR_TEST)",
+     "glDisable(GL_SCISSOR_TEST)"},
+    {"two-side", PVOPENGL::twoSideOn, PVOPENGL::twoSideOff, PVOPENGL::isTwoSide, 0,
+     "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"},
+    {"vertex array", PVOPENGL::vertexArrayOn, PVOPENGL::vertexArrayOff, nullptr, GL_VERTEX_ARRAY,
+     "glEnableClientState(GL_VERTEX_ARRAY)", "glDisableClientState(GL_VERTEX_ARRAY)"},
+    {"normal array", PVOPENGL::normalArrayOn, PVOPENGL::normalArrayOff, nullptr, GL_NORMAL_ARRAY,
+     "glEnableClientState(GL_NORMAL_ARRAY)", "glDisableClientState(GL_NORMAL_ARRAY)"},
+    {"colour array", PVOPENGL::colorArrayOn, PVOPENGL::colorArrayOff, nullptr, GL_COLOR_ARRAY,
+     "glEnableClientState(GL_COLOR_ARRAY)", "glDisableClientState(GL_COLOR_ARRAY)"},
+    {"texture array", PVOPENGL::textureArrayOn, PVOPENGL::textureArrayOff, nullptr, GL_TEXTURE_COORD_ARRAY,
+     "glEnableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisableClientState(GL_TEXTURE_COORD_ARRAY)"}};
 
-TEST_F(OpenGlState, SwitchesStartOffSoTurningOffCostsNothing)
+void expectSwitches(bool on)
 {
-    Calls calls = record([] {
-        PVOPENGL::blendingOff();
-        PVOPENGL::cullingOff();
-        PVOPENGL::scissorOff();
-        PVOPENGL::twoSideOff();
-        PVOPENGL::vertexArrayOff();
-        PVOPENGL::normalArrayOff();
-        PVOPENGL::colorArrayOff();
-        PVOPENGL::textureArrayOff();
-    });
-    EXPECT_TRUE(calls.empty()) << recorder.text();
-}
-
-TEST_F(OpenGlState, ClientArraySwitchesAreCached)
-{
-    Calls calls = record([] {
-        for (int i = 0; i < 2; i++) {
-            PVOPENGL::vertexArrayOn();
-            PVOPENGL::normalArrayOn();
-            PVOPENGL::colorArrayOn();
-            PVOPENGL::textureArrayOn();
+    for (const Switch& s : switches) {
+        if (s.isOn) {
+            EXPECT_EQ(s.isOn(), on) << s.name;
         }
-        for (int i = 0; i < 2; i++) {
-            PVOPENGL::vertexArrayOff();
-            PVOPENGL::normalArrayOff();
-            PVOPENGL::colorArrayOff();
-            PVOPENGL::textureArrayOff();
+        if (s.capability) {
+            EXPECT_EQ(bool(glIsEnabled(s.capability)), on) << s.name;
         }
-        PVOPENGL::colorArrayOn();
-    });
-    EXPECT_EQ(calls, (Calls{"glEnableClientState(GL_VERTEX_ARRAY)", "glEnableClientState(GL_NORMAL_ARRAY)",
-                            "glEnableClientState(GL_COLOR_ARRAY)", "glEnableClientState(GL_TEXTURE_COORD_ARRAY)",
-                            "glDisableClientState(GL_VERTEX_ARRAY)", "glDisableClientState(GL_NORMAL_ARRAY)",
-                            "glDisableClientState(GL_COLOR_ARRAY)",
-                            "glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
-                            "glEnableClientState(GL_COLOR_ARRAY)"}));
-    EXPECT_TRUE(glIsEnabled(GL_COLOR_ARRAY));
-    EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
+    }
 }
 
-TEST_F(OpenGlState, InitLogsDriverAndExtensionsAndFreeLogsRelease)
+// Every switch starts off, and each one is turned twice in a row: only the
+// first turn reaches GL, and no switch turns another.
+TEST_F(OpenGlState, SwitchesStartOffAndCallGlOnlyOnChange)
 {
-    std::string expected = "   Init OpenGL...\n      Vendor    : " + glText(GL_VENDOR) +
-                           "\n      Renderer  : " + glText(GL_RENDERER) + "\n      Version   : " +
-                           glText(GL_VERSION) + "\n      Extensions: " + glText(GL_EXTENSIONS) +
-                           "\n\n   OpenGL initialized\n";
-    ASSERT_TRUE(PVTESTACCESS::openglInit());
-    EXPECT_TRUE(PVTESTACCESS::openglIsActive());
-    EXPECT_EQ(log.text(), expected);
-
-    EXPECT_FALSE(PVTESTACCESS::openglInit());
-    expected += "   [!] OpenGL already active @ PVOPENGL::init\n";
-    EXPECT_EQ(log.text(), expected);
-
-    EXPECT_TRUE(PVTESTACCESS::openglFree());
-    EXPECT_FALSE(PVTESTACCESS::openglIsActive());
-    EXPECT_FALSE(PVTESTACCESS::openglFree());
-    EXPECT_EQ(log.text(), expected + "   Release OpenGL...\n   OpenGL released\n");
+    Calls ons, offs;
+    for (const Switch& s : switches) {
+        ons.push_back(s.onCall);
+        offs.push_back(s.offCall);
+    }
+    EXPECT_EQ(record([] {
+                  for (const Switch& s : switches)
+                      s.off();
+              }),
+              Calls{});
+    EXPECT_EQ(record([] {
+                  for (const Switch& s : switches) {
+                      s.on();
+                      s.on();
+                  }
+              }),
+              ons);
+    expectSwitches(true);
+    EXPECT_EQ(record([] {
+                  for (const Switch& s : switches) {
+                      s.off();
+                      s.off();
+                  }
+              }),
+              offs);
+    expectSwitches(false);
 }
 
-TEST_F(OpenGlState, InitSetsTheEngineDefaultsInGl)
+TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
 {
     PVOPENGL::setBackgroundColor(0.5f, 0.25f, 0.0f, 1.0f);
     recorder.start();
     ASSERT_TRUE(PVTESTACCESS::openglInit());
     recorder.stop();
+    EXPECT_TRUE(PVTESTACCESS::openglIsActive());
 
-    Calls expected = {"glClearColorx(32768,16384,0,65536)",
-                      "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{0,0,0,65536})",
-                      "glClearDepthx(65536)",
-                      "glClearStencil(0)",
-                      "glDepthFunc(GL_LESS)",
-                      "glEnable(GL_DEPTH_TEST)",
-                      "glShadeModel(GL_SMOOTH)",
-                      "glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST)",
-                      "glDisable(GL_DITHER)",
-                      "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)",
-                      "glAlphaFuncx(GL_GEQUAL,32768)",
-                      "glEnable(GL_CULL_FACE)"};
+    Calls expected = {"glClearColorx(32768,16384,0,65536)", "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{0,0,0,65536})",
+                      "glClearDepthx(65536)", "glClearStencil(0)", "glDepthFunc(GL_LESS)", "glEnable(GL_DEPTH_TEST)",
+                      "glShadeModel(GL_SMOOTH)", "glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST)",
+                      "glDisable(GL_DITHER)", "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)",
+                      "glAlphaFuncx(GL_GEQUAL,32768)", "glEnable(GL_CULL_FACE)"};
     for (const char* light : {"GL_LIGHT0", "GL_LIGHT1", "GL_LIGHT2", "GL_LIGHT3"}) {
         const std::string prefix = std::string("glLightx(") + light + ",";
         expected.push_back(prefix + "GL_SPOT_EXPONENT,0)");
@@ -179,34 +120,42 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsInGl)
         if (pvtest::GlRecorder::functionOf(call) != "glGetString")
             withoutQueries.push_back(call);
     EXPECT_EQ(withoutQueries, expected);
-    EXPECT_TRUE(PVOPENGL::isCulled());
     EXPECT_EQ(recorder.count("glGetString"), 4u);
+    EXPECT_TRUE(PVOPENGL::isCulled());
+
+    std::string expectedLog = "   Init OpenGL...\n      Vendor    : " + glText(GL_VENDOR) +
+                              "\n      Renderer  : " + glText(GL_RENDERER) + "\n      Version   : " +
+                              glText(GL_VERSION) + "\n      Extensions: " + glText(GL_EXTENSIONS) +
+                              "\n\n   OpenGL initialized\n   [!] OpenGL already active @ PVOPENGL::init\n";
+    EXPECT_FALSE(PVTESTACCESS::openglInit());
+    EXPECT_EQ(log.text(), expectedLog);
+
+    EXPECT_TRUE(PVTESTACCESS::openglFree());
+    EXPECT_FALSE(PVTESTACCESS::openglIsActive());
+    EXPECT_FALSE(PVTESTACCESS::openglFree());
+    EXPECT_EQ(log.text(), expectedLog + "   Release OpenGL...\n   OpenGL released\n");
 }
 
-TEST_F(OpenGlState, BackgroundColourClearsTheSurface)
+void expectBytes(uint32_t pixel, int r, int g, int b)
 {
-    PVOPENGL::setBackgroundColor(1.0f, 0.5f, 0.25f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
-    uint32_t pixel = context.readPixel(10, 20);
-    // 5-6-5 surface: a few levels of quantisation per channel.
-    EXPECT_NEAR(int(pixel & 0xFF), 255, 8);
-    EXPECT_NEAR(int((pixel >> 8) & 0xFF), 128, 5);
-    EXPECT_NEAR(int((pixel >> 16) & 0xFF), 64, 8);
-
-    K3MVECTOR4D stored = PVOPENGL::getBackgroundColor();
-    EXPECT_EQ(stored, K3MVECTOR4D(1.0f, 0.5f, 0.25f, 1.0f));
+    EXPECT_NEAR(int(pixel & 0xFF), r, 1);
+    EXPECT_NEAR(int((pixel >> 8) & 0xFF), g, 1);
+    EXPECT_NEAR(int((pixel >> 16) & 0xFF), b, 1);
 }
 
-TEST(OpenGlColour, BackgroundColourOnEightBitChannels)
+// Both setters store the colour and clear an 8-bit-per-channel surface with it.
+TEST(OpenGlColour, BackgroundColourIsStoredAndClearsTheSurface)
 {
     pvtest::GlContext context(32, 32, pvtest::GlContext::RGB888);
     ASSERT_TRUE(context.ok());
-    PVOPENGL::setBackgroundColor(K3MVECTOR4D(0.2f, 0.6f, 1.0f, 1.0f));
+    PVOPENGL::setBackgroundColor(1.0f, 0.5f, 0.25f, 1.0f);
+    EXPECT_EQ(PVOPENGL::getBackgroundColor(), K3MVECTOR4D(1.0f, 0.5f, 0.25f, 1.0f));
     glClear(GL_COLOR_BUFFER_BIT);
-    uint32_t pixel = context.readPixel(31, 31);
-    EXPECT_NEAR(int(pixel & 0xFF), 51, 1);
-    EXPECT_NEAR(int((pixel >> 8) & 0xFF), 153, 1);
-    EXPECT_NEAR(int((pixel >> 16) & 0xFF), 255, 1);
+    expectBytes(context.readPixel(10, 20), 255, 128, 64);  // 127.5 and 63.75 rounded either way
+    PVOPENGL::setBackgroundColor(K3MVECTOR4D(0.2f, 0.6f, 1.0f, 1.0f));
+    EXPECT_EQ(PVOPENGL::getBackgroundColor(), K3MVECTOR4D(0.2f, 0.6f, 1.0f, 1.0f));
+    glClear(GL_COLOR_BUFFER_BIT);
+    expectBytes(context.readPixel(31, 31), 51, 153, 255);
 }
 
 TEST_F(OpenGlState, GlobalAmbientLightIsStoredAndApplied)
@@ -220,14 +169,6 @@ TEST_F(OpenGlState, GlobalAmbientLightIsStoredAndApplied)
     EXPECT_FLOAT_EQ(ambient[3], 0.75f);
 }
 
-// Fixed-point arguments of the one glFrustumx call in calls.
-std::vector<long long> frustumArguments(const pvtest::GlRecorder& recorder)
-{
-    Calls frustums = recorder.filter("glFrustumx");
-    EXPECT_EQ(frustums.size(), 1u) << recorder.text();
-    return frustums.empty() ? std::vector<long long>() : pvtest::GlRecorder::numbersOf(frustums[0]);
-}
-
 void expectFixedNear(const std::vector<long long>& actual, const std::vector<double>& expected)
 {
     ASSERT_EQ(actual.size(), expected.size());
@@ -235,21 +176,37 @@ void expectFixedNear(const std::vector<long long>& actual, const std::vector<dou
         EXPECT_NEAR(double(actual[i]), expected[i] * 65536.0, 1.5) << "argument " << i;
 }
 
-TEST_F(OpenGlState, ResizeSetsViewportAndPerspective)
+// The recorded calls of a resize: projection reset, viewport, the quarter
+// turn in landscape, the frustum (left, right, bottom, top, near, far to 1.5
+// fixed-point units), model-view reset.
+void expectResizeCalls(const pvtest::GlRecorder& recorder, const std::string& viewport,
+                       const std::vector<double>& frustum, bool landscape = false)
 {
-    const int windowY = PVSETTINGS::getSDLWindowY();
-    recorder.start();
-    EXPECT_TRUE(PVOPENGL::resize(4, 6, 64, 48));
-    recorder.stop();
-    EXPECT_EQ(recorder.filter({"glMatrixMode", "glLoadIdentity", "glViewport"}),
-              (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                     "glViewport(4," + std::to_string(windowY - 6 - 48) + ",64,48)", "glMatrixMode(GL_MODELVIEW)",
-                     "glLoadIdentity()"}));
-    EXPECT_EQ(pvtest::GlRecorder::functionOf(recorder.calls()[3]), "glFrustumx");
+    Calls calls = recorder.calls();
+    ASSERT_EQ(calls.size(), landscape ? 7u : 6u) << recorder.text();
+    const auto frustumCall = calls.end() - 3;
+    EXPECT_EQ(pvtest::GlRecorder::functionOf(*frustumCall), "glFrustumx");
+    expectFixedNear(pvtest::GlRecorder::numbersOf(*frustumCall), frustum);
+    calls.erase(frustumCall);
+    Calls expected = {"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", viewport};
+    if (landscape)
+        expected.push_back("glRotatex(5898240,0,0,65536)");  // 90 degrees about z
+    expected.insert(expected.end(), {"glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()"});
+    EXPECT_EQ(calls, expected);
+}
 
+TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngle)
+{
+    EXPECT_EQ(PVOPENGL::getNearPlane(), 1.0f);
+    EXPECT_EQ(PVOPENGL::getFarPlane(), 1024.0f);
+    EXPECT_EQ(PVOPENGL::getAngleOfView(), 45.0f);
+    // The viewport's y is counted from the bottom of the window.
+    const int windowY = PVSETTINGS::getSDLWindowY();
+    record([] { EXPECT_TRUE(PVOPENGL::resize(4, 6, 64, 48)); });
     // Vertical angle 45 degrees, near 1, far 1024, aspect 64/48.
-    double h = tan(22.5 * M_PI / 180.0), aspect = 64.0 / 48.0;
-    expectFixedNear(frustumArguments(recorder), {-h * aspect, h * aspect, -h, h, 1.0, 1024.0});
+    const double h = tan(22.5 * M_PI / 180.0), aspect = 64.0 / 48.0;
+    expectResizeCalls(recorder, "glViewport(4," + std::to_string(windowY - 6 - 48) + ",64,48)",
+                      {-h * aspect, h * aspect, -h, h, 1.0, 1024.0});
 
     // GL's perspective matrix: cot(half angle) / aspect and cot(half angle).
     GLfloat projection[16];
@@ -262,62 +219,40 @@ TEST_F(OpenGlState, ResizeSetsViewportAndPerspective)
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, modelView);
     for (int i = 0; i < 16; i++)
         EXPECT_EQ(modelView[i], i % 5 == 0 ? 1.0f : 0.0f) << i;
-    EXPECT_EQ(log.text(), "");
-}
 
-TEST_F(OpenGlState, ResizeUsesTheStoredPlanesAndAngle)
-{
-    EXPECT_EQ(PVOPENGL::getNearPlane(), 1.0f);
-    EXPECT_EQ(PVOPENGL::getFarPlane(), 1024.0f);
-    EXPECT_EQ(PVOPENGL::getAngleOfView(), 45.0f);
     PVOPENGL::setNearPlane(2.0f);
     PVOPENGL::setFarPlane(50.0f);
     PVOPENGL::setAngleOfView(90.0f);
-    recorder.start();
-    PVOPENGL::resize(0, 0, 100, 100);
-    recorder.stop();
+    record([] { PVOPENGL::resize(0, 0, 100, 100); });
     // tan(45 degrees) = 1, so h = near.
-    expectFixedNear(frustumArguments(recorder), {-2.0, 2.0, -2.0, 2.0, 2.0, 50.0});
-}
+    expectResizeCalls(recorder, "glViewport(0," + std::to_string(windowY - 100) + ",100,100)",
+                      {-2.0, 2.0, -2.0, 2.0, 2.0, 50.0});
+    EXPECT_EQ(log.text(), "");
 
-TEST_F(OpenGlState, ResizeWithEmptySizeWarnsAndCarriesOn)
-{
-    recorder.start();
-    EXPECT_TRUE(PVOPENGL::resize(0, 0, 0, 0));
-    recorder.stop();
+    // An empty size warns and carries on.
+    record([] { EXPECT_TRUE(PVOPENGL::resize(0, 0, 0, 0)); });
     EXPECT_EQ(log.text(), "   [!] invalid params @ PVOPENGL::resize\n");
-    EXPECT_EQ(recorder.filter("glViewport"),
-              (Calls{"glViewport(0," + std::to_string(PVSETTINGS::getSDLWindowY()) + ",0,0)"}));
+    EXPECT_EQ(recorder.filter("glViewport"), Calls{"glViewport(0," + std::to_string(windowY) + ",0,0)"});
     EXPECT_EQ(recorder.count("glFrustumx"), 1u);
 }
 
 // Landscape display: the projection is turned by 90 degrees about z before the
 // frustum, whose aspect is height / width.
-TEST(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
+using OpenGlLandscape = pvtest::EngineTest;
+
+TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    PVSETTINGS settings;
+    PVSETTINGS settings = pvtest::landscapeSettings();
     settings.setWindowX(160);
     settings.setWindowY(120);
-    settings.setLandscape(true);
-    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    start(settings);
     const size_t initLength = log.text().size();
 
-    pvtest::GlRecorder recorder;
-    recorder.start();
-    EXPECT_TRUE(PVOPENGL::resize(10, 20, 80, 40));
-    recorder.stop();
-    // Viewport y = 120 - 20 - 40; the rotation is 90 * 65536 about (0, 0, 65536).
-    Calls calls = recorder.calls();
-    ASSERT_EQ(calls.size(), 7u) << recorder.text();
-    EXPECT_EQ(pvtest::GlRecorder::functionOf(calls[4]), "glFrustumx");
-    calls.erase(calls.begin() + 4);
-    EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "glViewport(10,60,80,40)",
-                            "glRotatex(5898240,0,0,65536)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()"}));
-    // Aspect 40 / 80 with the default 45 degrees, near 1 and far 1024.
+    record([] { EXPECT_TRUE(PVOPENGL::resize(10, 20, 80, 40)); });
+    // Viewport y = 120 - 20 - 40; aspect 40 / 80 with the default 45 degrees,
+    // near 1 and far 1024.
     const double h = tan(22.5 * M_PI / 180.0);
-    expectFixedNear(frustumArguments(recorder), {-h * 0.5, h * 0.5, -h, h, 1.0, 1024.0});
+    expectResizeCalls(recorder, "glViewport(10,60,80,40)", {-h * 0.5, h * 0.5, -h, h, 1.0, 1024.0}, true);
 
     // Shadow: F * R with F = (2/(r-l), 2/(t-b) = 1/h on the diagonal, no
     // factor n) and R the quarter turn, so column 0 of R (0, 1) is scaled by
@@ -336,7 +271,6 @@ TEST(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
     EXPECT_NEAR(glProjection[4], -1 / h, 1e-3);
     EXPECT_NEAR(glProjection[5], 0.0, 1e-3);
     EXPECT_EQ(log.text().substr(initLength), "");
-    EXPECT_TRUE(PEVRANO::free());
 }
 
 TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)
@@ -347,9 +281,9 @@ TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)
     EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
                             "glFrustumx(-65536,65536,-32768,32768,65536,589824)", "glMatrixMode(GL_MODELVIEW)",
                             "glLoadIdentity()"}));
+    // Shadow frustum: 2/(r-l), 2/(t-b), -(f+n)/(f-n), -2fn/(f-n), -1 in element 14.
     float projection[16];
     PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
-    // Shadow frustum: 2/(r-l), 2/(t-b), -(f+n)/(f-n), -2fn/(f-n), -1 in element 14.
     EXPECT_FLOAT_EQ(projection[0], 1.0f);
     EXPECT_FLOAT_EQ(projection[5], 2.0f);
     EXPECT_FLOAT_EQ(projection[10], -1.25f);
@@ -367,12 +301,10 @@ TEST_F(OpenGlState, ProfilesAndCapabilitiesOfThisTarget)
     EXPECT_EQ(int(PVOPENGL::getProfile()), 3);
 
     ASSERT_TRUE(PVTESTACCESS::openglInit());
-    EXPECT_FALSE(PVOPENGL::useVBO());
-    EXPECT_FALSE(PVOPENGL::useAnisotropic());
-    EXPECT_FALSE(PVOPENGL::useFBO());
-    EXPECT_FALSE(PVOPENGL::useMultitexturing());
-    EXPECT_FALSE(PVOPENGL::useShaders());
-    EXPECT_FALSE(PVOPENGL::useOcclusionQuery());
+    int capability = 0;
+    for (bool (*use)() : {PVOPENGL::useVBO, PVOPENGL::useAnisotropic, PVOPENGL::useFBO,
+                          PVOPENGL::useMultitexturing, PVOPENGL::useShaders, PVOPENGL::useOcclusionQuery})
+        EXPECT_FALSE(use()) << "capability " << capability++;
     EXPECT_EQ(PVOPENGL::getAnisotropicLevel(), 0.0f);
     for (int slot : {-1, 0, 1, PV_OPENGL_FBO_SLOTS})
         EXPECT_EQ(PVOPENGL::getFbo(slot), nullptr) << slot;

@@ -4,13 +4,12 @@
 
 #include <GLES/gl.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
-#include "core/pevrano.h"
-#include "core/pvsettings.h"
-#include "displaylog.h"
-#include "support/scratch.h"
+#include "assets/pvshader.h"
+#include "enginefixture.h"
 
 namespace {
 
@@ -35,6 +34,10 @@ const std::string defaults =
     "title=Pevrano 3D Graphics Engine for Axim v1.6.6a (debug) x=240 y=320 depth=16 zeta=16 stencil=0 "
     "full=1 resizable=0 landscape=0 cave=0 audio=16,32,128 elems=0 shaders=0 shadow=1024 fbo=1024,768 "
     "water=256 forceFBO=0 pve= pva= mpg= texture= shader= font=";
+
+using SettingsFile = pvtest::EngineTest;
+using SettingsInForce = pvtest::EngineTest;
+using Viewport = std::array<GLint, 4>;
 
 }  // namespace
 
@@ -90,38 +93,25 @@ TEST(Settings, SettersStoreEveryFieldAndIgnoreStringsThatDoNotFit)
     EXPECT_EQ(std::string(s.getTexturePath()), longest);
 }
 
-TEST(SettingsFile, MissingNameOrFileIsRefusedWithItsMessage)
+TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    PVSETTINGS s;
-    EXPECT_FALSE(s.load(nullptr));
-    EXPECT_FALSE(s.load("absent.cfg"));
-    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVSETTINGS::load\n"
-                          "   [!] File not found (absent.cfg) @ PVSETTINGS::load\n");
-    EXPECT_EQ(describe(s), defaults);
-}
-
-TEST(SettingsFile, CommentsOnlyOrEmptyFileChangesNothing)
-{
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
     pvtest::writeFile("empty.cfg", "");
     PVSETTINGS s;
+    EXPECT_FALSE(s.load(nullptr));
+    EXPECT_FALSE(s.load("absent.cfg"));
     EXPECT_TRUE(s.load("comments.cfg"));
-    EXPECT_EQ(log.text(), "");
     EXPECT_TRUE(s.load("empty.cfg"));
-    EXPECT_EQ(log.text(), "kvfOpenParser: file 'empty.cfg' is empty\n");
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVSETTINGS::load\n"
+                          "   [!] File not found (absent.cfg) @ PVSETTINGS::load\n"
+                          "kvfOpenParser: file 'empty.cfg' is empty\n");
     EXPECT_EQ(describe(s), defaults);
 }
 
 // Blanks go before the search, the first line holding a key wins, keys match
 // inside longer text, and the character after the key is skipped whatever it is.
-TEST(SettingsFile, KeysFollowTheParserRules)
+TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     pvtest::writeFile("game.cfg",
                       "# display\n"
                       "PEVRANO_windowX = 480   # wider\n"
@@ -152,41 +142,39 @@ TEST(SettingsFile, KeysFollowTheParserRules)
               "pve=models/ pva= mpg= texture=textures/ shader=a\"b font=\"fonts/");
 }
 
-// The file's values reach the display: the requested block of the log and the
-// configuration in force.
-TEST(SettingsFile, LoadedValuesOpenTheDisplay)
+// The file's values reach the display: the requested block of the log, the
+// configuration in force, and the folders handed on to the engine and shaders.
+TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     pvtest::writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
-                                   "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n");
+                                   "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
+                                   "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
     PVSETTINGS s;
     ASSERT_TRUE(s.load("small.cfg"));
-    ASSERT_TRUE(PEVRANO::init(&s));
+    start(s);
     const std::string text = log.text();
     EXPECT_NE(text.find("      Configuration to set:\n          X: 160, Y: 120\n"
                         "          depth: 24, zeta: 16, stencil: 0\n          title: 'Small'\n"
                         "          fullscreen: 1\n          resizable : 0\n          landscape : 1\n"
                         "          shaders: 0\n          max elems: 64\n"),
+              std::string::npos) << text;
+    EXPECT_NE(text.find("          PVE path    : 'scenes/'\n          PVA path    : ''\n"
+                        "          Texture path: ''\n          Shader path : 'shaders/'\n"),
               std::string::npos);
     EXPECT_NE(text.find("      Configuration used:\n          SizeX: 160, SizeY: 120\n"), std::string::npos);
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
     EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
     EXPECT_TRUE(PVSETTINGS::isSDLLandscape());
-    GLint viewport[4] = {0, 0, 0, 0};
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    EXPECT_EQ(viewport[2], 160);
-    EXPECT_EQ(viewport[3], 120);
-    EXPECT_TRUE(PEVRANO::free());
+    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 160, 120}));
+    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
+    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
 }
 
 // What is in force comes from GL, not from the request; the values with no
 // consumer on this target stay zero.
-TEST(SettingsInForce, ReadBackFromGLAfterInit)
+TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
     PVSETTINGS s;
@@ -194,7 +182,7 @@ TEST(SettingsInForce, ReadBackFromGLAfterInit)
     s.setShaders(true);
     s.setResizable(true);
     s.setFullScreen(false);
-    ASSERT_TRUE(PEVRANO::init(&s));
+    start(s);
 
     GLint red = 0, green = 0, blue = 0, alpha = 0, depth = 0, stencil = 0;
     glGetIntegerv(GL_RED_BITS, &red);
@@ -225,58 +213,40 @@ TEST(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_TRUE(PVSETTINGS::getSDLShaders());
 
     EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
-    EXPECT_EQ(PVSETTINGS::getSDLShadowMapSize(), 0);
-    EXPECT_EQ(PVSETTINGS::getSDLFBOSizeX(), 0);
-    EXPECT_EQ(PVSETTINGS::getSDLFBOSizeY(), 0);
-    EXPECT_EQ(PVSETTINGS::getSDLWaterSize(), 0);
-    EXPECT_EQ(PVSETTINGS::getKVAAudioChannels(), 0);
-    EXPECT_EQ(PVSETTINGS::getKVAAudioBuffers(), 0);
-    EXPECT_EQ(PVSETTINGS::getKVAAudioElements(), 0);
+    EXPECT_EQ((std::vector<int>{PVSETTINGS::getSDLShadowMapSize(), PVSETTINGS::getSDLFBOSizeX(),
+                                PVSETTINGS::getSDLFBOSizeY(), PVSETTINGS::getSDLWaterSize(),
+                                PVSETTINGS::getKVAAudioChannels(), PVSETTINGS::getKVAAudioBuffers(),
+                                PVSETTINGS::getKVAAudioElements()}),
+              std::vector<int>(7, 0));
     EXPECT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PVSETTINGS::isActive());
 }
 
-TEST(SettingsInForce, ResizeChangesTheSizeAndTheViewport)
+TEST_F(SettingsInForce, ResizeChangesTheSizeAndTheViewport)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
-    ASSERT_TRUE(PEVRANO::init(nullptr));
+    start();
     ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    GLint viewport[4] = {-1, -1, -1, -1};
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    EXPECT_EQ(viewport[0], 0);
-    EXPECT_EQ(viewport[1], 0);
-    EXPECT_EQ(viewport[2], 200);
-    EXPECT_EQ(viewport[3], 100);
-    EXPECT_TRUE(PEVRANO::free());
+    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 200, 100}));
 }
 
 // No colour sizes go to EGL: the first configuration is used whatever depth
 // is asked, and the depth in force is what GL reports for it (5-6-5 off-screen).
-TEST(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
+TEST_F(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
 {
-    pvtest::ScratchDir dir;
-    pvtest::LogCapture log;
     PVSETTINGS deep;
     deep.setColorDepth(24);
-    ASSERT_TRUE(PEVRANO::init(&deep)) << log.text();
+    start(deep);
     const int deepInForce = PVSETTINGS::getSDLColorDepth();
-    std::vector<pvtest::LogLine> lines = pvtest::engineStartLines();
     std::vector<pvtest::LogLine> request = pvtest::defaultSettingsRequestLines();
     request[3] = pvtest::exact("          depth: 24, zeta: 16, stencil: 0");
-    pvtest::append(lines, request);
-    pvtest::append(lines, pvtest::defaultDisplayLines());
-    pvtest::append(lines, pvtest::engineReadyLines());
-    pvtest::expectLog(log.text(), lines);
+    pvtest::expectLog(log.text(), pvtest::initLines(false, request));
     ASSERT_TRUE(PEVRANO::free());
 
-    PVSETTINGS shallow;
-    ASSERT_TRUE(PEVRANO::init(&shallow));
+    start();
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), deepInForce);
     if (!pvtest::onX11()) {
         EXPECT_EQ(deepInForce, 16);
     }
-    EXPECT_TRUE(PEVRANO::free());
 }
