@@ -16,8 +16,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include "core/pvopengl.h"
-
 namespace {
 
 const int frameCount = 5;

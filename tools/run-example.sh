@@ -6,6 +6,15 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/tools/deps.sh"
 cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$root/build" -j"$(nproc)" --target pevrano_demo
+# The demo runs in build/demo-run (its log and screenshot land there): paths
+# to existing files given as arguments are made absolute first.
+args=()
+for argument in "$@"; do
+  if [ -e "$argument" ]; then
+    argument="$(cd "$(dirname "$argument")" && pwd)/$(basename "$argument")"
+  fi
+  args+=("$argument")
+done
 mkdir -p "$root/build/demo-run"
 cd "$root/build/demo-run"
-"$root/build/examples/pevrano_demo" "$@"
+"$root/build/examples/pevrano_demo" "${args[@]}"
