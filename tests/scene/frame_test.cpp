@@ -8,16 +8,17 @@
 
 #include <pevrano.h>
 
+#include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
-#include "support/scratch.h"
 
 using pvtest::Mat4;
 using pvtest::TestNode;
+using pvtest::expectMatrixNear;
 
 namespace {
 
 std::vector<PVNODE*> drawn;
-std::vector<Mat4> drawnMatrices;
+std::vector<K3MMATRIX> drawnMatrices;
 
 // Remembers the order it is drawn in and the matrix of its record.
 class DrawnNode : public TestNode {
@@ -26,22 +27,12 @@ public:
     bool render(void* element) override
     {
         drawn.push_back(this);
-        const K3MMATRIX* m = static_cast<PVELEMENT*>(element)->getMatrix();
-        Mat4 copy{};
-        for (int i = 0; i < 16; i++)
-            copy.a[i % 4][i / 4] = m->m[i];
-        drawnMatrices.push_back(copy);
+        drawnMatrices.push_back(*static_cast<PVELEMENT*>(element)->getMatrix());
         return true;
     }
 };
 
-void expectNear(const Mat4& expected, const Mat4& actual, const std::string& what)
-{
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(expected.gl(i), actual.gl(i), 1e-5) << what << ", element " << i;
-}
-
-class Frame : public ::testing::Test {
+class Frame : public pvtest::RecordingTest {
 protected:
     void SetUp() override
     {
@@ -59,9 +50,6 @@ protected:
             node->link(parent);
         return node;
     }
-
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
 };
 
 TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
@@ -81,7 +69,7 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
     PEVRANO::end3D(false);
     EXPECT_EQ(before + 1, mesh->getTimeStamp());
     EXPECT_EQ((std::vector<PVNODE*>{light, mesh, glass}), drawn);
-    expectNear(Mat4::translation(1, 2, -13), drawnMatrices[1], "mesh seen from (0, 0, 10)");
+    expectMatrixNear(Mat4::translation(1, 2, -13), drawnMatrices[1], "mesh seen from (0, 0, 10)", 1e-5);
 
     // The next frame starts an empty list; without a camera a default one
     // (at the origin) gives the view.
@@ -92,7 +80,7 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
     mesh->pass(false);
     PEVRANO::end3D(true);
     ASSERT_EQ((std::vector<PVNODE*>{mesh}), drawn);
-    EXPECT_FLOAT_EQ(-3.0f, float(drawnMatrices[0].a[2][3]));
+    EXPECT_FLOAT_EQ(-3.0f, drawnMatrices[0].m[14]);
 }
 
 TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
@@ -130,7 +118,7 @@ TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
     PEVRANO::end3D(false);
     ASSERT_EQ((std::vector<PVNODE*>{dome}), drawn);
     // The camera's inverse rotation, then the sky's own; no translation.
-    expectNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0], "skybox");
+    expectMatrixNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0], "skybox", 1e-5);
     PEVRANO::setSkybox(nullptr);
 }
 

@@ -2,29 +2,23 @@
 // transforms, the published statics, moveDoom and the copy.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <initializer_list>
 #include <new>
 #include <string>
-#include <vector>
 
 #include <pevrano.h>
 
-#include "support/glrecorder.h"
-#include "support/scratch.h"
-#include "support/viewmath.h"
+#include "scene/scenefixture.h"
 
+using pvtest::Calls;
 using pvtest::Mat4;
 using pvtest::Vec3;
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
-void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
+// View matrices are compared more tightly than the default.
+void expectViewMatrix(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
 {
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(expected.gl(i), actual.m[i], 2e-5) << what << ", element " << i;
+    pvtest::expectMatrixNear(expected, actual, what, 2e-5);
 }
 
 K3MMATRIX shadowModelView()
@@ -39,9 +33,9 @@ K3MMATRIX shadowModelView()
 void expectView(PVCAMERA& camera, const Mat4& expected, const std::string& what)
 {
     EXPECT_TRUE(camera.render(nullptr));
-    expectMatrixNear(expected, *PVCAMERA::getCameraMatrix(), what + " (cameraMatrix)");
-    expectMatrixNear(expected, *camera.getThisCameraMatrix(), what + " (thisCameraMatrix)");
-    expectMatrixNear(expected, shadowModelView(), what + " (current matrix)");
+    expectViewMatrix(expected, *PVCAMERA::getCameraMatrix(), what + " (cameraMatrix)");
+    expectViewMatrix(expected, *camera.getThisCameraMatrix(), what + " (thisCameraMatrix)");
+    expectViewMatrix(expected, shadowModelView(), what + " (current matrix)");
     EXPECT_EQ(&camera, PVCAMERA::getThisPassCamera()) << what;
 }
 
@@ -52,11 +46,9 @@ void expectVector(Vec3 expected, K3MVECTOR3D actual, const std::string& what)
     EXPECT_NEAR(expected.z, actual.z, 1e-5) << what;
 }
 
-class Camera : public ::testing::Test {
+class Camera : public pvtest::RecordingTest {
 protected:
     void SetUp() override { PV_glMatrixMode(GL_MODELVIEW); }
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
 };
 
 TEST_F(Camera, DefaultsNameTypeAndUp)
@@ -66,7 +58,7 @@ TEST_F(Camera, DefaultsNameTypeAndUp)
     EXPECT_EQ("[camera " + std::to_string(camera.getId()) + "]", camera.getName());
     expectVector({0, 1, 0}, camera.getUpDirection(), "up");
     expectVector({0, 0, 0}, camera.getPreRotation(), "pre-rotation");
-    expectMatrixNear(Mat4::identity(), *camera.getThisCameraMatrix(), "fresh camera");
+    expectViewMatrix(Mat4::identity(), *camera.getThisCameraMatrix(), "fresh camera");
 }
 
 TEST_F(Camera, FreeCameraInvertsItsTransform)
@@ -91,9 +83,7 @@ TEST_F(Camera, FreeCameraInvertsItsTransform)
 TEST_F(Camera, MatrixPositioningUsesTheMatrixAsItStands)
 {
     const Mat4 own = Mat4::translation(4, -5, 6) * Mat4::rotationY(40) * Mat4::rotationX(-25);
-    K3MMATRIX matrix;
-    for (int i = 0; i < 16; i++)
-        matrix.m[i] = float(own.gl(i));
+    const K3MMATRIX matrix = pvtest::engineMatrix(own);
     PVCAMERA camera;
     camera.setPositioning(PV_POSITIONING_MATRIX);
     camera.setMatrix(matrix);
@@ -174,30 +164,24 @@ TEST_F(Camera, GlCallsOfEachMode)
         all.insert(all.end(), rest.begin(), rest.end());
         return all;
     };
-    pvtest::GlRecorder gl;
     PVCAMERA camera;
     camera.setPreRotation(90, 0, 0);
+    auto render = [&] { return record([&] { camera.render(nullptr); }); };
 
     // Free: -30 about Z, -10 about X, -20 about Y, then the move by -position.
     camera.setPosition(1, 2, 3);
     camera.setRotation(10, 20, 30);
-    gl.start();
-    camera.render(nullptr);
     EXPECT_EQ(after({"glRotatex(-1966080,0,0,65536)", "glRotatex(-655360,65536,0,0)",
                      "glRotatex(-1310720,0,65536,0)", "glTranslatex(-65536,-131072,-196608)"}),
-              gl.calls())
-        << gl.text();
+              render());
 
     // Free with its own matrix, multiplied in as it stands.
     K3MMATRIX own;
     own.setTranslation(1.0f, 2.0f, 3.0f);
     camera.setPositioning(PV_POSITIONING_MATRIX);
     camera.setMatrix(own);
-    gl.start();
-    camera.render(nullptr);
     EXPECT_EQ(after({"glMultMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,65536,131072,196608,65536})"}),
-              gl.calls())
-        << gl.text();
+              render());
 
     // Eye (3, 0, -4) looking at (0, 0, -4): backward (1, 0, 0), side
     // up x backward = (0, 0, -1), true up (0, 1, 0); rows side, up, backward.
@@ -207,22 +191,17 @@ TEST_F(Camera, GlCallsOfEachMode)
     camera.setPosition(3, 0, -4);
     camera.setTargetNode(&camera);
     camera.setTarget(0, 0, -4);
-    gl.start();
-    camera.render(nullptr);
-    EXPECT_EQ(after({view, moveEye}), gl.calls()) << gl.text();
+    EXPECT_EQ(after({view, moveEye}), render());
 
     // Following a node at (0, 0, -4): its world matrix is worked out on a
     // pushed matrix, then the view starts again from the identity.
     PVNODE followed;
     followed.setPosition(0, 0, -4);
     camera.setTargetNode(&followed);
-    gl.start();
-    camera.render(nullptr);
     EXPECT_EQ(after({"glPushMatrix()", "glLoadIdentity()", "glTranslatex(0,0,-262144)", "glRotatex(0,65536,0,0)",
                      "glRotatex(0,0,65536,0)", "glRotatex(0,0,0,65536)", "glPopMatrix()", "glLoadIdentity()", view,
                      moveEye}),
-              gl.calls())
-        << gl.text();
+              render());
 }
 
 TEST_F(Camera, UpAlongTheViewGivesADegenerateMatrixWithoutError)
@@ -271,7 +250,7 @@ TEST_F(Camera, StaticsOutliveTheCamera)
         camera.render(nullptr);
     }
     expectVector({7, 8, 9}, PVCAMERA::getCameraPosition(), "eye of the destroyed camera");
-    expectMatrixNear(Mat4::translation(-7, -8, -9), *PVCAMERA::getCameraMatrix(), "its view");
+    expectViewMatrix(Mat4::translation(-7, -8, -9), *PVCAMERA::getCameraMatrix(), "its view");
 }
 
 TEST_F(Camera, CopyTakesEveryField)

@@ -13,14 +13,13 @@
 
 #include <pevrano.h>
 
+#include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
-#include "support/glcontext.h"
-#include "support/glrecorder.h"
-#include "support/scratch.h"
 
 using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
+using pvtest::expectMatrixNear;
 
 // Heap allocations made by the calling thread while counting is on (other
 // threads, such as the GL driver's, are not counted).
@@ -71,11 +70,11 @@ public:
     int value() const { return allocationCount; }
 };
 
-class RenderList : public ::testing::Test {
+class RenderList : public pvtest::GlContextTest {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(gl.ok());
+        ASSERT_NO_FATAL_FAILURE(GlContextTest::SetUp());
         TestNode::installQueries();
         PV_glMatrixMode(GL_MODELVIEW);
         PV_glLoadIdentity();
@@ -111,25 +110,9 @@ protected:
         ASSERT_TRUE(PVELEMENT::init(n));
         consume();
     }
-    std::string consume()
-    {
-        const std::string all = log.text();
-        std::string fresh = all.substr(seen);
-        seen = all.size();
-        return fresh;
-    }
 
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
-    pvtest::GlContext gl;
-    size_t seen = 0;
+    pvtest::NewLogLines consume{log};
 };
-
-void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
-{
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(expected.gl(i), actual.m[i], 1e-4) << what << ", element " << i;
-}
 
 TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
 {
@@ -587,11 +570,7 @@ TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
     child->setPositioning(PV_POSITIONING_MATRIX);
     make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
 
-    pvtest::GlRecorder recorder;
-    recorder.start();
-    root->pass(false);
-    recorder.stop();
-    EXPECT_EQ((std::vector<std::string>{
+    EXPECT_EQ((pvtest::Calls{
                   "glPushMatrix()",
                   "glTranslatex(65536,131072,196608)",
                   "glRotatex(5898240,65536,0,0)",
@@ -604,8 +583,7 @@ TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
                   "glPopMatrix()",
                   "glPopMatrix()",
               }),
-              recorder.calls())
-        << recorder.text();
+              record([&] { root->pass(false); }));
 }
 
 }  // namespace

@@ -3,21 +3,20 @@
 // the log lines of the error paths.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <initializer_list>
 #include <new>
 #include <string>
-#include <vector>
 
 #include <pevrano.h>
 
-#include "support/glrecorder.h"
+#include "support/glfixture.h"
 #include "support/quadnode.h"
-#include "support/scratch.h"
+
+using pvtest::Calls;
 
 namespace {
-
-using Calls = std::vector<std::string>;
 
 // 16.16 fixed point of a value given in decimal.
 std::string fx(double value) { return std::to_string(static_cast<long long>(std::trunc(value * 65536.0))); }
@@ -32,6 +31,8 @@ std::string list(std::initializer_list<double> values)
 
 std::string slotName(int slot) { return "GL_LIGHT" + std::to_string(slot); }
 
+std::string identityMatrix() { return list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}); }
+
 // What a light programs into its slot, in the order GL receives it.
 struct SlotSetUp {
     int slot = 0;
@@ -40,9 +41,9 @@ struct SlotSetUp {
     std::string specular = list({0.2, 0.2, 0.2, 1});
     double cutOff = 180;
     double exponent = 0;
-    double attenuation[3] = {1, 0, 0};
-    std::string matrix;
-    double rotation[3] = {0, 0, 0};
+    std::array<double, 3> attenuation = {1, 0, 0};
+    std::string matrix = identityMatrix();
+    std::array<double, 3> rotation = {0, 0, 0};
     std::string position = list({0, 0, 0, 1});
     std::string spotDirection = list({0, 0, 0});
 
@@ -68,22 +69,25 @@ struct SlotSetUp {
     }
 };
 
-std::string identityMatrix() { return list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}); }
-
 Calls withLightingSwitchedOn(Calls calls)
 {
     calls.insert(calls.begin(), "glEnable(GL_LIGHTING)");
     return calls;
 }
 
-class Light : public ::testing::Test {
+class Light : public pvtest::RecordingTest {
 protected:
     // Every case starts with lighting off, whatever ran before it.
     void SetUp() override { PVLIGHT::lightingOff(); }
 
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
-    pvtest::GlRecorder gl;
+    // The GL calls of a successful render of the element.
+    Calls renderCalls(PVLIGHT& light, PVELEMENT& element)
+    {
+        bool rendered = false;
+        const Calls calls = record([&] { rendered = light.render(&element); });
+        EXPECT_TRUE(rendered);
+        return calls;
+    }
 };
 
 TEST_F(Light, DefaultOmniLightProgramsItsSlot)
@@ -93,18 +97,13 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     EXPECT_EQ("[light " + std::to_string(light.getId()) + "]", light.getName());
     PVELEMENT record;
     record.setParam1(1);
-    gl.start();
-    EXPECT_TRUE(light.render(&record));
     SlotSetUp expected;
     expected.slot = 1;
-    expected.matrix = identityMatrix();
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
     EXPECT_TRUE(PVLIGHT::getLighting());
 
     // Lighting is already on: the second time only the slot is programmed.
-    gl.start();
-    EXPECT_TRUE(light.render(&record));
-    EXPECT_EQ(expected.calls(), gl.calls()) << gl.text();
+    EXPECT_EQ(expected.calls(), renderCalls(light, record));
     EXPECT_EQ("", log.text());
 }
 
@@ -121,23 +120,17 @@ TEST_F(Light, DirectionalLightShinesAlongItsDirection)
 
     PVELEMENT record;
     record.setParam1(3);
-    K3MMATRIX* matrix = record.getMatrix();
-    matrix->setTranslation(1.5f, -2.0f, -8.25f);
-    gl.start();
-    ASSERT_TRUE(light.render(&record));
-
+    record.getMatrix()->setTranslation(1.5f, -2.0f, -8.25f);
     SlotSetUp expected;
     expected.slot = 3;
     expected.ambient = list({0.1, 0.25, 0.5, 1});
     expected.diffuse = list({0.9, 0.8, 0.3, 0.5});
     expected.specular = list({0, 0, 1, 1});
     expected.matrix = list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1.5, -2, -8.25, 1});
-    expected.rotation[0] = 90;
-    expected.rotation[1] = -45;
-    expected.rotation[2] = 30;
+    expected.rotation = {90, -45, 30};
     expected.position = list({0, 1, 0, 0});
     expected.spotDirection = list({0, 0, 0});
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
 }
 
 TEST_F(Light, SpotLightAimedAtItsTarget)
@@ -150,19 +143,13 @@ TEST_F(Light, SpotLightAimedAtItsTarget)
     light.setExponent(12.5f);
     light.setAttenuation(0.5f, 0.125f, 0.03f);
     PVELEMENT record;
-    gl.start();
-    ASSERT_TRUE(light.render(&record));
-    EXPECT_EQ(K3MVECTOR3D(0.0f, 0.0f, -1.0f), light.getDirection());
-
     SlotSetUp expected;
-    expected.matrix = identityMatrix();
     expected.cutOff = 30;
     expected.exponent = 12.5;
-    expected.attenuation[0] = 0.5;
-    expected.attenuation[1] = 0.125;
-    expected.attenuation[2] = 0.03;
+    expected.attenuation = {0.5, 0.125, 0.03};
     expected.spotDirection = list({0, 0, -1});
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
+    EXPECT_EQ(K3MVECTOR3D(0.0f, 0.0f, -1.0f), light.getDirection());
 
     // From (3, 0, 4), with its matrix as the transform, towards (0, 0, 0):
     // direction (-3, 0, -4) / 5.
@@ -171,10 +158,9 @@ TEST_F(Light, SpotLightAimedAtItsTarget)
     light.setPositioning(PV_POSITIONING_MATRIX);
     light.setMatrix(own);
     light.setTarget(0, 0, 0);
-    gl.start();
-    light.render(&record);
-    EXPECT_EQ(1u, gl.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({-0.6, 0, -0.8}) + ")"))
-        << gl.text();
+    renderCalls(light, record);
+    EXPECT_EQ(1u, recorder.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({-0.6, 0, -0.8}) + ")"))
+        << recorder.text();
 }
 
 TEST_F(Light, SpotLightFollowingANode)
@@ -190,10 +176,9 @@ TEST_F(Light, SpotLightFollowingANode)
     light.setPosition(1, 1, 1);
     light.setTargetNode(&followed);
     PVELEMENT record;
-    gl.start();
-    ASSERT_TRUE(light.render(&record));
-    EXPECT_EQ(1u, gl.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({0.6, 0, -0.8}) + ")"))
-        << gl.text();
+    renderCalls(light, record);
+    EXPECT_EQ(1u, recorder.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({0.6, 0, -0.8}) + ")"))
+        << recorder.text();
     EXPECT_NEAR(0.6f, light.getDirection().x, 1e-6);
     EXPECT_NEAR(-0.8f, light.getDirection().z, 1e-6);
 }
@@ -207,32 +192,29 @@ TEST_F(Light, UnknownTypeIsReportedAndLitAsOmni)
     light.setDirection(1, 2, 3);
     PVELEMENT record;
     record.setParam1(2);
-    gl.start();
-    ASSERT_TRUE(light.render(&record));
-    EXPECT_EQ("   [!] Consistency broken: unknow type for lamp @ PVLIGHT::render\n", log.text());
     SlotSetUp expected;
     expected.slot = 2;
-    expected.matrix = identityMatrix();
     expected.cutOff = 42;
     expected.spotDirection = list({0, 0, 0});
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), gl.calls()) << gl.text();
+    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
+    EXPECT_EQ("   [!] Consistency broken: unknow type for lamp @ PVLIGHT::render\n", log.text());
 }
 
 TEST_F(Light, NullRecordsAreRefused)
 {
     PVLIGHT light;
-    gl.start();
+    recorder.start();
     EXPECT_FALSE(light.render(nullptr));
     EXPECT_FALSE(PVLIGHT::activateNearest(nullptr));
     EXPECT_EQ("   [!] Invalid params @ PVLIGHT::render\n"
               "   [!] Invalid params @ PVLIGHT::activateNearest\n",
               log.text());
-    EXPECT_EQ(Calls{}, gl.calls());
+    EXPECT_EQ(Calls{}, recorder.calls());
 }
 
 TEST_F(Light, LightingSwitchIsCached)
 {
-    gl.start();
+    recorder.start();
     PVLIGHT::lightingOff();
     PVLIGHT::lightingOn();
     PVLIGHT::lightingOn();
@@ -240,7 +222,7 @@ TEST_F(Light, LightingSwitchIsCached)
     PVLIGHT::lightingOff();
     PVLIGHT::lightingOff();
     EXPECT_FALSE(PVLIGHT::getLighting());
-    EXPECT_EQ((Calls{"glEnable(GL_LIGHTING)", "glDisable(GL_LIGHTING)"}), gl.calls());
+    EXPECT_EQ((Calls{"glEnable(GL_LIGHTING)", "glDisable(GL_LIGHTING)"}), recorder.calls());
 }
 
 TEST_F(Light, CopyTakesEveryField)
@@ -310,9 +292,11 @@ protected:
         light->link(&root);
         return light;
     }
-    // Passes the scene and returns the object's record.
+    // Links the object under the lights, passes the scene and returns the
+    // object's record.
     PVELEMENT* passScene()
     {
+        object.link(&root);
         PV_glMatrixMode(GL_MODELVIEW);
         PV_glLoadIdentity();
         PVELEMENT::reset();
@@ -327,7 +311,7 @@ protected:
     Calls callsNaming(const std::string& word)
     {
         Calls found;
-        for (const std::string& call : gl.calls())
+        for (const std::string& call : recorder.calls())
             if (call.find(word) != std::string::npos)
                 found.push_back(call);
         return found;
@@ -354,13 +338,12 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     addLight(&lights[4], 7.0f, 0.625f);
     addLight(&lights[5], -20.0f, 0.75f)->setExclusive(true);
     object.setPosition(3, 0, 0);
-    object.link(&root);
 
     PVELEMENT* record = passScene();
     ASSERT_NE(nullptr, record);
     ASSERT_EQ(6u, PVELEMENT::getNumberOfLights());
     PVLIGHT::lightingOn();
-    gl.start();
+    recorder.start();
     ASSERT_TRUE(PVLIGHT::activateNearest(record));
 
     const PVLIGHT* chosen[4] = {&lights[5], &lights[2], &lights[3], &lights[1]};
@@ -368,9 +351,9 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     EXPECT_EQ((Calls{diffuseCall(0, levels[0]), diffuseCall(1, levels[1]), diffuseCall(2, levels[2]),
                      diffuseCall(3, levels[3])}),
               callsNaming("GL_DIFFUSE"))
-        << gl.text();
+        << recorder.text();
     EXPECT_EQ((Calls{"glEnable(GL_LIGHT0)", "glEnable(GL_LIGHT1)", "glEnable(GL_LIGHT2)", "glEnable(GL_LIGHT3)"}),
-              gl.filter("glEnable"));
+              recorder.filter("glEnable"));
     for (unsigned int i = 0; i < 4; i++) {
         PVELEMENT* light = record->getNearestLight(i);
         ASSERT_NE(nullptr, light);
@@ -381,46 +364,37 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     Calls placements;
     for (double x : {-20.0, 2.5, 4.5, 1.0})
         placements.push_back("glLoadMatrixx(" + list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, 0, 0, 1}) + ")");
-    EXPECT_EQ(placements, gl.filter("glLoadMatrixx"));
+    EXPECT_EQ(placements, recorder.filter("glLoadMatrixx"));
     EXPECT_EQ(allocated, log.text());
 }
 
-TEST_F(NearestLights, FewerLightsThanSlotsLeavesTheRestAlone)
+// Lighting off chooses nothing; on, one light fills slot 0 and leaves the rest alone.
+TEST_F(NearestLights, OneLightFillsSlotZeroOnlyWithLightingOn)
 {
     PVLIGHT lamp;
     addLight(&lamp, 1.0f, 0.5f);
-    object.link(&root);
     PVELEMENT* record = passScene();
     ASSERT_NE(nullptr, record);
+    recorder.start();
+    EXPECT_FALSE(PVLIGHT::activateNearest(record));
+    EXPECT_EQ(Calls{}, recorder.calls());
+
     PVLIGHT::lightingOn();
-    gl.start();
+    recorder.start();
     ASSERT_TRUE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, gl.filter("glEnable"));
+    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
     EXPECT_EQ(&lamp, record->getNearestLight(0)->getNode());
+    EXPECT_EQ(allocated, log.text());
 }
 
 TEST_F(NearestLights, NoLightsInTheListIsNoFailure)
 {
-    object.link(&root);
     PVELEMENT* record = passScene();
     ASSERT_NE(nullptr, record);
     PVLIGHT::lightingOn();
-    gl.start();
+    recorder.start();
     EXPECT_TRUE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{}, gl.calls());
-    EXPECT_EQ(allocated, log.text());
-}
-
-TEST_F(NearestLights, LightingOffChoosesNothing)
-{
-    PVLIGHT lamp;
-    addLight(&lamp, 1.0f, 0.5f);
-    object.link(&root);
-    PVELEMENT* record = passScene();
-    ASSERT_NE(nullptr, record);
-    gl.start();
-    EXPECT_FALSE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{}, gl.calls());
+    EXPECT_EQ(Calls{}, recorder.calls());
     EXPECT_EQ(allocated, log.text());
 }
 
@@ -432,17 +406,16 @@ TEST_F(NearestLights, AnObjectAmongTheLightsAbortsTheActivation)
     addLight(&nearest, 1.0f, 0.5f);
     addLight(&impostor, 2.0f, 0.5f);
     addLight(&farthest, 3.0f, 0.5f);
-    object.link(&root);
     PVELEMENT* record = passScene();
     ASSERT_NE(nullptr, record);
     impostor.becomeCustom();
     PVLIGHT::lightingOn();
-    gl.start();
+    recorder.start();
     EXPECT_FALSE(PVLIGHT::activateNearest(record));
     EXPECT_EQ(allocated + "   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n",
               log.text());
     // The slot programmed before the impostor stays programmed.
-    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, gl.filter("glEnable"));
+    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
     EXPECT_EQ(&nearest, record->getNearestLight(0)->getNode());
 }
 

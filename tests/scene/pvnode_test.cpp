@@ -8,18 +8,19 @@
 
 #include <pevrano.h>
 
+#include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
-#include "support/scratch.h"
 
 using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
+using pvtest::expectMatrixNear;
 
 int TestNode::destroyed = 0;
 
 namespace {
 
-class Node : public ::testing::Test {
+class Node : public pvtest::RecordingTest {
 protected:
     void SetUp() override
     {
@@ -33,6 +34,12 @@ protected:
     static TestNode* make(const char* name, PV_NODE_TYPE type = PV_TYPE_NODE)
     {
         return new TestNode(name, type);
+    }
+    static TestNode* makeChild(const char* name, PVNODE* parent)
+    {
+        TestNode* node = make(name);
+        node->link(parent);
+        return node;
     }
     static std::vector<PVNODE*> childrenOf(PVNODE* node)
     {
@@ -48,24 +55,9 @@ protected:
             result.push_back(node);
         return result;
     }
-    std::string consume()
-    {
-        const std::string all = log.text();
-        std::string fresh = all.substr(seen);
-        seen = all.size();
-        return fresh;
-    }
 
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
-    size_t seen = 0;
+    pvtest::NewLogLines consume{log};
 };
-
-void expectMatrixNear(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
-{
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(expected.gl(i), actual.m[i], 1e-4) << what << ", element " << i;
-}
 
 TEST_F(Node, DefaultsIdsNamesAndTypeNames)
 {
@@ -131,11 +123,8 @@ TEST_F(Node, RegistryKeepsConstructionOrderAndReusesIds)
     EXPECT_EQ(nullptr, PVNODE::findByName(nullptr));
     EXPECT_EQ(c, PVNODE::findById(3));
     EXPECT_EQ(nullptr, PVNODE::findById(1));
-}
 
-TEST_F(Node, FindByNameTakesTheFirstInRegistryOrder)
-{
-    make("other");
+    // The first in registry order wins; names match whole.
     TestNode* first = make("twin");
     make("twin");
     EXPECT_EQ(first, PVNODE::findByName("twin"));
@@ -189,7 +178,7 @@ TEST_F(Node, VectorSettersMovesAndRotations)
     EXPECT_TRUE(K3MVECTOR3D(5, 6, 3) == node->getTarget());
 }
 
-TEST_F(Node, LinkAppendsAndRefusesBadParents)
+TEST_F(Node, LinkAppendsRefusesBadParentsAndGetChildChecksItsIndex)
 {
     TestNode* parent = make("parent");
     TestNode* a = make("a");
@@ -211,6 +200,13 @@ TEST_F(Node, LinkAppendsAndRefusesBadParents)
               consume());
     EXPECT_EQ(parent, a->getParent());
     EXPECT_EQ(0u, other->getNumberOfChildren());
+
+    EXPECT_EQ(b, parent->getChild(1));
+    EXPECT_EQ(nullptr, parent->getChild(parent->getNumberOfChildren()));
+    EXPECT_EQ(nullptr, a->getChild(0));
+    EXPECT_EQ("   [!] Invalid params @ PVNODE::getChild\n"
+              "   [!] Invalid params @ PVNODE::getChild\n",
+              consume());
 }
 
 TEST_F(Node, UnlinkKeepsTheOthersInOrder)
@@ -254,16 +250,11 @@ TEST_F(Node, UnlinkingTheOnlyChildEmptiesTheParentWithoutLookingItUp)
 TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
 {
     TestNode* grandparent = make("grandparent");
-    TestNode* elder = make("elder");
-    TestNode* node = make("node");
-    TestNode* c1 = make("c1");
-    TestNode* c2 = make("c2");
-    TestNode* leaf = make("leaf");
-    elder->link(grandparent);
-    node->link(grandparent);
-    c1->link(node);
-    c2->link(node);
-    leaf->link(c1);
+    TestNode* elder = makeChild("elder", grandparent);
+    TestNode* node = makeChild("node", grandparent);
+    TestNode* c1 = makeChild("c1", node);
+    TestNode* c2 = makeChild("c2", node);
+    TestNode* leaf = makeChild("leaf", c1);
 
     EXPECT_TRUE(node->remove());
     EXPECT_EQ((std::vector<PVNODE*>{elder, c1, c2}), childrenOf(grandparent));
@@ -278,29 +269,13 @@ TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
     EXPECT_EQ("   [!] Node node already unlinked @ PVNODE::remove\n", consume());
 }
 
-TEST_F(Node, GetChildOutOfRange)
-{
-    TestNode* parent = make("parent");
-    TestNode* child = make("child");
-    child->link(parent);
-    EXPECT_EQ(child, parent->getChild(0));
-    EXPECT_EQ(nullptr, parent->getChild(parent->getNumberOfChildren()));
-    EXPECT_EQ(nullptr, child->getChild(0));
-    EXPECT_EQ("   [!] Invalid params @ PVNODE::getChild\n"
-              "   [!] Invalid params @ PVNODE::getChild\n",
-              consume());
-}
-
 TEST_F(Node, HierarchySearchesArePreOrder)
 {
     TestNode* root = make("root");
-    TestNode* a = make("a");
-    TestNode* deep = make("x");
-    TestNode* b = make("x");
+    TestNode* a = makeChild("a", root);
+    TestNode* deep = makeChild("x", a);
+    TestNode* b = makeChild("x", root);
     TestNode* outside = make("outside");
-    a->link(root);
-    b->link(root);
-    deep->link(a);
     EXPECT_EQ(root, root->findByNameInHierarchy("root"));
     EXPECT_EQ(deep, root->findByNameInHierarchy("x"));
     EXPECT_EQ(b, b->findByNameInHierarchy("x"));
@@ -314,10 +289,8 @@ TEST_F(Node, HierarchySearchesArePreOrder)
 TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
 {
     TestNode* root = make("root");
-    TestNode* arm = make("arm");
-    TestNode* hand = make("hand");
-    arm->link(root);
-    hand->link(arm);
+    TestNode* arm = makeChild("arm", root);
+    TestNode* hand = makeChild("hand", arm);
     const Vec3 rootPos{1, 2, 3}, rootOrigin{0.5, 0, 0}, rootRot{30, 0, 0};
     const Vec3 armPos{0, 4, 0}, armOrigin{0, 0, -1}, armRot{0, 45, 10};
     const Vec3 handPos{2, 0, 0}, handOrigin{0, 0, 0}, handRot{15, -20, 60};
@@ -336,10 +309,7 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
     // A matrix-positioned ancestor contributes its matrix; any other
     // positioning value contributes nothing.
     const Mat4 armMatrix = Mat4::translation(5, 0, 0) * Mat4::rotationZ(90);
-    K3MMATRIX stored;
-    for (int i = 0; i < 16; i++)
-        stored.m[i] = float(armMatrix.gl(i));
-    arm->setMatrix(stored);
+    arm->setMatrix(pvtest::engineMatrix(armMatrix));
     arm->setPositioning(PV_POSITIONING_MATRIX);
     expectMatrixNear(rootM * armMatrix * handM, hand->getFinalMatrix(nullptr), "matrix arm");
     arm->setPositioning(PV_NODE_POSITIONING(2));
@@ -350,8 +320,7 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
 TEST_F(Node, FinalMatrixLeavesTheWrapperAsItWas)
 {
     TestNode* root = make("root");
-    TestNode* child = make("child");
-    child->link(root);
+    TestNode* child = makeChild("child", root);
     root->setPosition(1, 1, 1);
     PV_glLoadIdentity();
     PV_glTranslatef(7, 8, 9);
@@ -395,14 +364,10 @@ TEST_F(Node, SixtyThreeAncestorsWorkSixtyFourOverflow)
 TEST_F(Node, DisplayTreeListsTheWholeHierarchy)
 {
     TestNode* root = make("root");
-    TestNode* a = make("a");
-    TestNode* b = make("b");
-    TestNode* a1 = make("a1");
-    TestNode* a2 = make("a2");
-    a->link(root);
-    b->link(root);
-    a1->link(a);
-    a2->link(a);
+    TestNode* a = makeChild("a", root);
+    makeChild("b", root);
+    makeChild("a1", a);
+    makeChild("a2", a);
     TestNode* lonely = make("lonely");
     EXPECT_TRUE(PVNODE::displayTree(root));
     EXPECT_TRUE(PVNODE::displayTree(lonely));
@@ -428,7 +393,7 @@ TEST_F(Node, CleanUpDeletesEveryNodeThroughItsDestructor)
     const int allocationsBefore = kvfGetMemoryStats().ratio;
 
     TestNode* root = make("root");
-    make("child")->link(root);
+    makeChild("child", root);
     make("loose");
     EXPECT_TRUE(PVNODE::cleanUp());
     EXPECT_EQ("   3 node(s) released @ PVNODE::cleanUp\n", consume());
@@ -444,8 +409,7 @@ TEST_F(Node, CleanUpDeletesEveryNodeThroughItsDestructor)
 TEST_F(Node, CopiesAreShallowAndUnregistered)
 {
     TestNode* parent = make("parent");
-    TestNode* child = make("child");
-    child->link(parent);
+    TestNode* child = makeChild("child", parent);
     child->setAuxId(77);
     // Built in raw storage and never destroyed: a copy shares the original's
     // id, registry links and children array.

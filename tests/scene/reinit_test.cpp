@@ -6,30 +6,17 @@
 // colour the lighting equation gives, as it did the first time.
 #include <gtest/gtest.h>
 
-#include <GLES/gl.h>
-
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include <pevrano.h>
 
-#include "support/glrecorder.h"
+#include "scene/scenefixture.h"
 #include "support/quadnode.h"
-#include "support/scratch.h"
+
+using namespace pvtest;
 
 namespace {
-
-using Calls = std::vector<std::string>;
-
-const int windowWidth = 160;
-const int windowHeight = 120;
-// One level of a 5-bit channel is about 8 of 255; lighting adds rounding.
-const int colourTolerance = 9;
-
-struct Rgb {
-    double r, g, b;
-};
 
 // The scene: a white lit quad facing +z at the origin, a directional light
 // shining straight at it along -z, a camera on the z axis.
@@ -37,16 +24,9 @@ const Rgb globalAmbient = {0.1, 0.1, 0.1};
 const Rgb lightAmbient = {0.1, 0.0, 0.05};
 const Rgb lightDiffuse = {0.3, 0.5, 0.2};
 
-// White material, no specular or emission, light along the normal (N.L = 1,
-// no attenuation for a directional light): global ambient + light ambient +
-// light diffuse, clamped to 1. Far from the white an unlit quad would show.
-Rgb expectedLitColour()
-{
-    auto channel = [](double g, double a, double d) { return std::min(1.0, g + a + d); };
-    return {channel(globalAmbient.r, lightAmbient.r, lightDiffuse.r),
-            channel(globalAmbient.g, lightAmbient.g, lightDiffuse.g),
-            channel(globalAmbient.b, lightAmbient.b, lightDiffuse.b)};
-}
+// Light along the normal (N.L = 1), no attenuation for a directional light.
+// Far from the white an unlit quad would show.
+const Rgb expectedLitColour = litWhite(globalAmbient, {lightAmbient, lightDiffuse, 1.0, 1.0});
 
 struct Switch {
     void (*on)();
@@ -66,7 +46,7 @@ const Switch switches[] = {
     {PVOPENGL::textureArrayOn, PVOPENGL::textureArrayOff, "glEnableClientState(GL_TEXTURE_COORD_ARRAY)"},
     {PVLIGHT::lightingOn, PVLIGHT::lightingOff, "glEnable(GL_LIGHTING)"}};
 
-class EngineStartedAgain : public ::testing::Test {
+class EngineStartedAgain : public RecordingTest {
 protected:
     void SetUp() override
     {
@@ -84,16 +64,10 @@ protected:
     // its log lines to startLog.
     void start(Calls& startCalls, std::string& startLog)
     {
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
         const size_t logBefore = log.text().size();
-        recorder.start();
-        const bool started = PEVRANO::init(&settings);
-        recorder.stop();
+        bool started = false;
+        startCalls = record([&] { started = startEngineInWindow(); });
         ASSERT_TRUE(started) << log.text();
-        startCalls = recorder.calls();
         startLog = log.text().substr(logBefore);
     }
 
@@ -115,21 +89,9 @@ protected:
         PVCAMERA* camera = new PVCAMERA();
         camera->setPosition(0.0f, 0.0f, 12.0f);
 
-        PEVRANO::clear(true, true, false);
-        PEVRANO::begin3D(camera);
-        root->pass(false);
-        PEVRANO::end3D(false);
+        drawFrame(root, camera);
         // The camera looks at the quad's centre: the middle of the window.
-        GLubyte rgba[4] = {0, 0, 0, 0};
-        glReadPixels(windowWidth / 2, windowHeight / 2, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-        return {rgba[0] / 255.0, rgba[1] / 255.0, rgba[2] / 255.0};
-    }
-
-    static void expectColour(Rgb expected, Rgb got, const std::string& what)
-    {
-        EXPECT_NEAR(expected.r * 255.0, got.r * 255.0, colourTolerance) << what << ", red";
-        EXPECT_NEAR(expected.g * 255.0, got.g * 255.0, colourTolerance) << what << ", green";
-        EXPECT_NEAR(expected.b * 255.0, got.b * 255.0, colourTolerance) << what << ", blue";
+        return pixelAt(windowWidth / 2, windowHeight / 2);
     }
 
     // A first engine that draws, leaves every cached switch on and shuts
@@ -144,9 +106,6 @@ protected:
         ASSERT_NO_FATAL_FAILURE(start(secondCalls, secondLog));
     }
 
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
-    pvtest::GlRecorder recorder;
     Calls firstCalls, secondCalls;
     std::string firstLog, secondLog;
     Rgb firstColour = {0, 0, 0};
@@ -165,13 +124,13 @@ TEST_F(EngineStartedAgain, StartsUpWithTheSameCallsAndLogAndFreshSwitches)
     EXPECT_TRUE(PVOPENGL::isCulled());
     EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
     Calls expected;
-    recorder.start();
-    for (const Switch& s : switches) {
-        s.on();
+    for (const Switch& s : switches)
         expected.push_back(s.onCall);
-    }
-    recorder.stop();
-    EXPECT_EQ(expected, recorder.calls()) << recorder.text();
+    EXPECT_EQ(expected, record([] {
+                  for (const Switch& s : switches)
+                      s.on();
+              }))
+        << recorder.text();
     for (const Switch& s : switches)
         s.off();
 }
@@ -179,10 +138,9 @@ TEST_F(EngineStartedAgain, StartsUpWithTheSameCallsAndLogAndFreshSwitches)
 TEST_F(EngineStartedAgain, DrawsTheLitQuadInTheSameColour)
 {
     ASSERT_NO_FATAL_FAILURE(startTwice());
-    const Rgb expected = expectedLitColour();
-    expectColour(expected, firstColour, "first engine");
+    expectColour(expectedLitColour, firstColour, "first engine");
     const Rgb secondColour = drawLitQuad();
-    expectColour(expected, secondColour, "second engine");
+    expectColour(expectedLitColour, secondColour, "second engine");
     expectColour(firstColour, secondColour, "second engine against the first");
 }
 

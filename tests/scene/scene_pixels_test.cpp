@@ -6,57 +6,31 @@
 
 #include <GLES/gl.h>
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 
 #include <pevrano.h>
 
+#include "scene/scenefixture.h"
 #include "support/quadnode.h"
-#include "support/scratch.h"
-#include "support/viewmath.h"
 
-using pvtest::Mat4;
-using pvtest::QuadNode;
-using pvtest::Vec3;
+using namespace pvtest;
 
 namespace {
-
-const int windowWidth = 160;
-const int windowHeight = 120;
-// One level of a 5-bit channel is about 8 of 255; lighting adds rounding.
-const int colourTolerance = 9;
-
-struct Rgb {
-    double r, g, b;
-};
 
 struct ScreenPoint {
     double x, y;  // window pixels, y from the bottom as GL reads them
 };
 
-class ScenePixels : public ::testing::Test {
+class ScenePixels : public RecordingTest {
 protected:
     void SetUp() override
     {
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        ASSERT_TRUE(startEngineInWindow()) << log.text();
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
         root = new PVNODE();
     }
     void TearDown() override { PEVRANO::free(); }
-
-    // One 3D frame of everything under root, left in the colour buffer.
-    void drawFrame(PVCAMERA* camera)
-    {
-        PEVRANO::clear(true, true, false);
-        PEVRANO::begin3D(camera);
-        root->pass(false);
-        PEVRANO::end3D(false);
-    }
 
     QuadNode* addQuad(float halfSize, Vec3 at, PVNODE* parent)
     {
@@ -77,20 +51,10 @@ protected:
         return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight};
     }
 
-    static Rgb pixel(ScreenPoint p)
-    {
-        GLubyte rgba[4] = {0, 0, 0, 0};
-        glReadPixels(int(std::floor(p.x)), int(std::floor(p.y)), 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-        return {double(rgba[0]), double(rgba[1]), double(rgba[2])};
-    }
-
     static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)
     {
-        const Rgb got = pixel(at);
         const std::string where = what + " at (" + std::to_string(at.x) + ", " + std::to_string(at.y) + ")";
-        EXPECT_NEAR(expected.r * 255.0, got.r, colourTolerance) << where << ", red";
-        EXPECT_NEAR(expected.g * 255.0, got.g, colourTolerance) << where << ", green";
-        EXPECT_NEAR(expected.b * 255.0, got.b, colourTolerance) << where << ", blue";
+        pvtest::expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
     }
 
     // The quad covers the projection of its centre and the points 80% of the
@@ -111,8 +75,6 @@ protected:
         }
     }
 
-    pvtest::ScratchDir scratch;
-    pvtest::LogCapture log;
     PVNODE* root = nullptr;
 };
 
@@ -125,13 +87,13 @@ TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
 
     camera->setPosition(1, 0.5, 12);
     camera->setRotation(0, 10, 0);
-    drawFrame(camera);
+    drawFrame(root, camera);
     expectQuadOnScreen(Mat4::rotationY(-10) * Mat4::translation(-1, -0.5, -12), {-1, 0.5, 0}, 1.5, orange,
                        "free camera");
 
     camera->setRotation(5, -8, 0);
     camera->setPreRotation(0, 0, 30);
-    drawFrame(camera);
+    drawFrame(root, camera);
     expectQuadOnScreen(Mat4::rotationZ(30) * Mat4::rotationX(-5) * Mat4::rotationY(8) *
                            Mat4::translation(-1, -0.5, -12),
                        {-1, 0.5, 0}, 1.5, orange, "free camera with a pre-rotation");
@@ -139,7 +101,7 @@ TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
     camera->setTargetNode(camera);
     camera->setPosition(4, 3, 10);
     camera->setTarget(-1, 0.5, 0);
-    drawFrame(camera);
+    drawFrame(root, camera);
     const Mat4 lookingAtQuad = Mat4::lookAt({4, 3, 10}, {-1, 0.5, 0}, {0, 1, 0});
     expectQuadOnScreen(lookingAtQuad, {-1, 0.5, 0}, 1.5, orange, "look-at camera");
     const ScreenPoint aimed = project(lookingAtQuad, {-1, 0.5, 0});
@@ -156,28 +118,10 @@ TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
     followed->setColour(K3MVECTOR4D(0.0f, 1.0f, 1.0f, 1.0f));
     camera->setPosition(-5, 2, 8);
     camera->setTargetNode(followed);
-    drawFrame(camera);
+    drawFrame(root, camera);
     const Mat4 following = Mat4::lookAt({-5, 2, 8}, {2, -1, -3}, {0, 1, 0});
     expectQuadOnScreen(following, {2, -1, -3}, 1.0, {0.0, 1.0, 1.0}, "follow camera");
     expectColour({0.0, 1.0, 1.0}, {windowWidth / 2.0, windowHeight / 2.0}, "follow camera, screen centre");
-}
-
-// The fixed-function lighting of one vertex of a white material with no
-// specular or emission: global ambient, plus per light its attenuation and
-// spot factor times (light ambient + N.L times light diffuse).
-struct Lamp {
-    Rgb ambient, diffuse;
-    double factor;  // attenuation times spot factor
-    double nDotL;
-};
-
-Rgb litWhite(Rgb global, const Lamp& lamp)
-{
-    auto channel = [&](double g, double a, double d) {
-        return std::min(1.0, g + lamp.factor * (a + std::max(0.0, lamp.nDotL) * d));
-    };
-    return {channel(global.r, lamp.ambient.r, lamp.diffuse.r), channel(global.g, lamp.ambient.g, lamp.diffuse.g),
-            channel(global.b, lamp.ambient.b, lamp.diffuse.b)};
 }
 
 TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
@@ -195,7 +139,7 @@ TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
     quad->setLit(true);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 12);
-    drawFrame(camera);
+    drawFrame(root, camera);
 
     // Towards the light: (0, 0.6, 0.8); the quad's normal is +z.
     const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, 0.8});
@@ -225,7 +169,7 @@ TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
     outOfCone->setLit(true);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 20);
-    drawFrame(camera);
+    drawFrame(root, camera);
 
     // Lit per vertex: every corner (+-2, +-2, 0) of the centred quad sees the
     // spot at distance sqrt(33), 5 / sqrt(33) off the axis in cosine, well
@@ -265,7 +209,7 @@ TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
     light->link(root);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 12);
-    drawFrame(camera);
+    drawFrame(root, camera);
 
     const Mat4 view = Mat4::translation(0, 0, -12);
     auto pointerOver = [&](Vec3 world) {

@@ -275,342 +275,157 @@ std::string GlRecorder::text() const
 using pvtest::CallText;
 using pvtest::activeRecorder;
 
-// Records the call (built only while recording) and forwards it.
-#define PV_RECORD(call)                                 \
-    do {                                                \
-        if (activeRecorder)                             \
-            activeRecorder->append((call).done());      \
-    } while (0)
-#define PV_FORWARD(function, ...)                                                                          \
-    static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function));      \
-    return real(__VA_ARGS__)
+// Defines the entry point `result function parameters`: while a recorder is
+// active it appends the call's text (the function name, then the arguments
+// written by the CallText chain `recorded`), then it forwards `arguments` to
+// the real entry point.
+#define PV_INTERPOSE(result, function, parameters, arguments, recorded)                                   \
+    result function parameters                                                                             \
+    {                                                                                                      \
+        if (activeRecorder)                                                                                \
+            activeRecorder->append(CallText(#function) recorded.done());                                   \
+        static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function)); \
+        return real arguments;                                                                             \
+    }
 
 // Capabilities and fixed state.
-void glEnable(GLenum cap) { PV_RECORD(CallText("glEnable").en(cap)); PV_FORWARD(glEnable, cap); }
-void glDisable(GLenum cap) { PV_RECORD(CallText("glDisable").en(cap)); PV_FORWARD(glDisable, cap); }
-void glEnableClientState(GLenum array)
-{
-    PV_RECORD(CallText("glEnableClientState").en(array));
-    PV_FORWARD(glEnableClientState, array);
-}
-void glDisableClientState(GLenum array)
-{
-    PV_RECORD(CallText("glDisableClientState").en(array));
-    PV_FORWARD(glDisableClientState, array);
-}
-GLboolean glIsEnabled(GLenum cap) { PV_RECORD(CallText("glIsEnabled").en(cap)); PV_FORWARD(glIsEnabled, cap); }
-void glHint(GLenum target, GLenum mode)
-{
-    PV_RECORD(CallText("glHint").en(target).en(mode));
-    PV_FORWARD(glHint, target, mode);
-}
-void glShadeModel(GLenum mode) { PV_RECORD(CallText("glShadeModel").en(mode)); PV_FORWARD(glShadeModel, mode); }
-void glCullFace(GLenum mode) { PV_RECORD(CallText("glCullFace").en(mode)); PV_FORWARD(glCullFace, mode); }
-void glFrontFace(GLenum mode) { PV_RECORD(CallText("glFrontFace").en(mode)); PV_FORWARD(glFrontFace, mode); }
-void glDepthFunc(GLenum func) { PV_RECORD(CallText("glDepthFunc").en(func)); PV_FORWARD(glDepthFunc, func); }
-void glDepthMask(GLboolean flag) { PV_RECORD(CallText("glDepthMask").num(flag)); PV_FORWARD(glDepthMask, flag); }
-void glDepthRangex(GLfixed n, GLfixed f)
-{
-    PV_RECORD(CallText("glDepthRangex").num(n).num(f));
-    PV_FORWARD(glDepthRangex, n, f);
-}
-void glColorMask(GLboolean r, GLboolean g, GLboolean b, GLboolean a)
-{
-    PV_RECORD(CallText("glColorMask").num(r).num(g).num(b).num(a));
-    PV_FORWARD(glColorMask, r, g, b, a);
-}
-void glBlendFunc(GLenum sfactor, GLenum dfactor)
-{
-    PV_RECORD(CallText("glBlendFunc").raw(pvtest::blendFactorText(sfactor)).raw(pvtest::blendFactorText(dfactor)));
-    PV_FORWARD(glBlendFunc, sfactor, dfactor);
-}
-void glAlphaFuncx(GLenum func, GLfixed ref)
-{
-    PV_RECORD(CallText("glAlphaFuncx").en(func).num(ref));
-    PV_FORWARD(glAlphaFuncx, func, ref);
-}
-void glLogicOp(GLenum opcode) { PV_RECORD(CallText("glLogicOp").en(opcode)); PV_FORWARD(glLogicOp, opcode); }
-void glStencilFunc(GLenum func, GLint ref, GLuint mask)
-{
-    PV_RECORD(CallText("glStencilFunc").en(func).num(ref).num(mask));
-    PV_FORWARD(glStencilFunc, func, ref, mask);
-}
-void glStencilOp(GLenum fail, GLenum zfail, GLenum zpass)
-{
-    PV_RECORD(CallText("glStencilOp").en(fail).en(zfail).en(zpass));
-    PV_FORWARD(glStencilOp, fail, zfail, zpass);
-}
-void glStencilMask(GLuint mask) { PV_RECORD(CallText("glStencilMask").num(mask)); PV_FORWARD(glStencilMask, mask); }
-void glPolygonOffsetx(GLfixed factor, GLfixed units)
-{
-    PV_RECORD(CallText("glPolygonOffsetx").num(factor).num(units));
-    PV_FORWARD(glPolygonOffsetx, factor, units);
-}
-void glLineWidthx(GLfixed width) { PV_RECORD(CallText("glLineWidthx").num(width)); PV_FORWARD(glLineWidthx, width); }
-void glPointSizex(GLfixed size) { PV_RECORD(CallText("glPointSizex").num(size)); PV_FORWARD(glPointSizex, size); }
+PV_INTERPOSE(void, glEnable, (GLenum cap), (cap), .en(cap))
+PV_INTERPOSE(void, glDisable, (GLenum cap), (cap), .en(cap))
+PV_INTERPOSE(void, glEnableClientState, (GLenum array), (array), .en(array))
+PV_INTERPOSE(void, glDisableClientState, (GLenum array), (array), .en(array))
+PV_INTERPOSE(GLboolean, glIsEnabled, (GLenum cap), (cap), .en(cap))
+PV_INTERPOSE(void, glHint, (GLenum target, GLenum mode), (target, mode), .en(target).en(mode))
+PV_INTERPOSE(void, glShadeModel, (GLenum mode), (mode), .en(mode))
+PV_INTERPOSE(void, glCullFace, (GLenum mode), (mode), .en(mode))
+PV_INTERPOSE(void, glFrontFace, (GLenum mode), (mode), .en(mode))
+PV_INTERPOSE(void, glDepthFunc, (GLenum func), (func), .en(func))
+PV_INTERPOSE(void, glDepthMask, (GLboolean flag), (flag), .num(flag))
+PV_INTERPOSE(void, glDepthRangex, (GLfixed n, GLfixed f), (n, f), .num(n).num(f))
+PV_INTERPOSE(void, glColorMask, (GLboolean r, GLboolean g, GLboolean b, GLboolean a), (r, g, b, a),
+             .num(r).num(g).num(b).num(a))
+PV_INTERPOSE(void, glBlendFunc, (GLenum sfactor, GLenum dfactor), (sfactor, dfactor),
+             .raw(pvtest::blendFactorText(sfactor)).raw(pvtest::blendFactorText(dfactor)))
+PV_INTERPOSE(void, glAlphaFuncx, (GLenum func, GLfixed ref), (func, ref), .en(func).num(ref))
+PV_INTERPOSE(void, glLogicOp, (GLenum opcode), (opcode), .en(opcode))
+PV_INTERPOSE(void, glStencilFunc, (GLenum func, GLint ref, GLuint mask), (func, ref, mask),
+             .en(func).num(ref).num(mask))
+PV_INTERPOSE(void, glStencilOp, (GLenum fail, GLenum zfail, GLenum zpass), (fail, zfail, zpass),
+             .en(fail).en(zfail).en(zpass))
+PV_INTERPOSE(void, glStencilMask, (GLuint mask), (mask), .num(mask))
+PV_INTERPOSE(void, glPolygonOffsetx, (GLfixed factor, GLfixed units), (factor, units), .num(factor).num(units))
+PV_INTERPOSE(void, glLineWidthx, (GLfixed width), (width), .num(width))
+PV_INTERPOSE(void, glPointSizex, (GLfixed size), (size), .num(size))
 
 // Clearing, viewport, scissor, pixels.
-void glClearColorx(GLfixed r, GLfixed g, GLfixed b, GLfixed a)
-{
-    PV_RECORD(CallText("glClearColorx").num(r).num(g).num(b).num(a));
-    PV_FORWARD(glClearColorx, r, g, b, a);
-}
-void glClearDepthx(GLfixed depth) { PV_RECORD(CallText("glClearDepthx").num(depth)); PV_FORWARD(glClearDepthx, depth); }
-void glClearStencil(GLint s) { PV_RECORD(CallText("glClearStencil").num(s)); PV_FORWARD(glClearStencil, s); }
-void glClear(GLbitfield mask)
-{
-    PV_RECORD(CallText("glClear").raw(pvtest::clearMaskText(mask)));
-    PV_FORWARD(glClear, mask);
-}
-void glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
-{
-    PV_RECORD(CallText("glViewport").num(x).num(y).num(width).num(height));
-    PV_FORWARD(glViewport, x, y, width, height);
-}
-void glScissor(GLint x, GLint y, GLsizei width, GLsizei height)
-{
-    PV_RECORD(CallText("glScissor").num(x).num(y).num(width).num(height));
-    PV_FORWARD(glScissor, x, y, width, height);
-}
-void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels)
-{
-    PV_RECORD(CallText("glReadPixels").num(x).num(y).num(width).num(height).en(format).en(type));
-    PV_FORWARD(glReadPixels, x, y, width, height, format, type, pixels);
-}
-void glPixelStorei(GLenum pname, GLint param)
-{
-    PV_RECORD(CallText("glPixelStorei").en(pname).num(param));
-    PV_FORWARD(glPixelStorei, pname, param);
-}
-void glFlush() { PV_RECORD(CallText("glFlush")); PV_FORWARD(glFlush); }
-void glFinish() { PV_RECORD(CallText("glFinish")); PV_FORWARD(glFinish); }
+PV_INTERPOSE(void, glClearColorx, (GLfixed r, GLfixed g, GLfixed b, GLfixed a), (r, g, b, a),
+             .num(r).num(g).num(b).num(a))
+PV_INTERPOSE(void, glClearDepthx, (GLfixed depth), (depth), .num(depth))
+PV_INTERPOSE(void, glClearStencil, (GLint s), (s), .num(s))
+PV_INTERPOSE(void, glClear, (GLbitfield mask), (mask), .raw(pvtest::clearMaskText(mask)))
+PV_INTERPOSE(void, glViewport, (GLint x, GLint y, GLsizei width, GLsizei height), (x, y, width, height),
+             .num(x).num(y).num(width).num(height))
+PV_INTERPOSE(void, glScissor, (GLint x, GLint y, GLsizei width, GLsizei height), (x, y, width, height),
+             .num(x).num(y).num(width).num(height))
+PV_INTERPOSE(void, glReadPixels,
+             (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels),
+             (x, y, width, height, format, type, pixels), .num(x).num(y).num(width).num(height).en(format).en(type))
+PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
+PV_INTERPOSE(void, glFlush, (), (), )
+PV_INTERPOSE(void, glFinish, (), (), )
 
 // Colour, normal, lights, materials, fog.
-void glColor4x(GLfixed r, GLfixed g, GLfixed b, GLfixed a)
-{
-    PV_RECORD(CallText("glColor4x").num(r).num(g).num(b).num(a));
-    PV_FORWARD(glColor4x, r, g, b, a);
-}
-void glColor4ub(GLubyte r, GLubyte g, GLubyte b, GLubyte a)
-{
-    PV_RECORD(CallText("glColor4ub").num(r).num(g).num(b).num(a));
-    PV_FORWARD(glColor4ub, r, g, b, a);
-}
-void glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a)
-{
-    PV_RECORD(CallText("glColor4f").raw(std::to_string(r)).raw(std::to_string(g)).raw(std::to_string(b))
-                  .raw(std::to_string(a)));
-    PV_FORWARD(glColor4f, r, g, b, a);
-}
-void glNormal3x(GLfixed x, GLfixed y, GLfixed z)
-{
-    PV_RECORD(CallText("glNormal3x").num(x).num(y).num(z));
-    PV_FORWARD(glNormal3x, x, y, z);
-}
-void glLightx(GLenum light, GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glLightx").en(light).en(pname).num(param));
-    PV_FORWARD(glLightx, light, pname, param);
-}
-void glLightxv(GLenum light, GLenum pname, const GLfixed* params)
-{
-    PV_RECORD(CallText("glLightxv").en(light).en(pname).values(params, pvtest::lightValueCount(pname)));
-    PV_FORWARD(glLightxv, light, pname, params);
-}
-void glLightModelx(GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glLightModelx").en(pname).num(param));
-    PV_FORWARD(glLightModelx, pname, param);
-}
-void glLightModelxv(GLenum pname, const GLfixed* param)
-{
-    PV_RECORD(CallText("glLightModelxv").en(pname).values(param, pvtest::lightModelValueCount(pname)));
-    PV_FORWARD(glLightModelxv, pname, param);
-}
-void glMaterialx(GLenum face, GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glMaterialx").en(face).en(pname).num(param));
-    PV_FORWARD(glMaterialx, face, pname, param);
-}
-void glMaterialxv(GLenum face, GLenum pname, const GLfixed* param)
-{
-    PV_RECORD(CallText("glMaterialxv").en(face).en(pname).values(param, pvtest::materialValueCount(pname)));
-    PV_FORWARD(glMaterialxv, face, pname, param);
-}
-void glFogx(GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glFogx").en(pname).param(param));
-    PV_FORWARD(glFogx, pname, param);
-}
-void glFogxv(GLenum pname, const GLfixed* param)
-{
-    PV_RECORD(CallText("glFogxv").en(pname).values(param, pvtest::fogValueCount(pname)));
-    PV_FORWARD(glFogxv, pname, param);
-}
+PV_INTERPOSE(void, glColor4x, (GLfixed r, GLfixed g, GLfixed b, GLfixed a), (r, g, b, a),
+             .num(r).num(g).num(b).num(a))
+PV_INTERPOSE(void, glColor4ub, (GLubyte r, GLubyte g, GLubyte b, GLubyte a), (r, g, b, a),
+             .num(r).num(g).num(b).num(a))
+PV_INTERPOSE(void, glColor4f, (GLfloat r, GLfloat g, GLfloat b, GLfloat a), (r, g, b, a),
+             .raw(std::to_string(r)).raw(std::to_string(g)).raw(std::to_string(b)).raw(std::to_string(a)))
+PV_INTERPOSE(void, glNormal3x, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
+PV_INTERPOSE(void, glLightx, (GLenum light, GLenum pname, GLfixed param), (light, pname, param),
+             .en(light).en(pname).num(param))
+PV_INTERPOSE(void, glLightxv, (GLenum light, GLenum pname, const GLfixed* params), (light, pname, params),
+             .en(light).en(pname).values(params, pvtest::lightValueCount(pname)))
+PV_INTERPOSE(void, glLightModelx, (GLenum pname, GLfixed param), (pname, param), .en(pname).num(param))
+PV_INTERPOSE(void, glLightModelxv, (GLenum pname, const GLfixed* param), (pname, param),
+             .en(pname).values(param, pvtest::lightModelValueCount(pname)))
+PV_INTERPOSE(void, glMaterialx, (GLenum face, GLenum pname, GLfixed param), (face, pname, param),
+             .en(face).en(pname).num(param))
+PV_INTERPOSE(void, glMaterialxv, (GLenum face, GLenum pname, const GLfixed* param), (face, pname, param),
+             .en(face).en(pname).values(param, pvtest::materialValueCount(pname)))
+PV_INTERPOSE(void, glFogx, (GLenum pname, GLfixed param), (pname, param), .en(pname).param(param))
+PV_INTERPOSE(void, glFogxv, (GLenum pname, const GLfixed* param), (pname, param),
+             .en(pname).values(param, pvtest::fogValueCount(pname)))
 
 // Matrices.
-void glMatrixMode(GLenum mode) { PV_RECORD(CallText("glMatrixMode").en(mode)); PV_FORWARD(glMatrixMode, mode); }
-void glLoadIdentity() { PV_RECORD(CallText("glLoadIdentity")); PV_FORWARD(glLoadIdentity); }
-void glLoadMatrixx(const GLfixed* m) { PV_RECORD(CallText("glLoadMatrixx").values(m, 16)); PV_FORWARD(glLoadMatrixx, m); }
-void glMultMatrixx(const GLfixed* m) { PV_RECORD(CallText("glMultMatrixx").values(m, 16)); PV_FORWARD(glMultMatrixx, m); }
-void glPushMatrix() { PV_RECORD(CallText("glPushMatrix")); PV_FORWARD(glPushMatrix); }
-void glPopMatrix() { PV_RECORD(CallText("glPopMatrix")); PV_FORWARD(glPopMatrix); }
-void glRotatex(GLfixed angle, GLfixed x, GLfixed y, GLfixed z)
-{
-    PV_RECORD(CallText("glRotatex").num(angle).num(x).num(y).num(z));
-    PV_FORWARD(glRotatex, angle, x, y, z);
-}
-void glTranslatex(GLfixed x, GLfixed y, GLfixed z)
-{
-    PV_RECORD(CallText("glTranslatex").num(x).num(y).num(z));
-    PV_FORWARD(glTranslatex, x, y, z);
-}
-void glScalex(GLfixed x, GLfixed y, GLfixed z)
-{
-    PV_RECORD(CallText("glScalex").num(x).num(y).num(z));
-    PV_FORWARD(glScalex, x, y, z);
-}
-void glFrustumx(GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f)
-{
-    PV_RECORD(CallText("glFrustumx").num(l).num(r).num(b).num(t).num(n).num(f));
-    PV_FORWARD(glFrustumx, l, r, b, t, n, f);
-}
-void glOrthox(GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f)
-{
-    PV_RECORD(CallText("glOrthox").num(l).num(r).num(b).num(t).num(n).num(f));
-    PV_FORWARD(glOrthox, l, r, b, t, n, f);
-}
+PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
+PV_INTERPOSE(void, glLoadIdentity, (), (), )
+PV_INTERPOSE(void, glLoadMatrixx, (const GLfixed* m), (m), .values(m, 16))
+PV_INTERPOSE(void, glMultMatrixx, (const GLfixed* m), (m), .values(m, 16))
+PV_INTERPOSE(void, glPushMatrix, (), (), )
+PV_INTERPOSE(void, glPopMatrix, (), (), )
+PV_INTERPOSE(void, glRotatex, (GLfixed angle, GLfixed x, GLfixed y, GLfixed z), (angle, x, y, z),
+             .num(angle).num(x).num(y).num(z))
+PV_INTERPOSE(void, glTranslatex, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
+PV_INTERPOSE(void, glScalex, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
+PV_INTERPOSE(void, glFrustumx, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
+             (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
+PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
+             (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 
 // Arrays and drawing.
-void glVertexPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
-{
-    PV_RECORD(CallText("glVertexPointer").num(size).en(type).num(stride));
-    PV_FORWARD(glVertexPointer, size, type, stride, pointer);
-}
-void glNormalPointer(GLenum type, GLsizei stride, const void* pointer)
-{
-    PV_RECORD(CallText("glNormalPointer").en(type).num(stride));
-    PV_FORWARD(glNormalPointer, type, stride, pointer);
-}
-void glColorPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
-{
-    PV_RECORD(CallText("glColorPointer").num(size).en(type).num(stride));
-    PV_FORWARD(glColorPointer, size, type, stride, pointer);
-}
-void glTexCoordPointer(GLint size, GLenum type, GLsizei stride, const void* pointer)
-{
-    PV_RECORD(CallText("glTexCoordPointer").num(size).en(type).num(stride));
-    PV_FORWARD(glTexCoordPointer, size, type, stride, pointer);
-}
-void glDrawArrays(GLenum mode, GLint first, GLsizei count)
-{
-    PV_RECORD(CallText("glDrawArrays").raw(pvtest::primitiveText(mode)).num(first).num(count));
-    PV_FORWARD(glDrawArrays, mode, first, count);
-}
-void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
-{
-    PV_RECORD(CallText("glDrawElements").raw(pvtest::primitiveText(mode)).num(count).en(type));
-    PV_FORWARD(glDrawElements, mode, count, type, indices);
-}
+PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
+             .en(type).num(stride))
+PV_INTERPOSE(void, glColorPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glDrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count),
+             .raw(pvtest::primitiveText(mode)).num(first).num(count))
+PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
+             (mode, count, type, indices), .raw(pvtest::primitiveText(mode)).num(count).en(type))
 
 // Textures.
-void glActiveTexture(GLenum texture)
-{
-    PV_RECORD(CallText("glActiveTexture").en(texture));
-    PV_FORWARD(glActiveTexture, texture);
-}
-void glClientActiveTexture(GLenum texture)
-{
-    PV_RECORD(CallText("glClientActiveTexture").en(texture));
-    PV_FORWARD(glClientActiveTexture, texture);
-}
-void glMultiTexCoord4x(GLenum texture, GLfixed s, GLfixed t, GLfixed r, GLfixed q)
-{
-    PV_RECORD(CallText("glMultiTexCoord4x").en(texture).num(s).num(t).num(r).num(q));
-    PV_FORWARD(glMultiTexCoord4x, texture, s, t, r, q);
-}
-void glGenTextures(GLsizei n, GLuint* textures)
-{
-    PV_RECORD(CallText("glGenTextures").num(n));
-    PV_FORWARD(glGenTextures, n, textures);
-}
-void glDeleteTextures(GLsizei n, const GLuint* textures)
-{
-    PV_RECORD(CallText("glDeleteTextures").num(n).values(textures, n));
-    PV_FORWARD(glDeleteTextures, n, textures);
-}
-void glBindTexture(GLenum target, GLuint texture)
-{
-    PV_RECORD(CallText("glBindTexture").en(target).num(texture));
-    PV_FORWARD(glBindTexture, target, texture);
-}
-void glTexImage2D(GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
-                  GLenum format, GLenum type, const void* pixels)
-{
-    PV_RECORD(CallText("glTexImage2D").en(target).num(level).param(internalformat).num(width).num(height)
-                  .num(border).en(format).en(type));
-    PV_FORWARD(glTexImage2D, target, level, internalformat, width, height, border, format, type, pixels);
-}
-void glTexSubImage2D(GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
-                     GLenum format, GLenum type, const void* pixels)
-{
-    PV_RECORD(CallText("glTexSubImage2D").en(target).num(level).num(xoffset).num(yoffset).num(width)
-                  .num(height).en(format).en(type));
-    PV_FORWARD(glTexSubImage2D, target, level, xoffset, yoffset, width, height, format, type, pixels);
-}
-void glCopyTexImage2D(GLenum target, GLint level, GLenum internalformat, GLint x, GLint y, GLsizei width,
-                      GLsizei height, GLint border)
-{
-    PV_RECORD(CallText("glCopyTexImage2D").en(target).num(level).en(internalformat).num(x).num(y).num(width)
-                  .num(height).num(border));
-    PV_FORWARD(glCopyTexImage2D, target, level, internalformat, x, y, width, height, border);
-}
-void glTexParameterx(GLenum target, GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glTexParameterx").en(target).en(pname).param(param));
-    PV_FORWARD(glTexParameterx, target, pname, param);
-}
-void glTexParameteri(GLenum target, GLenum pname, GLint param)
-{
-    PV_RECORD(CallText("glTexParameteri").en(target).en(pname).param(param));
-    PV_FORWARD(glTexParameteri, target, pname, param);
-}
-void glTexParameterf(GLenum target, GLenum pname, GLfloat param)
-{
-    PV_RECORD(CallText("glTexParameterf").en(target).en(pname).param(static_cast<GLint>(param)));
-    PV_FORWARD(glTexParameterf, target, pname, param);
-}
-void glTexEnvx(GLenum target, GLenum pname, GLfixed param)
-{
-    PV_RECORD(CallText("glTexEnvx").en(target).en(pname).param(param));
-    PV_FORWARD(glTexEnvx, target, pname, param);
-}
-void glTexEnvi(GLenum target, GLenum pname, GLint param)
-{
-    PV_RECORD(CallText("glTexEnvi").en(target).en(pname).param(param));
-    PV_FORWARD(glTexEnvi, target, pname, param);
-}
-void glTexEnvxv(GLenum target, GLenum pname, const GLfixed* params)
-{
-    PV_RECORD(CallText("glTexEnvxv").en(target).en(pname).values(params, pvtest::texEnvValueCount(pname)));
-    PV_FORWARD(glTexEnvxv, target, pname, params);
-}
+PV_INTERPOSE(void, glActiveTexture, (GLenum texture), (texture), .en(texture))
+PV_INTERPOSE(void, glClientActiveTexture, (GLenum texture), (texture), .en(texture))
+PV_INTERPOSE(void, glMultiTexCoord4x, (GLenum texture, GLfixed s, GLfixed t, GLfixed r, GLfixed q),
+             (texture, s, t, r, q), .en(texture).num(s).num(t).num(r).num(q))
+PV_INTERPOSE(void, glGenTextures, (GLsizei n, GLuint* textures), (n, textures), .num(n))
+PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures),
+             .num(n).values(textures, n))
+PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture), .en(target).num(texture))
+PV_INTERPOSE(void, glTexImage2D,
+             (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
+              GLenum format, GLenum type, const void* pixels),
+             (target, level, internalformat, width, height, border, format, type, pixels),
+             .en(target).num(level).param(internalformat).num(width).num(height).num(border).en(format).en(type))
+PV_INTERPOSE(void, glTexSubImage2D,
+             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
+              GLenum format, GLenum type, const void* pixels),
+             (target, level, xoffset, yoffset, width, height, format, type, pixels),
+             .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
+PV_INTERPOSE(void, glCopyTexImage2D,
+             (GLenum target, GLint level, GLenum internalformat, GLint x, GLint y, GLsizei width, GLsizei height,
+              GLint border),
+             (target, level, internalformat, x, y, width, height, border),
+             .en(target).num(level).en(internalformat).num(x).num(y).num(width).num(height).num(border))
+PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
+             .en(target).en(pname).param(param))
+PV_INTERPOSE(void, glTexParameteri, (GLenum target, GLenum pname, GLint param), (target, pname, param),
+             .en(target).en(pname).param(param))
+PV_INTERPOSE(void, glTexParameterf, (GLenum target, GLenum pname, GLfloat param), (target, pname, param),
+             .en(target).en(pname).param(static_cast<GLint>(param)))
+PV_INTERPOSE(void, glTexEnvx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
+             .en(target).en(pname).param(param))
+PV_INTERPOSE(void, glTexEnvi, (GLenum target, GLenum pname, GLint param), (target, pname, param),
+             .en(target).en(pname).param(param))
+PV_INTERPOSE(void, glTexEnvxv, (GLenum target, GLenum pname, const GLfixed* params), (target, pname, params),
+             .en(target).en(pname).values(params, pvtest::texEnvValueCount(pname)))
 
 // Queries.
-void glGetIntegerv(GLenum pname, GLint* data)
-{
-    PV_RECORD(CallText("glGetIntegerv").en(pname));
-    PV_FORWARD(glGetIntegerv, pname, data);
-}
-void glGetFixedv(GLenum pname, GLfixed* params)
-{
-    PV_RECORD(CallText("glGetFixedv").en(pname));
-    PV_FORWARD(glGetFixedv, pname, params);
-}
-void glGetBooleanv(GLenum pname, GLboolean* data)
-{
-    PV_RECORD(CallText("glGetBooleanv").en(pname));
-    PV_FORWARD(glGetBooleanv, pname, data);
-}
-const GLubyte* glGetString(GLenum name) { PV_RECORD(CallText("glGetString").en(name)); PV_FORWARD(glGetString, name); }
-GLenum glGetError() { PV_RECORD(CallText("glGetError")); PV_FORWARD(glGetError); }
+PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))
+PV_INTERPOSE(void, glGetFixedv, (GLenum pname, GLfixed* params), (pname, params), .en(pname))
+PV_INTERPOSE(void, glGetBooleanv, (GLenum pname, GLboolean* data), (pname, data), .en(pname))
+PV_INTERPOSE(const GLubyte*, glGetString, (GLenum name), (name), .en(name))
+PV_INTERPOSE(GLenum, glGetError, (), (), )

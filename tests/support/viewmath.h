@@ -45,29 +45,18 @@ struct Mat4 {
         m.a[2][3] = z;
         return m;
     }
-    // Right-handed rotation of deg degrees about the X, Y or Z axis.
-    static Mat4 rotationX(double deg)
+    // Right-handed rotation of deg degrees about the X, Y or Z axis: in the
+    // plane of the two other axes i, j (cyclic order), i turns towards j.
+    static Mat4 rotationX(double deg) { return rotation(0, deg); }
+    static Mat4 rotationY(double deg) { return rotation(1, deg); }
+    static Mat4 rotationZ(double deg) { return rotation(2, deg); }
+    static Mat4 rotation(int axis, double deg)
     {
         const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
+        const int i = (axis + 1) % 3, j = (axis + 2) % 3;
         Mat4 m = identity();
-        m.a[1][1] = c; m.a[1][2] = -s;
-        m.a[2][1] = s; m.a[2][2] = c;
-        return m;
-    }
-    static Mat4 rotationY(double deg)
-    {
-        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
-        Mat4 m = identity();
-        m.a[0][0] = c; m.a[0][2] = s;
-        m.a[2][0] = -s; m.a[2][2] = c;
-        return m;
-    }
-    static Mat4 rotationZ(double deg)
-    {
-        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
-        Mat4 m = identity();
-        m.a[0][0] = c; m.a[0][1] = -s;
-        m.a[1][0] = s; m.a[1][1] = c;
+        m.a[i][i] = c; m.a[i][j] = -s;
+        m.a[j][i] = s; m.a[j][j] = c;
         return m;
     }
     // The classic look-at view: forward F = centre - eye, side S = F x up,
