@@ -18,26 +18,13 @@ PVFBO::PVFBO()
       frameBufferHandle(0), renderBufferHandle(0)
 {
     snprintf(name, sizeof(name), "[fbo %d]", id);
-    if (!firstFbo) {
-        firstFbo = this;
-        return;
-    }
-    PVFBO* last = firstFbo;
-    while (last->next)
-        last = last->next;
-    last->next = this;
-    previous = last;
+    Registry::append(this);
 }
 
 PVFBO::~PVFBO()
 {
     kvfReleaseId(id);
-    if (previous)
-        previous->next = next;
-    else
-        firstFbo = next;
-    if (next)
-        next->previous = previous;
+    Registry::remove(this);
     if (currentFbo == this)
         currentFbo = nullptr;
 }
@@ -46,22 +33,12 @@ bool PVFBO::cleanUp()
 {
     if (!firstFbo)
         return false;
-    int count = 0;
-    while (firstFbo) {
-        delete firstFbo;
-        count++;
-    }
+    const int count = Registry::deleteAll();
     kvfLog("   %d fbo(s) released\n", count);
     return true;
 }
 
-unsigned int PVFBO::getNumberOfFbos()
-{
-    unsigned int count = 0;
-    for (PVFBO* fbo = firstFbo; fbo; fbo = fbo->next)
-        count++;
-    return count;
-}
+unsigned int PVFBO::getNumberOfFbos() { return Registry::count(); }
 
 bool PVFBO::isOk() { return PVOPENGL::useFBO(); }
 

@@ -4,6 +4,8 @@
 #ifndef PVFBO_H
 #define PVFBO_H
 
+#include "core/pvregistry.h"
+
 #define PV_FBO_NAME_SIZE 256
 
 class PVTEXTURE;
@@ -52,6 +54,8 @@ private:
     static PVFBO* firstFbo;
     static PVFBO* currentFbo;
     static int viewport[4];
+
+    using Registry = PVREGISTRY<PVFBO, &PVFBO::firstFbo, &PVFBO::previous, &PVFBO::next>;
 };
 
 #endif

@@ -78,26 +78,13 @@ PVSHADER::PVSHADER()
     snprintf(name, sizeof(name), "[shader %d]", id);
     strcpy(vsFilename, "[none]");
     strcpy(psFilename, "[none]");
-    if (!firstShader) {
-        firstShader = this;
-        return;
-    }
-    PVSHADER* last = firstShader;
-    while (last->next)
-        last = last->next;
-    last->next = this;
-    previous = last;
+    Registry::append(this);
 }
 
 PVSHADER::~PVSHADER()
 {
     kvfReleaseId(id);
-    if (previous)
-        previous->next = next;
-    else
-        firstShader = next;
-    if (next)
-        next->previous = previous;
+    Registry::remove(this);
     if (currentShader == this)
         currentShader = nullptr;
 }
@@ -119,11 +106,7 @@ bool PVSHADER::cleanUp()
 {
     if (!firstShader)
         return false;
-    int count = 0;
-    while (firstShader) {
-        delete firstShader;
-        count++;
-    }
+    const int count = Registry::deleteAll();
     // The built-in pointers must not outlive the shaders they named.
     for (int i = 0; i < PV_SHADER_BUILTINS; i++)
         *builtIn(i) = nullptr;
@@ -131,31 +114,11 @@ bool PVSHADER::cleanUp()
     return true;
 }
 
-int PVSHADER::getNumberOfShaders()
-{
-    int count = 0;
-    for (PVSHADER* shader = firstShader; shader; shader = shader->next)
-        count++;
-    return count;
-}
+int PVSHADER::getNumberOfShaders() { return static_cast<int>(Registry::count()); }
 
-PVSHADER* PVSHADER::findByName(const char* wanted)
-{
-    if (!wanted)
-        return nullptr;
-    for (PVSHADER* shader = firstShader; shader; shader = shader->next)
-        if (strcmp(shader->name, wanted) == 0)
-            return shader;
-    return nullptr;
-}
+PVSHADER* PVSHADER::findByName(const char* wanted) { return Registry::findByText(&PVSHADER::name, wanted); }
 
-PVSHADER* PVSHADER::findById(unsigned int wanted)
-{
-    for (PVSHADER* shader = firstShader; shader; shader = shader->next)
-        if (shader->id == wanted)
-            return shader;
-    return nullptr;
-}
+PVSHADER* PVSHADER::findById(unsigned int wanted) { return Registry::findByValue(&PVSHADER::id, wanted); }
 
 PVSHADER* PVSHADER::getFirst() { return firstShader; }
 PVSHADER* PVSHADER::getNext() { return next; }

@@ -5,6 +5,8 @@
 #ifndef PVSHADER_H
 #define PVSHADER_H
 
+#include "core/pvregistry.h"
+
 #define PV_SHADER_NAME_SIZE 256
 #define PV_SHADER_PARAMS 28
 #define PV_SHADER_BUILTINS 35
@@ -143,6 +145,8 @@ private:
     static bool skydomeFlag;
     static bool waterFlag;
     static bool terrainFlag;
+
+    using Registry = PVREGISTRY<PVSHADER, &PVSHADER::firstShader, &PVSHADER::previous, &PVSHADER::next>;
 };
 
 #endif

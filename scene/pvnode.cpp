@@ -27,7 +27,7 @@ PVNODE::PVNODE()
       nextNode(nullptr), numberOfChildren(0), parent(nullptr), children(nullptr)
 {
     setDefaultName("[node %d]");
-    appendToRegistry();
+    Registry::append(this);
 }
 
 PVNODE::PVNODE(bool) : PVNODE() {}
@@ -36,7 +36,7 @@ PVNODE::~PVNODE()
 {
     kvfReleaseId(id);
     replaceChildren(nullptr, 0);
-    removeFromRegistry();
+    Registry::remove(this);
 }
 
 bool PVNODE::render(void *)
@@ -47,30 +47,6 @@ bool PVNODE::render(void *)
 void PVNODE::setDefaultName(const char *format)
 {
     snprintf(name, sizeof(name), format, static_cast<int>(id));
-}
-
-void PVNODE::appendToRegistry()
-{
-    if (!firstNode) {
-        firstNode = this;
-        return;
-    }
-    PVNODE *last = firstNode;
-    while (last->nextNode)
-        last = last->nextNode;
-    last->nextNode = this;
-    previousNode = last;
-}
-
-void PVNODE::removeFromRegistry()
-{
-    if (previousNode)
-        previousNode->nextNode = nextNode;
-    if (nextNode)
-        nextNode->previousNode = previousNode;
-    if (firstNode == this)
-        firstNode = nextNode;
-    previousNode = nextNode = nullptr;
 }
 
 void PVNODE::setName(const char *newName)
@@ -256,42 +232,24 @@ bool PVNODE::pass(bool flag)
 
 unsigned int PVNODE::getNumberOfNodes()
 {
-    unsigned int count = 0;
-    for (PVNODE *node = firstNode; node; node = node->nextNode)
-        count++;
-    return count;
+    return Registry::count();
 }
 
 PVNODE *PVNODE::findByName(const char *wanted)
 {
-    if (!wanted)
-        return nullptr;
-    for (PVNODE *node = firstNode; node; node = node->nextNode)
-        if (strcmp(node->name, wanted) == 0)
-            return node;
-    return nullptr;
+    return Registry::findByText(&PVNODE::name, wanted);
 }
 
 PVNODE *PVNODE::findById(unsigned int wanted)
 {
-    for (PVNODE *node = firstNode; node; node = node->nextNode)
-        if (node->id == wanted)
-            return node;
-    return nullptr;
+    return Registry::findByValue(&PVNODE::id, wanted);
 }
 
 bool PVNODE::cleanUp()
 {
     if (!firstNode)
         return false;
-    int count = 0;
-    for (PVNODE *node = firstNode; node;) {
-        PVNODE *next = node->nextNode;
-        delete node;
-        node = next;
-        count++;
-    }
-    firstNode = nullptr;
+    const int count = Registry::deleteAll();
     kvfLog("   %d node(s) released @ PVNODE::cleanUp\n", count);
     return true;
 }

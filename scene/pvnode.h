@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "core/pvregistry.h"
 #include "math/k3mmatrix.h"
 #include "math/k3mvector3d.h"
 
@@ -185,6 +186,8 @@ protected:
     static PVNODE *firstNode;
 
 private:
+    using Registry = PVREGISTRY<PVNODE, &PVNODE::firstNode, &PVNODE::previousNode, &PVNODE::nextNode>;
+
     // The scene-file reader builds parent and children links directly.
     friend class PEVRANO;
     // The render list applies local transforms while it walks a subtree.
@@ -195,8 +198,6 @@ private:
         vector.x = x;
         vector.y = y;
     }
-    void appendToRegistry();
-    void removeFromRegistry();
     int findChildIndex(const PVNODE *child) const;
     bool replaceChildren(PVNODE **newChildren, unsigned int count);
 };

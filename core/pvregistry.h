@@ -1,0 +1,90 @@
+// Class-wide registry of live objects: a doubly linked list threaded through
+// each object's own previous/next members, headed by a static pointer of the
+// class. Objects join at the tail when constructed and leave when destroyed;
+// searches return the first match in registry order.
+#ifndef PVREGISTRY_H
+#define PVREGISTRY_H
+
+#include <cstddef>
+#include <cstring>
+
+template <class T, T **Head, T *T::*Previous, T *T::*Next>
+class PVREGISTRY {
+public:
+    // Links object behind the last registered one (walking from the head).
+    static void append(T *object)
+    {
+        if (!*Head) {
+            *Head = object;
+            return;
+        }
+        T *last = *Head;
+        while (last->*Next)
+            last = last->*Next;
+        last->*Next = object;
+        object->*Previous = last;
+    }
+
+    // Unlinks object from its neighbours; a removed head passes the head on.
+    static void remove(T *object)
+    {
+        if (object->*Previous)
+            (object->*Previous)->*Next = object->*Next;
+        if (object->*Next)
+            (object->*Next)->*Previous = object->*Previous;
+        if (*Head == object)
+            *Head = object->*Next;
+        object->*Previous = nullptr;
+        object->*Next = nullptr;
+    }
+
+    static unsigned int count()
+    {
+        unsigned int total = 0;
+        for (T *object = *Head; object; object = object->*Next)
+            total++;
+        return total;
+    }
+
+    template <class Predicate>
+    static T *find(Predicate matches)
+    {
+        for (T *object = *Head; object; object = object->*Next)
+            if (matches(*object))
+                return object;
+        return nullptr;
+    }
+
+    // First object whose text field equals wanted exactly; null for null.
+    template <size_t Size>
+    static T *findByText(char (T::*field)[Size], const char *wanted)
+    {
+        if (!wanted)
+            return nullptr;
+        return find([field, wanted](const T &object) { return strcmp(object.*field, wanted) == 0; });
+    }
+
+    template <class Value>
+    static T *findByValue(Value T::*field, Value wanted)
+    {
+        return find([field, wanted](const T &object) { return object.*field == wanted; });
+    }
+
+    // Deletes every object in registry order, reading each one's successor
+    // before deleting it, and leaves the registry empty. Returns how many
+    // objects were deleted.
+    static int deleteAll()
+    {
+        int total = 0;
+        for (T *object = *Head; object;) {
+            T *next = object->*Next;
+            delete object;
+            object = next;
+            total++;
+        }
+        *Head = nullptr;
+        return total;
+    }
+};
+
+#endif
