@@ -79,7 +79,7 @@ public:
 
 private:
     // Test suites reach the private helpers here.
-    friend struct PEVRANOTESTACCESS;
+    friend struct PVTESTACCESS;
 
     static bool initClasses(PVSETTINGS* settings);
     static bool failStartUp(const char* message, int succeeded);

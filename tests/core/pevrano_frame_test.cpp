@@ -15,11 +15,7 @@
 #include "core/pvopengl.h"
 #include "enginefixture.h"
 #include "scene/pvlight.h"
-
-// Reaches the pixel-code read-back of the picking code.
-struct PEVRANOTESTACCESS {
-    static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }
-};
+#include "support/testaccess.h"
 
 namespace {
 
@@ -346,7 +342,7 @@ TEST_F(Frame, PixelCodeFollowsTheColourDepthInForce)
     start();
     PVOPENGL::setBackgroundColor(1.0f, 21.0f / 63.0f, 10.0f / 31.0f, 1.0f);
     PEVRANO::clear(true, false, false);
-    const unsigned int code = PEVRANOTESTACCESS::readPixelCode(5, 5);
+    const unsigned int code = PVTESTACCESS::readPixelCode(5, 5);
     switch (PVSETTINGS::getSDLColorDepth()) {
     case 16:
         EXPECT_FALSE(pvtest::onX11());

@@ -1,11 +1,12 @@
 // Reaches the class-wide entry points that the engine keeps for PEVRANO
-// (start-up, shut-down) and the capability flags nothing public can set, so
-// that unit tests can drive them without starting the whole engine. The
-// classes name this struct as a friend.
+// (start-up, shut-down, the picking read-back) and the capability flags
+// nothing public can set, so that unit tests can drive them without starting
+// the whole engine. The classes name this struct as a friend.
 #ifndef PEVRANO_TESTS_TESTACCESS_H
 #define PEVRANO_TESTS_TESTACCESS_H
 
 #include "assets/pvshader.h"
+#include "core/pevrano.h"
 #include "core/pvopengl.h"
 
 struct PVTESTACCESS {
@@ -20,6 +21,9 @@ struct PVTESTACCESS {
     static bool shaderEnabled() { return PVSHADER::enabled; }
     static PVSHADER* currentShader() { return PVSHADER::currentShader; }
     static void setCurrentShader(PVSHADER* shader) { PVSHADER::currentShader = shader; }
+
+    // The colour-code read-back of picking, without drawing anything.
+    static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }
 };
 
 #endif
