@@ -44,8 +44,6 @@ namespace {
 
 // There is no hardware query for video memory on this target.
 const unsigned int defaultVideoMemory = 16u * 1024u * 1024u;
-const int selectionProfile = PV_OPENGL_PROFILE_SELECTION;
-const int normalProfile = PV_OPENGL_PROFILE_NORMAL;
 
 // Class-wide start-up steps of init, in order; a failure releases the ones before it.
 enum StartUpStep { SETTINGS_STARTED = 1, OPENGL_STARTED, SHADERS_STARTED, ELEMENTS_STARTED, FONTS_STARTED,
@@ -289,7 +287,7 @@ bool PEVRANO::end3D(bool)
         PVOPENGL::setProfile(PV_OPENGL_PROFILE_DOF);
         renderPassedElements();
         PVSHADER::disable();
-        PVOPENGL::setProfile(normalProfile);
+        PVOPENGL::setProfile(PV_OPENGL_PROFILE_NORMAL);
         renderOnFbo(0);
         glClear(GL_DEPTH_BUFFER_BIT);
     }
@@ -308,10 +306,7 @@ void PEVRANO::renderSkybox()
     PV_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     PV_glLoadIdentity();
     PV_glMultMatrixf(PVCAMERA::getCameraMatrix()->m);
-    const K3MVECTOR3D rotation = skybox->getRotation();
-    PV_glRotatef(rotation.x, 1.0f, 0.0f, 0.0f);
-    PV_glRotatef(rotation.y, 0.0f, 1.0f, 0.0f);
-    PV_glRotatef(rotation.z, 0.0f, 0.0f, 1.0f);
+    PVNODE::applyRotation(skybox->getRotation());
     K3MMATRIX view;
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, view.m);
     view.setTranslation(0.0f, 0.0f, 0.0f);
@@ -399,7 +394,6 @@ unsigned int PEVRANO::select(int x, int y)
         y = x;
         x = landscapeX;
     }
-    const GLint viewport[4] = {0, 0, width, height};
     const int pixelY = height - y;
     // A first read-back before anything is drawn.
     readPixelCode(x, pixelY);
@@ -416,10 +410,10 @@ unsigned int PEVRANO::select(int x, int y)
     PVOPENGL::scissorOn();
     clear(true, true, false);
     glDepthFunc(GL_LEQUAL);
-    PVOPENGL::setProfile(selectionProfile);
+    PVOPENGL::setProfile(PV_OPENGL_PROFILE_SELECTION);
     renderPassedElementsForSelection();
     PVOPENGL::setBackgroundColor(background);
-    PVOPENGL::setProfile(normalProfile);
+    PVOPENGL::setProfile(PV_OPENGL_PROFILE_NORMAL);
 
     const unsigned int code = readPixelCode(x, pixelY);
 
@@ -432,7 +426,8 @@ unsigned int PEVRANO::select(int x, int y)
     PV_glLoadIdentity();
     PV_glMatrixMode(GL_PROJECTION);
     PV_glPopMatrix();
-    glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+    // The viewport goes back to the whole window.
+    glViewport(0, 0, width, height);
     PV_glMatrixMode(GL_MODELVIEW);
     PV_glPopMatrix();
     PVOPENGL::scissorOff();

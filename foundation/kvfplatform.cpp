@@ -1,6 +1,5 @@
 #include "foundation/kvfplatform.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>

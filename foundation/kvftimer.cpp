@@ -18,9 +18,13 @@ struct TimerSlot {
 
 TimerSlot timers[timerCount];
 
-// The slot behind a handle, or null for an out-of-range handle or a free slot.
-TimerSlot* usedSlot(int timer) {
-    if (timer < 0 || timer >= timerCount || timers[timer].rate == 0.0f) return nullptr;
+// The slot behind a handle; null, with the caller's "wrong params" line, for
+// an out-of-range handle or a free slot.
+TimerSlot* usedSlot(int timer, const char* caller) {
+    if (timer < 0 || timer >= timerCount || timers[timer].rate == 0.0f) {
+        kvfLog("%s: wrong params\n", caller);
+        return nullptr;
+    }
     return &timers[timer];
 }
 
@@ -44,21 +48,15 @@ int kvfNewTimer(float rate) {
 }
 
 bool kvfFreeTimer(int timer) {
-    TimerSlot* slot = usedSlot(timer);
-    if (!slot) {
-        kvfLog("kvfFreeTimer: wrong params\n");
-        return false;
-    }
+    TimerSlot* slot = usedSlot(timer, "kvfFreeTimer");
+    if (!slot) return false;
     slot->rate = 0.0f;
     return true;
 }
 
 bool kvfAdjournTimer(int timer) {
-    TimerSlot* slot = usedSlot(timer);
-    if (!slot) {
-        kvfLog("kvfAdjournTimer: wrong params\n");
-        return false;
-    }
+    TimerSlot* slot = usedSlot(timer, "kvfAdjournTimer");
+    if (!slot) return false;
     slot->now = kvfPerformanceCounter();
     float ticks = static_cast<float>(slot->now - slot->last);
     float frequency = static_cast<float>(slot->frequency);
@@ -70,19 +68,13 @@ bool kvfAdjournTimer(int timer) {
 }
 
 float kvfGetTimerFactor(int timer) {
-    const TimerSlot* slot = usedSlot(timer);
-    if (!slot) {
-        kvfLog("kvfGetTimerFactor: wrong params\n");
-        return -1.0f;
-    }
+    const TimerSlot* slot = usedSlot(timer, "kvfGetTimerFactor");
+    if (!slot) return -1.0f;
     return slot->factor;
 }
 
 float kvfGetTimerFps(int timer) {
-    const TimerSlot* slot = usedSlot(timer);
-    if (!slot) {
-        kvfLog("kvfGetTimerFps: wrong params\n");
-        return -1.0f;
-    }
+    const TimerSlot* slot = usedSlot(timer, "kvfGetTimerFps");
+    if (!slot) return -1.0f;
     return slot->fps;
 }

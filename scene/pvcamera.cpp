@@ -13,33 +13,6 @@ PVCAMERA::PVCAMERA() : upDirection(0.0f, 1.0f, 0.0f)
     setDefaultName("[camera %d]");
 }
 
-PVCAMERA::PVCAMERA(const PVCAMERA& other)
-    : PVNODE(other),
-      preRotation(other.preRotation),
-      upDirection(other.upDirection),
-      thisCameraMatrix(other.thisCameraMatrix)
-{
-}
-
-PVCAMERA& PVCAMERA::operator=(const PVCAMERA& other)
-{
-    PVNODE::operator=(other);
-    preRotation = other.preRotation;
-    upDirection = other.upDirection;
-    thisCameraMatrix = other.thisCameraMatrix;
-    return *this;
-}
-
-PVCAMERA::~PVCAMERA() = default;
-
-// The eye: the position, or with positioning 1 the translation of the matrix.
-K3MVECTOR3D PVCAMERA::eyePosition()
-{
-    if (positioning == PV_POSITIONING_MATRIX)
-        return matrix.getTranslation();
-    return position;
-}
-
 // Free mode: the camera's own matrix as it stands, or the inverse of the node
 // transform. The rotation order Z, X, Y is not the exact inverse of the node
 // order X, Y, Z; views built on it rely on this order.
@@ -75,11 +48,9 @@ void PVCAMERA::lookAt(const K3MVECTOR3D& eye, const K3MVECTOR3D& centre, const K
 bool PVCAMERA::render(void*)
 {
     PV_glLoadIdentity();
-    PV_glRotatef(preRotation.x, 1.0f, 0.0f, 0.0f);
-    PV_glRotatef(preRotation.y, 0.0f, 1.0f, 0.0f);
-    PV_glRotatef(preRotation.z, 0.0f, 0.0f, 1.0f);
+    applyRotation(preRotation);
 
-    const K3MVECTOR3D eye = eyePosition();
+    const K3MVECTOR3D eye = placedPosition();
     if (targetNode == nullptr) {
         applyInverseTransform();
     } else if (targetNode == this) {

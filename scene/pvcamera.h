@@ -13,9 +13,9 @@
 class PVCAMERA : public PVNODE {
 public:
     PVCAMERA();
-    PVCAMERA(const PVCAMERA& other);
-    PVCAMERA& operator=(const PVCAMERA& other);
-    ~PVCAMERA() override;
+    PVCAMERA(const PVCAMERA& other) = default;
+    PVCAMERA& operator=(const PVCAMERA& other) = default;
+    ~PVCAMERA() override = default;
 
     // Replaces the current matrix with the view matrix and publishes it;
     // the argument is not used. Returns true.
@@ -38,7 +38,6 @@ public:
     static PVCAMERA* getThisPassCamera();
 
 private:
-    K3MVECTOR3D eyePosition();
     void applyInverseTransform();
     static void lookAt(const K3MVECTOR3D& eye, const K3MVECTOR3D& centre, const K3MVECTOR3D& up);
 

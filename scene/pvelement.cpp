@@ -118,7 +118,8 @@ bool PVELEMENT::pass(PVNODE *node, bool flag)
     return passNode(node, flag);
 }
 
-// The flag is only handed on, to the first child of a minimised window.
+// The flag is not used: the first child of a minimised window is passed with
+// it set, every other child with it clear.
 bool PVELEMENT::passNode(PVNODE *node, bool)
 {
     PV_glPushMatrix();
@@ -134,18 +135,17 @@ bool PVELEMENT::passNode(PVNODE *node, bool)
     if (type == PV_TYPE_WINDOW && queries.isMinimizedWindow(node)) {
         if (node->getNumberOfChildren())
             node->getChild(0)->pass(true);
-        PV_glPopMatrix();
-        return true;
+    } else {
+        passChildren(node);
     }
-    return passChildren(node);
+    PV_glPopMatrix();
+    return true;
 }
 
-bool PVELEMENT::passChildren(PVNODE *node)
+void PVELEMENT::passChildren(PVNODE *node)
 {
     for (unsigned int i = 0; i < node->getNumberOfChildren(); i++)
         node->getChild(i)->pass(false);
-    PV_glPopMatrix();
-    return true;
 }
 
 // Distance culling of mesh-like nodes against the eye at the origin of the

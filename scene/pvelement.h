@@ -96,7 +96,7 @@ private:
     static bool isClipped(PVNODE *node);
     static void addRecord(PVNODE *node);
     static void countRecord(PVNODE *node);
-    static bool passChildren(PVNODE *node);
+    static void passChildren(PVNODE *node);
     static bool isTransparent(PVNODE *node);
     static int drawingRank(PVNODE *node);
     static float sortDepth(const PVELEMENT *record);

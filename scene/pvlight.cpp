@@ -22,36 +22,6 @@ PVLIGHT::PVLIGHT()
 {
     type = PV_TYPE_LIGHT;
     setDefaultName("[light %d]");
-    direction.set(0.0f, 0.0f, 0.0f);
-}
-
-PVLIGHT::PVLIGHT(const PVLIGHT& other) : PVNODE(other)
-{
-    copyLightFields(other);
-}
-
-PVLIGHT& PVLIGHT::operator=(const PVLIGHT& other)
-{
-    PVNODE::operator=(other);
-    copyLightFields(other);
-    return *this;
-}
-
-PVLIGHT::~PVLIGHT() = default;
-
-void PVLIGHT::copyLightFields(const PVLIGHT& other)
-{
-    lightType = other.lightType;
-    ambient = other.ambient;
-    diffuse = other.diffuse;
-    specular = other.specular;
-    attenuation = other.attenuation;
-    cutOff = other.cutOff;
-    exponent = other.exponent;
-    exclusive = other.exclusive;
-    shadowCaster = other.shadowCaster;
-    shadowNearPlane = other.shadowNearPlane;
-    shadowFarPlane = other.shadowFarPlane;
 }
 
 void PVLIGHT::lightingOn()
@@ -98,14 +68,6 @@ bool PVLIGHT::activateNearest(PVELEMENT* element)
     return true;
 }
 
-// The eye: the position, or with positioning 1 the translation of the matrix.
-K3MVECTOR3D PVLIGHT::eyePosition()
-{
-    if (positioning == PV_POSITIONING_MATRIX)
-        return matrix.getTranslation();
-    return position;
-}
-
 // A light aimed at its own target vector or at another node points there;
 // an unaimed light keeps the direction it was given.
 void PVLIGHT::aim()
@@ -114,7 +76,7 @@ void PVLIGHT::aim()
         return;
     const K3MVECTOR3D centre =
         targetNode == this ? target : targetNode->getFinalMatrix(nullptr).getTranslation();
-    direction = centre - eyePosition();
+    direction = centre - placedPosition();
     direction.normalize();
 }
 
@@ -166,9 +128,7 @@ bool PVLIGHT::render(void* element)
 
     // Position and spot direction are taken in the light's own frame.
     PV_glLoadMatrixf(record->getMatrix()->m);
-    PV_glRotatef(rotation.x, 1.0f, 0.0f, 0.0f);
-    PV_glRotatef(rotation.y, 0.0f, 1.0f, 0.0f);
-    PV_glRotatef(rotation.z, 0.0f, 0.0f, 1.0f);
+    applyRotation(rotation);
     PV_glLightfv(slot, GL_POSITION, glPosition);
     PV_glLightfv(slot, GL_SPOT_DIRECTION, spotDirection);
     return true;

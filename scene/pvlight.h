@@ -20,9 +20,9 @@ enum PV_LIGHT_TYPE : int32_t {
 class PVLIGHT : public PVNODE {
 public:
     PVLIGHT();
-    PVLIGHT(const PVLIGHT& other);
-    PVLIGHT& operator=(const PVLIGHT& other);
-    ~PVLIGHT() override;
+    PVLIGHT(const PVLIGHT& other) = default;
+    PVLIGHT& operator=(const PVLIGHT& other) = default;
+    ~PVLIGHT() override = default;
 
     // Programs the GL slot named by the light's own render-list record
     // (its param1). False for a null record.
@@ -75,8 +75,6 @@ private:
     // context starts with lighting off.
     static void forgetLighting();
 
-    void copyLightFields(const PVLIGHT& other);
-    K3MVECTOR3D eyePosition();
     void aim();
 
     PV_LIGHT_TYPE lightType;

@@ -72,12 +72,24 @@ void PVNODE::applyLocalTransform() const
     if (positioning == PV_POSITIONING_VECTORS) {
         const K3MVECTOR3D at = position + origin;
         PV_glTranslatef(at.x, at.y, at.z);
-        PV_glRotatef(rotation.x, 1.0f, 0.0f, 0.0f);
-        PV_glRotatef(rotation.y, 0.0f, 1.0f, 0.0f);
-        PV_glRotatef(rotation.z, 0.0f, 0.0f, 1.0f);
+        applyRotation(rotation);
     } else if (positioning == PV_POSITIONING_MATRIX) {
         PV_glMultMatrixf(matrix.m);
     }
+}
+
+K3MVECTOR3D PVNODE::placedPosition() const
+{
+    if (positioning == PV_POSITIONING_MATRIX)
+        return matrix.getTranslation();
+    return position;
+}
+
+void PVNODE::applyRotation(const K3MVECTOR3D &angles)
+{
+    PV_glRotatef(angles.x, 1.0f, 0.0f, 0.0f);
+    PV_glRotatef(angles.y, 0.0f, 1.0f, 0.0f);
+    PV_glRotatef(angles.z, 0.0f, 0.0f, 1.0f);
 }
 
 // Swaps in a new children array (from kvfMalloc, or null when count is 0).

@@ -160,6 +160,12 @@ protected:
     void setDefaultName(const char *format);
     // Multiplies the wrapper's current matrix by this node's local transform.
     void applyLocalTransform() const;
+    // The node's location: its position, or with matrix positioning the
+    // translation of its matrix.
+    K3MVECTOR3D placedPosition() const;
+    // Rotates the wrapper's current matrix about x, then y, then z (degrees),
+    // the order every node rotation uses.
+    static void applyRotation(const K3MVECTOR3D &angles);
 
     unsigned int id;
     unsigned int auxId;
@@ -188,7 +194,7 @@ protected:
 private:
     using Registry = PVREGISTRY<PVNODE, &PVNODE::firstNode, &PVNODE::previousNode, &PVNODE::nextNode>;
 
-    // The scene-file reader builds parent and children links directly.
+    // The engine turns the skybox with the node rotation helper.
     friend class PEVRANO;
     // The render list applies local transforms while it walks a subtree.
     friend class PVELEMENT;
