@@ -29,8 +29,9 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: shaders and frame buffers.
+// Assets: shaders, frame buffers, particle emitters.
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
+#include "assets/pvemitter.h"
 
 #endif

@@ -7,6 +7,7 @@
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
 
+#include "assets/pvemitter.h"
 #include "assets/pvfbo.h"
 #include "assets/pvshader.h"
 #include "core/pvgl.h"
@@ -123,8 +124,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
     // "   [!] Unable to initialize font class @ PEVRANO::init\n", unwinding ELEMENTS_STARTED.
     // Mesh class step: PVMESH::init(); on failure
     // "   [!] Unable to initialize mesh class @ PEVRANO::init\n", unwinding FONTS_STARTED.
-    // Emitter class step: PVEMITTER::init(); on failure
-    // "   [!] Unable to initialize emitter class @ PEVRANO::init\n", unwinding MESHES_STARTED.
+    if (!PVEMITTER::init(settings->getParticles() > 0 ? settings->getParticles() : 0))
+        return failStartUp("   [!] Unable to initialize emitter class @ PEVRANO::init\n", MESHES_STARTED);
     return true;
 }
 
@@ -191,7 +192,7 @@ bool PEVRANO::free()
     // Video class step: PVVIDEO::cleanUp().
 
     // Class-wide state.
-    // Emitter class step: PVEMITTER::free().
+    PVEMITTER::free();
     // Font class step: PVFONT::free().
     // Mesh class step: PVMESH::free().
     PVELEMENT::free();

@@ -36,6 +36,7 @@ public:
     void setAudioBuffers(int value) { audioBuffers = value; }
     void setAudioElements(int value) { audioElements = value; }
     void setRenderingElements(int value) { renderingElements = value; }
+    void setParticles(int value) { particles = value; }
     void setShaders(bool value) { useShaders = value; }
     void setShadowMapSize(int value) { shadowMapSize = value; }
     void setFBOSizeX(int value) { FBOSizeX = value; }
@@ -63,6 +64,7 @@ public:
     int getAudioBuffers() const { return audioBuffers; }
     int getAudioElements() const { return audioElements; }
     int getRenderingElements() const { return renderingElements; }
+    int getParticles() const { return particles; }
     bool getShaders() const { return useShaders; }
     int getShadowMapSize() const { return shadowMapSize; }
     int getFBOSizeX() const { return FBOSizeX; }
@@ -141,6 +143,8 @@ private:
     char texturePath[PV_SETTINGS_STRING_SIZE];
     char shaderPath[PV_SETTINGS_STRING_SIZE];
     char fontPath[PV_SETTINGS_STRING_SIZE];
+    // Particles in the emitters' shared pool; 0 takes the emitter default.
+    int particles = 0;
 
     static bool active;
     static char SDLTitle[PV_SETTINGS_STRING_SIZE];
