@@ -11,6 +11,7 @@
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "enginefixture.h"
+#include "support/switches.h"
 #include "support/testaccess.h"
 
 namespace {
@@ -23,36 +24,12 @@ std::string glText(GLenum which)
     return reinterpret_cast<const char*>(glGetString(which));
 }
 
-struct Switch {
-    const char* name;
-    void (*on)();
-    void (*off)();
-    bool (*isOn)();     // null: no query
-    GLenum capability;  // 0: not a GL capability
-    std::string onCall, offCall;
-};
-
-const Switch switches[] = {
-    {"blending", PVOPENGL::blendingOn, PVOPENGL::blendingOff, PVOPENGL::isBlended, GL_BLEND, "glEnable(GL_BLEND)",
-     "glDisable(GL_BLEND)"},
-    {"culling", PVOPENGL::cullingOn, PVOPENGL::cullingOff, PVOPENGL::isCulled, GL_CULL_FACE,
-     "glEnable(GL_CULL_FACE)", "glDisable(GL_CULL_FACE)"},
-    {"scissor", PVOPENGL::scissorOn, PVOPENGL::scissorOff, nullptr, GL_SCISSOR_TEST, "glEnable(GL_SCISSOR_TEST)",
-     "glDisable(GL_SCISSOR_TEST)"},
-    {"two-side", PVOPENGL::twoSideOn, PVOPENGL::twoSideOff, PVOPENGL::isTwoSide, 0,
-     "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"},
-    {"vertex array", PVOPENGL::vertexArrayOn, PVOPENGL::vertexArrayOff, nullptr, GL_VERTEX_ARRAY,
-     "glEnableClientState(GL_VERTEX_ARRAY)", "glDisableClientState(GL_VERTEX_ARRAY)"},
-    {"normal array", PVOPENGL::normalArrayOn, PVOPENGL::normalArrayOff, nullptr, GL_NORMAL_ARRAY,
-     "glEnableClientState(GL_NORMAL_ARRAY)", "glDisableClientState(GL_NORMAL_ARRAY)"},
-    {"colour array", PVOPENGL::colorArrayOn, PVOPENGL::colorArrayOff, nullptr, GL_COLOR_ARRAY,
-     "glEnableClientState(GL_COLOR_ARRAY)", "glDisableClientState(GL_COLOR_ARRAY)"},
-    {"texture array", PVOPENGL::textureArrayOn, PVOPENGL::textureArrayOff, nullptr, GL_TEXTURE_COORD_ARRAY,
-     "glEnableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisableClientState(GL_TEXTURE_COORD_ARRAY)"}};
+using pvtest::cachedSwitches;
+using pvtest::Switch;
 
 void expectSwitches(bool on)
 {
-    for (const Switch& s : switches) {
+    for (const Switch& s : cachedSwitches) {
         if (s.isOn) {
             EXPECT_EQ(s.isOn(), on) << s.name;
         }
@@ -67,17 +44,17 @@ void expectSwitches(bool on)
 TEST_F(OpenGlState, SwitchesStartOffAndCallGlOnlyOnChange)
 {
     Calls ons, offs;
-    for (const Switch& s : switches) {
+    for (const Switch& s : cachedSwitches) {
         ons.push_back(s.onCall);
         offs.push_back(s.offCall);
     }
     EXPECT_EQ(record([] {
-                  for (const Switch& s : switches)
+                  for (const Switch& s : cachedSwitches)
                       s.off();
               }),
               Calls{});
     EXPECT_EQ(record([] {
-                  for (const Switch& s : switches) {
+                  for (const Switch& s : cachedSwitches) {
                       s.on();
                       s.on();
                   }
@@ -85,7 +62,7 @@ TEST_F(OpenGlState, SwitchesStartOffAndCallGlOnlyOnChange)
               ons);
     expectSwitches(true);
     EXPECT_EQ(record([] {
-                  for (const Switch& s : switches) {
+                  for (const Switch& s : cachedSwitches) {
                       s.off();
                       s.off();
                   }
@@ -134,28 +111,6 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
     EXPECT_FALSE(PVTESTACCESS::openglIsActive());
     EXPECT_FALSE(PVTESTACCESS::openglFree());
     EXPECT_EQ(log.text(), expectedLog + "   Release OpenGL...\n   OpenGL released\n");
-}
-
-void expectBytes(uint32_t pixel, int r, int g, int b)
-{
-    EXPECT_NEAR(int(pixel & 0xFF), r, 1);
-    EXPECT_NEAR(int((pixel >> 8) & 0xFF), g, 1);
-    EXPECT_NEAR(int((pixel >> 16) & 0xFF), b, 1);
-}
-
-// Both setters store the colour and clear an 8-bit-per-channel surface with it.
-TEST(OpenGlColour, BackgroundColourIsStoredAndClearsTheSurface)
-{
-    pvtest::GlContext context(32, 32, pvtest::GlContext::RGB888);
-    ASSERT_TRUE(context.ok());
-    PVOPENGL::setBackgroundColor(1.0f, 0.5f, 0.25f, 1.0f);
-    EXPECT_EQ(PVOPENGL::getBackgroundColor(), K3MVECTOR4D(1.0f, 0.5f, 0.25f, 1.0f));
-    glClear(GL_COLOR_BUFFER_BIT);
-    expectBytes(context.readPixel(10, 20), 255, 128, 64);  // 127.5 and 63.75 rounded either way
-    PVOPENGL::setBackgroundColor(K3MVECTOR4D(0.2f, 0.6f, 1.0f, 1.0f));
-    EXPECT_EQ(PVOPENGL::getBackgroundColor(), K3MVECTOR4D(0.2f, 0.6f, 1.0f, 1.0f));
-    glClear(GL_COLOR_BUFFER_BIT);
-    expectBytes(context.readPixel(31, 31), 51, 153, 255);
 }
 
 TEST_F(OpenGlState, GlobalAmbientLightIsStoredAndApplied)
