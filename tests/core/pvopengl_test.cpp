@@ -118,10 +118,6 @@ TEST_F(OpenGlState, GlobalAmbientLightIsStoredAndApplied)
     Calls calls = record([] { PVOPENGL::setGlobalAmbientLight(0.25f, 0.5f, 1.0f, 0.75f); });
     EXPECT_EQ(calls, (Calls{"glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,65536,49152})"}));
     EXPECT_EQ(PVOPENGL::getGlobalAmbientLight(), K3MVECTOR4D(0.25f, 0.5f, 1.0f, 0.75f));
-    GLfloat ambient[4] = {};
-    glGetFloatv(GL_LIGHT_MODEL_AMBIENT, ambient);
-    EXPECT_FLOAT_EQ(ambient[1], 0.5f);
-    EXPECT_FLOAT_EQ(ambient[3], 0.75f);
 }
 
 void expectFixedNear(const std::vector<long long>& actual, const std::vector<double>& expected)
@@ -163,12 +159,6 @@ TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngl
     expectResizeCalls(recorder, "glViewport(4," + std::to_string(windowY - 6 - 48) + ",64,48)",
                       {-h * aspect, h * aspect, -h, h, 1.0, 1024.0});
 
-    // GL's perspective matrix: cot(half angle) / aspect and cot(half angle).
-    GLfloat projection[16];
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    EXPECT_NEAR(projection[0], 1.0 / (h * aspect), 1e-3);
-    EXPECT_NEAR(projection[5], 1.0 / h, 1e-3);
-    EXPECT_FLOAT_EQ(projection[11], -1.0f);
     // The model-view shadow is the identity again.
     float modelView[16];
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, modelView);
@@ -218,13 +208,6 @@ TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
                                  0, 0, -1, 0};
     for (int i = 0; i < 16; i++)
         EXPECT_NEAR(projection[i], expected[i], 1e-5) << "shadow element " << i;
-    // GL's own R . F puts the same terms in elements 1 and 4.
-    GLfloat glProjection[16];
-    glGetFloatv(GL_PROJECTION_MATRIX, glProjection);
-    EXPECT_NEAR(glProjection[0], 0.0, 1e-3);
-    EXPECT_NEAR(glProjection[1], 2 / h, 1e-3);
-    EXPECT_NEAR(glProjection[4], -1 / h, 1e-3);
-    EXPECT_NEAR(glProjection[5], 0.0, 1e-3);
     EXPECT_EQ(log.text().substr(initLength), "");
 }
 
@@ -236,33 +219,6 @@ TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)
     EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
                             "glFrustumx(-65536,65536,-32768,32768,65536,589824)", "glMatrixMode(GL_MODELVIEW)",
                             "glLoadIdentity()"}));
-    // Shadow frustum: 2/(r-l), 2/(t-b), -(f+n)/(f-n), -2fn/(f-n), -1 in element 14.
-    float projection[16];
-    PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
-    EXPECT_FLOAT_EQ(projection[0], 1.0f);
-    EXPECT_FLOAT_EQ(projection[5], 2.0f);
-    EXPECT_FLOAT_EQ(projection[10], -1.25f);
-    EXPECT_FLOAT_EQ(projection[11], -2.25f);
-    EXPECT_FLOAT_EQ(projection[14], -1.0f);
-    EXPECT_FLOAT_EQ(projection[15], 0.0f);
-}
-
-TEST_F(OpenGlState, ProfilesAndCapabilitiesOfThisTarget)
-{
-    EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
-    PVOPENGL::setProfile(2);
-    EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_SELECTION);
-    PVOPENGL::setProfile(PV_OPENGL_PROFILE_DOF);
-    EXPECT_EQ(int(PVOPENGL::getProfile()), 3);
-
-    ASSERT_TRUE(PVTESTACCESS::openglInit());
-    int capability = 0;
-    for (bool (*use)() : {PVOPENGL::useVBO, PVOPENGL::useAnisotropic, PVOPENGL::useFBO,
-                          PVOPENGL::useMultitexturing, PVOPENGL::useShaders, PVOPENGL::useOcclusionQuery})
-        EXPECT_FALSE(use()) << "capability " << capability++;
-    EXPECT_EQ(PVOPENGL::getAnisotropicLevel(), 0.0f);
-    for (int slot : {-1, 0, 1, PV_OPENGL_FBO_SLOTS})
-        EXPECT_EQ(PVOPENGL::getFbo(slot), nullptr) << slot;
 }
 
 }  // namespace

@@ -406,21 +406,4 @@ TEST_F(Node, CleanUpDeletesEveryNodeThroughItsDestructor)
     EXPECT_EQ(1u, make("again")->getId());  // ids were given back
 }
 
-TEST_F(Node, CopiesAreShallowAndUnregistered)
-{
-    TestNode* parent = make("parent");
-    TestNode* child = makeChild("child", parent);
-    child->setAuxId(77);
-    // Built in raw storage and never destroyed: a copy shares the original's
-    // id, registry links and children array.
-    alignas(PVNODE) unsigned char storage[sizeof(PVNODE)];
-    PVNODE* copy = new (storage) PVNODE(*child);
-    EXPECT_EQ(child->getId(), copy->getId());
-    EXPECT_STREQ("child", copy->getName());
-    EXPECT_EQ(parent, copy->getParent());
-    EXPECT_EQ(77u, copy->getAuxId());
-    EXPECT_EQ(parent, copy->getPreviousNode());
-    EXPECT_EQ((std::vector<PVNODE*>{parent, child}), registry());
-}
-
 }  // namespace
