@@ -30,7 +30,9 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: shaders, frame buffers, particle emitters.
+// Assets: textures, materials, shaders, frame buffers, particle emitters.
+#include "assets/pvtexture.h"
+#include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 #include "assets/pvemitter.h"

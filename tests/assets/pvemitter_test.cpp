@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "assets/pvemitter.h"
-#include "scene/scenefixture.h"
+#include "support/glfixture.h"
 
 namespace {
 
@@ -185,16 +185,16 @@ TEST_F(Emitters, UnusableDescriptionsAreRefusedWithTheirLogLine)
         {"long_texture.xml", "Invalid <texture> in " + data + "long_texture.xml"},
         {"unknown_element.xml", "Invalid <flames> in " + data + "unknown_element.xml"},
     };
-    pvtest::NewLogLines fresh(log);
+    log.fresh();
     for (const auto& c : cases) {
         PVEMITTER emitter;
         EXPECT_FALSE(emitter.load((data + c.first).c_str()));
-        EXPECT_EQ(fresh(), "   [!] " + c.second + " @ PVEMITTER::load\n");
+        EXPECT_EQ(log.fresh(), "   [!] " + c.second + " @ PVEMITTER::load\n");
         EXPECT_EQ(emitter.getDefinition().maxParticles, 100) << "the description is kept";
     }
     PVEMITTER emitter;
     EXPECT_FALSE(emitter.load(nullptr));
-    EXPECT_EQ(fresh(), "   [!] Invalid params @ PVEMITTER::load\n");
+    EXPECT_EQ(log.fresh(), "   [!] Invalid params @ PVEMITTER::load\n");
 }
 
 }  // namespace
