@@ -284,7 +284,6 @@ bool PVEMITTER::init(unsigned int particles)
             indices[6 * i + k] = static_cast<GLushort>(4 * i + triangles[k]);
     }
     active = true;
-    kvfLog("   %d particles allocated\n", static_cast<int>(particles));
     return true;
 }
 
