@@ -102,8 +102,9 @@ TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
             firstRun = snapshot(*first);
         else
             EXPECT_EQ(firstRun, snapshot(*first)) << "reset replays the same particles";
-        for (PVEMITTER* e : {first, second, other})
-            e->reset();
+        if (run == 0)
+            for (PVEMITTER* e : {first, second, other})
+                e->reset();
     }
     // Directions stay within the cone, speeds and lives within their ranges.
     for (int i = 0; i < first->getNumberOfParticles(); i++) {
