@@ -6,6 +6,7 @@
 
 #include <tinyxml.h>
 
+#include "assets/pvtexture.h"
 #include "core/pevrano.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
@@ -688,18 +689,35 @@ bool PVEMITTER::applyDefinition(const PVEMITTERDEF& loaded, const char* source)
     return true;
 }
 
+// Emitters share a texture of the same file; each holds one reference.
 bool PVEMITTER::replaceTexture(const char* file)
 {
-    if (!*file) {
-        texture = nullptr;
-        return true;
+    PVTEXTURE* replacement = nullptr;
+    if (*file) {
+        replacement = PVTEXTURE::findByFilename(file);
+        if (!replacement) {
+            replacement = new PVTEXTURE();
+            if (!replacement->load(file) || !replacement->update()) {
+                delete replacement;
+                kvfLog("   [!] Unable to load texture %s @ PVEMITTER::load\n", file);
+                return false;
+            }
+        }
+        replacement->incReferences();
     }
-    kvfLog("   [!] Unable to load texture %s @ PVEMITTER::load\n", file);
-    return false;
+    if (texture)
+        texture->decReferences();
+    texture = replacement;
+    return true;
 }
 
 void PVEMITTER::bindTexture() const
 {
-    PVOPENGL::textureArrayOff();
-    glDisable(GL_TEXTURE_2D);
+    if (texture) {
+        PVOPENGL::textureArrayOn();
+        texture->render(nullptr);
+    } else {
+        PVOPENGL::textureArrayOff();
+        PVTEXTURE::texturingOff(0);
+    }
 }
