@@ -8,6 +8,7 @@
 #include <cmath>
 #include <string>
 
+#include "assets/tgafile.h"
 #include "scene/scenefixture.h"
 
 using namespace pvtest;
@@ -144,6 +145,36 @@ TEST_F(EmitterFrames, EachEmitterDrawsItsParticlesInOneCallBackToFront)
     EXPECT_EQ(recorder.filter({"glBlendFunc", "glDepthMask", "glVertexPointer", "glColorPointer",
                                "glTexCoordPointer", "glDrawElements"}),
               drawing);
+}
+
+TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
+{
+    // Four texels in a row: two transparent, then two opaque white.
+    const Bytes clear = {0, 0, 0, 0}, white = {255, 255, 255, 255};
+    writeFile("half.tga", tgaFile(TGA_RAW, 4, 1, 32, 8, joined(repeated(clear, 2), repeated(white, 2))));
+    const std::string description = "<emitter blending='alpha'><texture file='half.tga'/><emission rate='0'>"
+                                    "<burst count='1'/></emission><velocity speedMin='0' speedMax='0'/>"
+                                    "<birth r='0.2' g='0.9' b='0.5' a='1' size='2'/>"
+                                    "<death r='0.2' g='0.9' b='0.5' a='1' size='2'/></emitter>";
+    PVEMITTER* first = addEmitter(description, {0, 0, -5});
+    ASSERT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+    PVTEXTURE* texture = PVTEXTURE::getFirst();
+    {
+        PVEMITTER second;
+        ASSERT_TRUE(second.loadFromText(description.c_str(), "test"));
+        EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+        EXPECT_EQ(texture->getReferences(), 2);
+    }
+    EXPECT_EQ(texture->getReferences(), 1);
+
+    first->update(0.125f);
+    record([&] { drawFrame(root, nullptr); });
+    EXPECT_EQ(recorder.countCall("glBindTexture(GL_TEXTURE_2D," + std::to_string(texture->getGLId()) + ")"),
+              1u);
+    // A quarter of the quad from each side: the transparent and the opaque half.
+    const Vec3 left = project({-0.5, 0, -5}), right = project({0.5, 0, -5});
+    expectColour({0, 0, 0}, pixelAt(int(left.x), int(left.y)), "transparent texels");
+    expectColour({0.2, 0.9, 0.5}, pixelAt(int(right.x), int(right.y)), "opaque texels");
 }
 
 TEST(EmitterPool, SizeComesFromTheSettings)
