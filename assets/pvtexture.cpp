@@ -481,6 +481,8 @@ bool PVTEXTURE::update()
 // the previous one in place at the start of the bitmap and uploaded.
 void PVTEXTURE::buildMipmaps(unsigned int glFormat)
 {
+    if (!sizeX || !sizeY)
+        return;  // an empty picture has no levels to build
     unsigned int width = sizeX;
     unsigned int height = sizeY;
     for (int level = 1; std::max(width, height) > 1; level++) {

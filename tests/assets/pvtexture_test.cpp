@@ -83,6 +83,8 @@ TEST_F(Textures, UploadBuildsMipmapsAndChargesTwiceTheDoubledSize)
     EXPECT_FALSE(texture.unload(false));
     EXPECT_EQ(log.text(), "   t unloaded\n");
     PEVRANO::popVideoMemory(32);
+    PVTEXTURE empty;  // no pixels, no levels (a 0-wide chain would read outside)
+    EXPECT_TRUE(empty.create(0, 5, 3));
 }
 
 TEST_F(Textures, CollectorEvictsNewestFirstAndDeletesTheUnreferenced)
