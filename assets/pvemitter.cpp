@@ -35,6 +35,8 @@ const float longestFrame = 0.25f;
 const float pi = 3.14159265358979f;
 // Upper bounds of description values, far beyond any sensible effect.
 const float largestValue = 1.0e6f;
+// Largest eye-space coordinate a 16.16 fixed-point vertex holds.
+const float fixedReach = 32767.0f;
 
 PVEMITTERDEF defaultDefinition()
 {
@@ -107,8 +109,7 @@ private:
         else if (name == "emission")
             readEmission(e);
         else if (name == "life")
-            readFloat(e, "min", def.lifeMin, 1.0e-3f, largestValue),
-                readFloat(e, "max", def.lifeMax, 1.0e-3f, largestValue);
+            readRange(e, def.lifeMin, def.lifeMax);
         else if (name == "velocity")
             readVelocity(e);
         else if (name == "acceleration")
@@ -146,6 +147,12 @@ private:
             readFloat(b, "time", burst.time, 0.0f, largestValue);
             readInt(b, "count", burst.count, 0, PV_EMITTER_MAX_POOL);
         }
+    }
+
+    void readRange(const TiXmlElement* e, float& low, float& high)
+    {
+        readFloat(e, "min", low, 1.0e-3f, largestValue);
+        readFloat(e, "max", high, 1.0e-3f, largestValue);
     }
 
     void readVelocity(const TiXmlElement* e)
@@ -409,7 +416,7 @@ float PVEMITTER::getRadius() const
 
 void PVEMITTER::update(float seconds)
 {
-    if (!(seconds > 0.0f) || state == PV_EMITTER_PAUSED || !pool)
+    if (!(seconds > 0.0f) || !std::isfinite(seconds) || state == PV_EMITTER_PAUSED || !pool)
         return;
     ageAndMove(seconds);
     if (state == PV_EMITTER_RUNNING)
@@ -441,6 +448,8 @@ void PVEMITTER::emit(float seconds)
     double after = before + seconds;
     const double emitUntil = (endless || definition.looping) ? after : std::min(after, duration);
     emissionDebt += definition.rate * std::max(0.0, emitUntil - before);
+    // No more can be born at once than the emitter holds.
+    emissionDebt = std::min(emissionDebt, double(definition.maxParticles));
     const int due = static_cast<int>(emissionDebt);
     emissionDebt -= due;
     spawn(due);
@@ -465,7 +474,10 @@ void PVEMITTER::emit(float seconds)
 // Every running emitter may hold an equal part of the pool, so that one
 // emitter cannot starve the others; particles beyond what it may hold are
 // not born (they are not postponed).
-int PVEMITTER::fairShare() const { return static_cast<int>(poolSize / std::max(1u, numberOfEmitting)); }
+int PVEMITTER::fairShare() const
+{
+    return static_cast<int>(std::max(1u, poolSize / std::max(1u, numberOfEmitting)));
+}
 
 void PVEMITTER::spawn(int count)
 {
@@ -604,6 +616,10 @@ void PVEMITTER::buildQuads(const float* m, int& quads) const
         const float x = m[0] * p.position.x + m[4] * p.position.y + m[8] * p.position.z + m[12];
         const float y = m[1] * p.position.x + m[5] * p.position.y + m[9] * p.position.z + m[13];
         const float z = m[2] * p.position.x + m[6] * p.position.y + m[10] * p.position.z + m[14];
+        // A quad beyond the reach of 16.16 fixed point is far out of view.
+        if (!(std::fabs(x) + half < fixedReach && std::fabs(y) + half < fixedReach &&
+              std::fabs(z) < fixedReach))
+            continue;
         const float corners[4][2] = {{-half, -half}, {half, -half}, {half, half}, {-half, half}};
         const GLubyte rgba[4] = {colourByte(lerp(d.colorBirth.x, d.colorDeath.x, t)),
                                  colourByte(lerp(d.colorBirth.y, d.colorDeath.y, t)),

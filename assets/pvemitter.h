@@ -71,6 +71,9 @@ struct PVEMITTERDEF {
 class PVEMITTER : public PVNODE {
 public:
     PVEMITTER();
+    // An emitter owns its particles: it cannot be copied.
+    PVEMITTER(const PVEMITTER&) = delete;
+    PVEMITTER& operator=(const PVEMITTER&) = delete;
     // Gives the emitter's particles back to the pool and drops its texture.
     ~PVEMITTER() override;
     // Draws every live particle in one call; advances the simulation by the
