@@ -496,7 +496,7 @@ void PVEMITTER::spawn(int count)
 
 bool PVEMITTER::spawnOne()
 {
-    if (!numberOfFreeSlots)
+    if (!numberOfFreeSlots || !slots)
         return false;
     const unsigned int slot = freeSlots[--numberOfFreeSlots];
     slots[numberOfParticles++] = slot;

@@ -169,7 +169,6 @@ private:
     static GLfixed* texCoords;
     static GLushort* indices;
 
-    friend struct PVTESTACCESS;
 };
 
 #endif
