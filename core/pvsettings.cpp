@@ -163,6 +163,9 @@ bool PVSETTINGS::isOk()
     // Before SDL's video starts there is no driver to ask.
     if (!SDL_WasInit(SDL_INIT_VIDEO))
         return false;
+    // Negative buffer sizes, and windows no display can open, never reach SDL.
+    if (zetaDepth < 0 || stencilDepth < 0 || !PVDISPLAY::canOpen(windowX, windowY))
+        return false;
     return SDL_VideoModeOK(windowX, windowY, colorDepth,
                            SDL_FULLSCREEN | SDL_DOUBLEBUF | SDL_NOFRAME | SDL_HWSURFACE) != 0;
 }
