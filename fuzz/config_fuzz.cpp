@@ -1,10 +1,11 @@
 // A configuration file through the whole start-up: loaded into PVSETTINGS,
 // handed to PEVRANO::init (off-screen), one frame drawn, the engine freed.
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 
 #include <pevrano.h>
+
+#include "fuzzinput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -16,11 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     (void)quiet;
 
     const char* path = "fuzz-config.cfg";
-    FILE* file = std::fopen(path, "wb");
-    if (file == nullptr)
+    if (!writeFuzzInput(path, data, size))
         return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
 
     PVSETTINGS settings;
     if (!settings.load(path) || !PEVRANO::init(&settings))
