@@ -20,7 +20,8 @@ public:
 
     // Reads a PEVRANO_* configuration file; keys that are missing keep their values.
     bool load(const char* fileName);
-    // True if SDL accepts the video mode these settings describe.
+    // True if SDL accepts the video mode these settings describe, the display
+    // can open a window of that size, and no buffer size is negative.
     bool isOk();
 
     // String setters copy only a non-null value shorter than 256 characters.
