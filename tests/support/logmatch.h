@@ -1,5 +1,6 @@
 // The engine's log as the tests see it. LogCapture collects what the engine
-// logs from its construction on; fresh() returns only what came since its
+// logs from its construction on (as the log's sink, so the log file itself
+// stays as it is); fresh() returns only what came since its
 // previous call. expectLog compares a log text with the expected lines, each
 // one exact, a regular expression or a prefix: nothing more, nothing less.
 // Log texts are byte-exact: expect whole lines, never fragments.
@@ -19,13 +20,14 @@ public:
     LogCapture& operator=(const LogCapture&) = delete;
 
     // Everything logged since the capture started.
-    std::string text() const;
+    const std::string& text() const { return text_; }
     // What was logged since the previous call.
     std::string fresh();
 
 private:
-    std::string path_;
-    size_t start_ = 0;
+    static void receive(const char* message, void* capture);
+
+    std::string text_;
     size_t seen_ = 0;
 };
 
