@@ -180,9 +180,11 @@ TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces) {
     kvfLog("%s", std::string(1000, ' ').c_str());
     kvfLog("%s", std::string(1000, '\n').c_str());
     kvfLog("%s", (std::string(1020, 'y') + "\n").c_str());
+    // 1,019 bytes and a break would need 1,025 with the terminator.
+    kvfLog("%s", (std::string(1019, 'z') + "\n").c_str());
     kvfLog("end");
     std::string expected;
     for (int i = 0; i < 204; ++i) expected += "&nbsp";
     for (int i = 0; i < 204; ++i) expected += "<BR>\n";
-    EXPECT_EQ(readFile("long.html").substr(before.size()), expected + std::string(1020, 'y') + "end");
+    EXPECT_EQ(readFile("long.html").substr(before.size()), expected + std::string(1020, 'y') + std::string(1019, 'z') + "end");
 }
