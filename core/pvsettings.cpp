@@ -10,6 +10,7 @@
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfstring.h"
 
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
@@ -45,13 +46,6 @@ namespace {
 // The video mode is always opened with these flags, whatever the settings ask.
 const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
 
-// Copies a non-null string shorter than the field; otherwise the field stays.
-void copyIfFits(char* field, const char* value)
-{
-    if (value && std::strlen(value) < PV_SETTINGS_STRING_SIZE)
-        std::strcpy(field, value);
-}
-
 }  // namespace
 
 PVSETTINGS::PVSETTINGS()
@@ -80,13 +74,13 @@ PVSETTINGS::PVSETTINGS()
     texturePath[0] = shaderPath[0] = fontPath[0] = '\0';
 }
 
-void PVSETTINGS::setTitle(const char* value) { copyIfFits(title, value); }
-void PVSETTINGS::setPVEPath(const char* value) { copyIfFits(pvePath, value); }
-void PVSETTINGS::setPVAPath(const char* value) { copyIfFits(pvaPath, value); }
-void PVSETTINGS::setMPGPath(const char* value) { copyIfFits(mpgPath, value); }
-void PVSETTINGS::setTexturePath(const char* value) { copyIfFits(texturePath, value); }
-void PVSETTINGS::setShaderPath(const char* value) { copyIfFits(shaderPath, value); }
-void PVSETTINGS::setFontPath(const char* value) { copyIfFits(fontPath, value); }
+void PVSETTINGS::setTitle(const char* value) { kvfCopyIfFits(title, sizeof title, value); }
+void PVSETTINGS::setPVEPath(const char* value) { kvfCopyIfFits(pvePath, sizeof pvePath, value); }
+void PVSETTINGS::setPVAPath(const char* value) { kvfCopyIfFits(pvaPath, sizeof pvaPath, value); }
+void PVSETTINGS::setMPGPath(const char* value) { kvfCopyIfFits(mpgPath, sizeof mpgPath, value); }
+void PVSETTINGS::setTexturePath(const char* value) { kvfCopyIfFits(texturePath, sizeof texturePath, value); }
+void PVSETTINGS::setShaderPath(const char* value) { kvfCopyIfFits(shaderPath, sizeof shaderPath, value); }
+void PVSETTINGS::setFontPath(const char* value) { kvfCopyIfFits(fontPath, sizeof fontPath, value); }
 
 bool PVSETTINGS::load(const char* fileName)
 {
