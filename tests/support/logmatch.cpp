@@ -34,7 +34,7 @@ std::string LogCapture::fresh()
     return recent;
 }
 
-std::vector<std::string> splitLines(const std::string& text)
+static std::vector<std::string> splitLines(const std::string& text)
 {
     std::vector<std::string> lines;
     std::istringstream stream(text);

@@ -43,7 +43,6 @@ inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
     to.insert(to.end(), lines.begin(), lines.end());
 }
 
-std::vector<std::string> splitLines(const std::string& text);
 // The text, line by line, against the expected lines; the text ends with a line feed.
 void expectLog(const std::string& text, const std::vector<LogLine>& expected);
 
