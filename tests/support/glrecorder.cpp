@@ -183,11 +183,6 @@ void GlRecorder::stop()
         activeRecorder = nullptr;
 }
 
-bool GlRecorder::recording() const
-{
-    return activeRecorder == this;
-}
-
 std::string GlRecorder::functionOf(const std::string& call)
 {
     return call.substr(0, call.find('('));
