@@ -35,4 +35,7 @@
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 
+// Video: MPEG video played into a texture.
+#include "video/pvvideo.h"
+
 #endif

@@ -4,15 +4,13 @@
 #include <cstdio>
 
 #include "foundation/kvfparser.h"
+#include "fuzzinput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const char* path = "fuzz-input.txt";
-    FILE* file = std::fopen(path, "wb");
-    if (file == nullptr)
+    if (!writeFuzzInput(path, data, size))
         return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
 
     kvfParser parser;
     if (!kvfOpenParser(&parser, path))
