@@ -11,6 +11,7 @@
 
 #include <pevrano.h>
 
+#include "support/pixels.h"
 #include "video/videofixture.h"
 
 using namespace pvtest;
@@ -21,11 +22,7 @@ const int windowWidth = 160;
 const int windowHeight = 120;
 // A 5-6-5 surface loses up to 8 levels per channel; 4:2:0 decoding and the
 // conversion to RGB add a few more.
-const int colourTolerance = 12;
-
-struct Rgb {
-    int r, g, b;
-};
+const double videoTolerance = 12.0;
 
 struct NamedColour {
     const char* name;
@@ -33,7 +30,9 @@ struct NamedColour {
 };
 
 // The colours the clips were made with.
-const NamedColour clipColours[] = {{"red", {200, 40, 40}}, {"green", {40, 180, 60}}, {"blue", {60, 50, 200}}};
+const NamedColour clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
+                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
+                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
 
 // The clip's picture (64 x 48 in the top-left corner of a 64 x 64 texture)
 // stretched over the whole window, its first row at the top.
@@ -102,22 +101,21 @@ protected:
     // The window pixel under the picture's row (0 at the top) and column.
     static Rgb pictureAt(int column, int row)
     {
-        const int x = (2 * column + 1) * windowWidth / 128;
-        const int y = windowHeight - 1 - (2 * row + 1) * windowHeight / 96;
-        GLubyte rgba[4] = {0, 0, 0, 0};
-        glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-        return {rgba[0], rgba[1], rgba[2]};
+        return pixelAt((2 * column + 1) * windowWidth / 128,
+                       windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
     }
 
+    // The clip colour seen, or the levels read when none is near.
     static std::string nameOf(Rgb seen)
     {
+        auto near = [](double wanted, double got) {
+            return std::abs(wanted - got) * 255.0 <= videoTolerance;
+        };
         for (const NamedColour& colour : clipColours)
-            if (std::abs(seen.r - colour.rgb.r) <= colourTolerance &&
-                std::abs(seen.g - colour.rgb.g) <= colourTolerance &&
-                std::abs(seen.b - colour.rgb.b) <= colourTolerance)
+            if (near(colour.rgb.r, seen.r) && near(colour.rgb.g, seen.g) && near(colour.rgb.b, seen.b))
                 return colour.name;
-        return "(" + std::to_string(seen.r) + "," + std::to_string(seen.g) + "," + std::to_string(seen.b) +
-               ")";
+        return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
+               std::to_string(int(seen.b * 255)) + ")";
     }
 
     PVCAMERA* camera = nullptr;
