@@ -10,8 +10,10 @@
 namespace {
 // Enough steps for any input of a few hundred kilobytes to reach its end; the
 // bound keeps a decoder that stopped asking for data from running forever.
-const int maxUpdates = 4096;
-const unsigned int stepsPerUpdate = 64;
+// Few steps per update: a playing video that reaches the end of a tiny file
+// reopens it again and again for the rest of the update's steps.
+const int maxUpdates = 32768;
+const unsigned int stepsPerUpdate = 8;
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
