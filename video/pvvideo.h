@@ -44,6 +44,8 @@ public:
     // Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
 
+    // The texture pictures are uploaded into. It is not reference-counted
+    // here: whoever sets it keeps it alive (incReferences) while it is set.
     void setTexture(PVTEXTURE* target) { texture = target; }
     PVTEXTURE* getTexture() { return texture; }
     void play() { status = PV_VIDEO_PLAY; }
