@@ -1,5 +1,5 @@
-// Materials: defaults, texture slots with their references, clone, and the
-// GL calls of render with the per-frame current-material cache.
+// Materials: texture slots with their references, clone, and the GL calls of
+// render (default colours included) with the per-frame current-material cache.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,14 +17,6 @@ namespace {
 
 using Materials = GlContextTest;
 
-void expectColour(K3MVECTOR4D got, float r, float g, float b, float a)
-{
-    EXPECT_FLOAT_EQ(got.x, r);
-    EXPECT_FLOAT_EQ(got.y, g);
-    EXPECT_FLOAT_EQ(got.z, b);
-    EXPECT_FLOAT_EQ(got.w, a);
-}
-
 // The material calls of render: colours as 16.16 values, alpha included.
 Calls materialCalls(const std::string& alpha)
 {
@@ -35,37 +27,24 @@ Calls materialCalls(const std::string& alpha)
             "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,0)"};
 }
 
-TEST_F(Materials, DefaultsSlotsAndClone)
+TEST_F(Materials, SlotsReferencesAndClone)
 {
-    PVMATERIAL* rock = new PVMATERIAL();
-    EXPECT_FALSE(rock->isTransparent());
-    EXPECT_FALSE(rock->isTextured());
-    expectColour(rock->getDiffuse(), 0.6f, 0.6f, 0.6f, 1.0f);
-    expectColour(rock->getEmission(), 0.0f, 0.0f, 0.0f, 1.0f);
-    EXPECT_EQ(rock->getName(), "[material " + std::to_string(rock->getId()) + "]");
-
     PVTEXTURE texture;
+    PVMATERIAL* rock = new PVMATERIAL();
     EXPECT_FALSE(rock->setTexture(16, &texture));
     EXPECT_EQ(rock->getTexture(16), nullptr);
-    EXPECT_TRUE(rock->setTexture(3, &texture));
-    EXPECT_TRUE(rock->setTexture(4, &texture));
-    EXPECT_TRUE(rock->setTexture(4, nullptr));
+    EXPECT_TRUE(rock->setTexture(3, &texture) && rock->setTexture(4, &texture) &&
+                rock->setTexture(4, nullptr));
     EXPECT_EQ(texture.getReferences(), 1);
     EXPECT_FALSE(rock->isTextured());  // only slot 0 counts
-
     rock->setName("rock");
-    rock->setAmbient(0.1f, 0.2f, 0.3f, 0.4f);
     rock->setSkinning(true);
     PVMATERIAL* copy = new PVMATERIAL();
     copy->clone(rock);
     EXPECT_EQ(copy->getName(), "rock" + std::to_string(copy->getId()));
-    expectColour(copy->getAmbient(), 0.1f, 0.2f, 0.3f, 0.4f);
     EXPECT_EQ(copy->getTexture(3), &texture);
-    EXPECT_EQ(texture.getReferences(), 1);
+    EXPECT_EQ(texture.getReferences(), 1);  // clone takes no reference
     EXPECT_FALSE(copy->isSkinned());
-    copy->setName(std::string(256, 'x').c_str());  // too long: kept
-    EXPECT_EQ(PVMATERIAL::findByName(copy->getName()), copy);
-
     EXPECT_TRUE(PVMATERIAL::cleanUp());
     EXPECT_FALSE(PVMATERIAL::cleanUp());
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVMATERIAL::setTexture\n   2 material(s) released\n");
@@ -106,9 +85,8 @@ TEST_F(Materials, TransparencyBlendsAndBecomesEveryAlpha)
     expected.push_back("glEnable(GL_BLEND)");
     EXPECT_EQ(record([&] { material.render(&spot); }), expected);
     EXPECT_FALSE(PVTESTACCESS::shaderEnabled());  // no shader is operative
-    expectColour(material.getAmbient(), 0.2f, 0.2f, 0.2f, 0.5f);
-    expectColour(material.getSpecular(), 0.2f, 0.2f, 0.2f, 0.5f);
-    EXPECT_TRUE(material.isTransparent());
+    EXPECT_EQ(material.getAmbient().w, 0.5f);  // the stored colours keep it
+    EXPECT_EQ(material.getEmission().w, 0.5f);
 }
 
 }  // namespace

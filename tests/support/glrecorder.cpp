@@ -63,17 +63,16 @@ const std::map<GLenum, const char*>& enumNames()
         PV_ENUM(GL_CONSTANT_ATTENUATION), PV_ENUM(GL_LINEAR_ATTENUATION), PV_ENUM(GL_QUADRATIC_ATTENUATION),
         PV_ENUM(GL_EMISSION), PV_ENUM(GL_SHININESS), PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
         PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT),
+        // Textures.
+        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
+        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
+        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE), PV_ENUM(GL_UNPACK_ALIGNMENT),
         // Pixel formats and queries.
         PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
         PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
         PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
         PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
-        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS), PV_ENUM(GL_UNPACK_ALIGNMENT),
-        // Texture parameters.
-        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST),
-        PV_ENUM(GL_LINEAR_MIPMAP_NEAREST), PV_ENUM(GL_NEAREST_MIPMAP_LINEAR), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
-        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
-        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE),
+        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS),
     };
 #undef PV_ENUM
     return names;
@@ -90,16 +89,6 @@ std::string enumText(GLenum value)
 {
     auto found = enumNames().find(value);
     return found != enumNames().end() ? found->second : hex(value);
-}
-
-// A value that may be a number or an enumeration (texture formats and
-// parameters): named when it is a known enumeration.
-std::string paramText(GLint value)
-{
-    auto found = enumNames().find(static_cast<GLenum>(value));
-    if (value >= 0x100 && found != enumNames().end())
-        return found->second;
-    return std::to_string(value);
 }
 
 std::string blendFactorText(GLenum factor)
@@ -153,7 +142,6 @@ public:
     }
     CallText& en(GLenum value) { return raw(enumText(value)); }
     CallText& num(long long value) { return raw(std::to_string(value)); }
-    CallText& param(GLint value) { return raw(pvtest::paramText(value)); }
     template <typename T>
     CallText& values(const T* data, int count)
     {
@@ -305,22 +293,21 @@ PV_INTERPOSE(void, glMaterialxv, (GLenum face, GLenum pname, const GLfixed* para
              .en(face).en(pname).values(param, pvtest::materialValueCount(pname)))
 // Textures.
 PV_INTERPOSE(void, glGenTextures, (GLsizei n, GLuint* textures), (n, textures), .num(n))
-PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures),
-             .num(n).values(textures, n))
+PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures), .num(n).values(textures, n))
 PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture), .en(target).num(texture))
+PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
+             .en(target).en(pname).en(GLenum(param)))
 PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
 PV_INTERPOSE(void, glTexImage2D,
              (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
               GLenum format, GLenum type, const void* pixels),
              (target, level, internalformat, width, height, border, format, type, pixels),
-             .en(target).num(level).param(internalformat).num(width).num(height).num(border).en(format).en(type))
+             .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type))
 PV_INTERPOSE(void, glTexSubImage2D,
-             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
-              GLenum format, GLenum type, const void* pixels),
+             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height, GLenum format,
+              GLenum type, const void* pixels),
              (target, level, xoffset, yoffset, width, height, format, type, pixels),
              .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
-PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
-             .en(target).en(pname).param(param))
 // Matrices.
 PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glLoadIdentity, (), (), )
