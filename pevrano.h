@@ -37,4 +37,7 @@
 #include "assets/pvfbo.h"
 #include "assets/pvemitter.h"
 
+// Video: MPEG video played into a texture.
+#include "video/pvvideo.h"
+
 #endif

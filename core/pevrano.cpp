@@ -20,6 +20,7 @@
 #include "scene/pvelement.h"
 #include "scene/pvlight.h"
 #include "scene/pvnode.h"
+#include "video/pvvideo.h"
 
 bool PEVRANO::active = false;
 int PEVRANO::timer = -1;
@@ -180,7 +181,7 @@ bool PEVRANO::free()
     PVMATERIAL::cleanUp();
     PVTEXTURE::cleanUp();
     // Animation class step: PVANIM::cleanUp().
-    // Video class step: PVVIDEO::cleanUp().
+    PVVIDEO::cleanUp();
 
     // Class-wide state.
     PVEMITTER::free();
