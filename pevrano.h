@@ -9,6 +9,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfreader.h"
 
 // Math: vectors, quaternions, matrix, plane.
 #include "math/k3mvector2d.h"
@@ -28,11 +29,13 @@
 #include "scene/pvelement.h"
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
+#include "scene/pvhelper.h"
 
 // Assets: textures, materials, shaders and frame buffers.
 #include "assets/pvtexture.h"
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
+#include "assets/pvmesh.h"
 
 #endif
