@@ -2,9 +2,7 @@
 // in 16.16 and drawing for the render list.
 #include "assets/pvmesh.h"
 
-#include <cmath>
 #include <cstring>
-#include <limits>
 #include <new>
 
 #include "assets/pvmaterial.h"
@@ -25,21 +23,6 @@ unsigned int PVMESH::numberOfSkeletons = 0;
 bool PVMESH::normalsShown = false;
 
 namespace {
-
-// 16.16 conversion of file data: the float times 65536, truncated toward
-// zero. Values outside the 32-bit range saturate and NaN becomes 0, so that
-// hostile files cannot reach an undefined conversion.
-GLfixed toFixed(float value)
-{
-    const double scaled = double(value) * 65536.0;
-    if (!(scaled == scaled))
-        return 0;
-    if (scaled >= 2147483647.0)
-        return std::numeric_limits<GLfixed>::max();
-    if (scaled <= -2147483648.0)
-        return std::numeric_limits<GLfixed>::min();
-    return static_cast<GLfixed>(scaled);
-}
 
 // Signed 32 x 32 -> 64-bit product shifted right by 16.
 inline int32_t mulFixed(int32_t a, int32_t b) { return static_cast<int32_t>((int64_t(a) * b) >> 16); }
@@ -348,11 +331,11 @@ bool PVMESH::readMaterial(KVFREADER& reader)
 void PVMESH::convertToFixed(const float* positions, const float* vertexNormals, const float* coordinates)
 {
     for (size_t i = 0; i < size_t(nbVertices) * 3; i++) {
-        vertices[i] = toFixed(positions[i]);
-        normals[i] = toFixed(vertexNormals[i]);
+        vertices[i] = PV_floatToFixed(positions[i]);
+        normals[i] = PV_floatToFixed(vertexNormals[i]);
     }
     for (size_t i = 0; coordinates && i < size_t(nbVertices) * 2; i++)
-        uvs[i] = toFixed(coordinates[i]);
+        uvs[i] = PV_floatToFixed(coordinates[i]);
 }
 
 bool PVMESH::readGeometry(KVFREADER& reader, bool obsolete, uint16_t& children)
@@ -532,7 +515,7 @@ void PVMESH::computeBoneMatrices(unsigned int slot, GLfixed (*fixed)[16])
         K3MMATRIX m = (pose ? pose[b] : identity) * invRoot;
         m = bones[b].inverseBind * m;
         for (int i = 0; i < 16; i++)
-            fixed[b][i] = toFixed(m.m[i]);
+            fixed[b][i] = PV_floatToFixed(m.m[i]);
     }
 }
 
@@ -559,7 +542,7 @@ bool PVMESH::animate(unsigned int slot)
         GLfixed* outN = skinnedNormals + 3 * v;
         for (unsigned int j = 0; j < perVertex; j++) {
             const size_t influence = size_t(v) * perVertex + j;
-            const int32_t w = toFixed(boneWeight[influence]);
+            const int32_t w = PV_floatToFixed(boneWeight[influence]);
             if (w <= 0)
                 continue;
             const GLfixed* m = fixed[boneIndex[influence]];
