@@ -13,6 +13,7 @@
 #include "scene/scenefixture.h"
 #include "support/glfixture.h"
 #include "support/pvewriter.h"
+#include "support/testaccess.h"
 
 using namespace pvtest;
 
