@@ -27,6 +27,10 @@ struct PVTESTACCESS {
     static bool vectorSkinning() { return PVMESH::vectorSkinning; }
     static void setVectorSkinning(bool on) { PVMESH::vectorSkinning = on; }
 
+    // The video-memory budget and frame stamp that init and begin3D set.
+    static void setVideoMemory(unsigned int bytes) { PEVRANO::videoMemoryTotal = bytes; }
+    static void setTimeStamp(long stamp) { PEVRANO::timeStamp = stamp; }
+
     // The colour-code read-back of picking, without drawing anything.
     static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }
 };
