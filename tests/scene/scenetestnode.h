@@ -46,12 +46,18 @@ public:
     void* lastElement = nullptr;
     static int destroyed;
 
-    // Installs answers that read the fields above; every widget the render
-    // list asks about in these tests is a TestNode.
+    // Installs answers that read the fields above; nodes of other classes
+    // (meshes and helpers passed in a 2D frame) answer 0 and not minimised.
     static void installQueries()
     {
-        PVELEMENT::QUERIES queries = {[](PVNODE* n) { return static_cast<TestNode*>(n)->foremost; },
-                                      [](PVNODE* n) { return static_cast<TestNode*>(n)->minimized; }};
+        PVELEMENT::QUERIES queries = {[](PVNODE* n) {
+                                          const TestNode* t = dynamic_cast<TestNode*>(n);
+                                          return t ? t->foremost : 0L;
+                                      },
+                                      [](PVNODE* n) {
+                                          const TestNode* t = dynamic_cast<TestNode*>(n);
+                                          return t && t->minimized;
+                                      }};
         PVELEMENT::setQueries(queries);
     }
 };
