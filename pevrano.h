@@ -10,6 +10,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfreader.h"
 
 // Math: vectors, quaternions, matrix, plane.
 #include "math/k3mvector2d.h"
@@ -29,6 +30,7 @@
 #include "scene/pvelement.h"
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
+#include "scene/pvhelper.h"
 
 // Assets: textures, materials, shaders, frame buffers, particle emitters.
 #include "assets/pvtexture.h"
@@ -39,5 +41,6 @@
 
 // Video: MPEG video played into a texture.
 #include "video/pvvideo.h"
+#include "assets/pvmesh.h"
 
 #endif

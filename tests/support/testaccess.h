@@ -5,6 +5,7 @@
 #ifndef PEVRANO_TESTS_TESTACCESS_H
 #define PEVRANO_TESTS_TESTACCESS_H
 
+#include "assets/pvmesh.h"
 #include "assets/pvshader.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
@@ -21,6 +22,10 @@ struct PVTESTACCESS {
     static bool shaderEnabled() { return PVSHADER::enabled; }
     static PVSHADER* currentShader() { return PVSHADER::currentShader; }
     static void setCurrentShader(PVSHADER* shader) { PVSHADER::currentShader = shader; }
+
+    // Skinning four lanes at a time (when the processor can) or one by one.
+    static bool vectorSkinning() { return PVMESH::vectorSkinning; }
+    static void setVectorSkinning(bool on) { PVMESH::vectorSkinning = on; }
 
     // The video-memory budget and frame stamp that init and begin3D set.
     static void setVideoMemory(unsigned int bytes) { PEVRANO::videoMemoryTotal = bytes; }
