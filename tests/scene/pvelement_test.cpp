@@ -409,28 +409,6 @@ TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
     EXPECT_EQ(nullptr, mesh->getNearestLight(4));
 }
 
-// True for the node kinds the 3D sort draws after the opaque ones (every
-// node but the lights is a TestNode, a mesh or a helper here).
-bool drawnAsTransparent(PVNODE* node)
-{
-    const PV_NODE_TYPE type = node->getType();
-    return type == PV_TYPE_EMITTER || type == PV_TYPE_HELPER ||
-           (type == PV_TYPE_MESH && static_cast<PVMESH*>(node)->getMaterial());
-}
-
-int rank3D(PVNODE* node)
-{
-    if (node->getType() == PV_TYPE_LIGHT)
-        return 0;
-    return drawnAsTransparent(node) ? 2 : 1;
-}
-
-// Eye-space z of a transparent node's near side, from its placement.
-float nearSide(PVNODE* node)
-{
-    return node->getPosition().z - PVMESH::radiusOf(node);
-}
-
 // A frame of several hundred records, well past the size at which the C
 // library's qsort takes a heap buffer: passing and the three sorts must not
 // allocate (the orders themselves are the sort tests' business).

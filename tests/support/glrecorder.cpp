@@ -315,7 +315,7 @@ PV_INTERPOSE(void, glTexSubImage2D,
              (target, level, xoffset, yoffset, width, height, format, type, pixels),
              .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
 
-// Particle drawing: depth writes, client arrays, indexed triangles.
+// Depth writes, client arrays (data pointers are left out), indexed triangles.
 PV_INTERPOSE(void, glDepthMask, (GLboolean flag), (flag), .num(flag))
 PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
              (size, type, stride, pointer), .num(size).en(type).num(stride))
@@ -341,15 +341,9 @@ PV_INTERPOSE(void, glFrustumx, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfi
 PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 
-// Arrays and drawing (data pointers are left out).
-PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
-             (size, type, stride, pointer), .num(size).en(type).num(stride))
+// Mesh normals (data pointers are left out).
 PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
              .en(type).num(stride))
-PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
-             (size, type, stride, pointer), .num(size).en(type).num(stride))
-PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
-             (mode, count, type, indices), .en(mode).num(count).en(type))
 
 // Queries.
 PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))
