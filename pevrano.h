@@ -33,4 +33,17 @@
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 
+// 2D interface: boxes, fonts, buttons, labels, text fields, scroll bars,
+// windows and their pointer and keyboard input.
+#include "gui/pvbox.h"
+#include "gui/pvfont.h"
+#include "gui/pvbutton.h"
+#include "gui/pvlabel.h"
+#include "gui/pvtextfield.h"
+#include "gui/pvscrollbar.h"
+#include "gui/pvhscrollbar.h"
+#include "gui/pvvscrollbar.h"
+#include "gui/pvwindow.h"
+#include "gui/pvinput.h"
+
 #endif

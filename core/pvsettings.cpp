@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "assets/pvshader.h"
+#include "gui/pvfont.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
 #include "foundation/kvffile.h"
@@ -266,7 +267,7 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          Texture path: '%s'\n", texturePath);
     PVSHADER::setPath(shaderPath);
     kvfLog("          Shader path : '%s'\n", shaderPath);
-    // Font class step: PVFONT::setPath(fontPath).
+    PVFONT::setPath(fontPath);
     kvfLog("          Font path   : '%s'\n", fontPath);
 }
 
