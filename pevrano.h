@@ -29,7 +29,9 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: shaders and frame buffers.
+// Assets: textures, materials, shaders and frame buffers.
+#include "assets/pvtexture.h"
+#include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 

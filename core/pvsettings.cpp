@@ -5,12 +5,13 @@
 #include <initializer_list>
 
 #include "assets/pvshader.h"
-#include "gui/pvfont.h"
+#include "assets/pvtexture.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
+#include "gui/pvfont.h"
 
 // Xlib last: its macros (None, Bool, Status...) stay out of the engine headers.
 #include <EGL/eglext.h>
@@ -263,7 +264,7 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          PVE path    : '%s'\n", pvePath);
     // Animation class step: PVANIM::setPVAPath(pvaPath).
     kvfLog("          PVA path    : '%s'\n", pvaPath);
-    // Texture class step: PVTEXTURE::setPath(texturePath).
+    PVTEXTURE::setPath(texturePath);
     kvfLog("          Texture path: '%s'\n", texturePath);
     PVSHADER::setPath(shaderPath);
     kvfLog("          Shader path : '%s'\n", shaderPath);
