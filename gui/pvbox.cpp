@@ -11,21 +11,35 @@
 
 long PVBOX::counter = 0;
 
-PVBOXCOORD::PVBOXCOORD() : coord { 0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f } { }
+PVBOXCOORD::PVBOXCOORD() : coord {0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f} {}
 
 PVBOXCOORD::PVBOXCOORD(float u, float v, bool topDown)
 {
     const float top = topDown ? 0.0f : v;
     const float bottom = topDown ? v : 0.0f;
-    const float corners[8] = { 0.0f, top, u, top, 0.0f, bottom, u, bottom };
+    const float corners[8] = {0.0f, top, u, top, 0.0f, bottom, u, bottom};
     for (int i = 0; i < 8; i++)
         coord[i] = corners[i];
 }
 
 PVBOX::PVBOX() :
-    sizeX(64), sizeY(64), startX(0), startY(0), endX(0), endY(0), thickness(3), color(0.5f, 0.5f, 0.5f, 1.0f),
-    checkStatus(false), displayStatus(true), staticStatus(true), clickedStatus(false), limitStatus(false),
-    scissorStatus(true), foremostTimeStamp(getNextCounter()), texture(nullptr), shader(nullptr)
+    sizeX(64),
+    sizeY(64),
+    startX(0),
+    startY(0),
+    endX(0),
+    endY(0),
+    thickness(3),
+    color(0.5f, 0.5f, 0.5f, 1.0f),
+    checkStatus(false),
+    displayStatus(true),
+    staticStatus(true),
+    clickedStatus(false),
+    limitStatus(false),
+    scissorStatus(true),
+    foremostTimeStamp(getNextCounter()),
+    texture(nullptr),
+    shader(nullptr)
 {
     type = PV_TYPE_BOX;
     setDefaultName("[box %d]");
@@ -134,9 +148,10 @@ bool PVBOX::setForemost(long)
 
 void PVBOX::drawQuad(int left, int top, int right, int bottom, K3MVECTOR4D quadColor, PVBOXCOORD* coords)
 {
-    const GLfixed vertices[8] = { PV_floatToFixed(float(left)), PV_floatToFixed(float(top)),
-        PV_floatToFixed(float(right)), PV_floatToFixed(float(top)), PV_floatToFixed(float(left)),
-        PV_floatToFixed(float(bottom)), PV_floatToFixed(float(right)), PV_floatToFixed(float(bottom)) };
+    const GLfixed vertices[8] = {PV_floatToFixed(float(left)),  PV_floatToFixed(float(top)),
+                                 PV_floatToFixed(float(right)), PV_floatToFixed(float(top)),
+                                 PV_floatToFixed(float(left)),  PV_floatToFixed(float(bottom)),
+                                 PV_floatToFixed(float(right)), PV_floatToFixed(float(bottom))};
     GLfixed colors[16];
     GLfixed texCoords[8];
     for (int i = 0; i < 4; i++)
@@ -208,14 +223,14 @@ struct BorderPiece {
 // Per ring i, in drawing order: top, left, bottom and right edges, then the
 // corners top-left, bottom-left, top-right and bottom-right.
 const BorderPiece borderPieces[8] = {
-    { 1, 0, -1, 1, false, false, true, false, 1.3f, 0.7f },
-    { 0, 1, 1, -1, false, false, false, true, 1.3f, 0.7f },
-    { 1, 0, -1, -1, false, true, true, true, 0.7f, 1.3f },
-    { 0, 1, -1, -1, true, false, true, true, 0.7f, 1.3f },
-    { 0, 0, 1, 1, false, false, false, false, 1.6f, 0.4f },
-    { 0, 0, 1, -1, false, true, false, true, 1.0f, 1.0f },
-    { 0, 0, -1, 1, true, false, true, false, 1.0f, 1.0f },
-    { 0, 0, -1, -1, true, true, true, true, 0.4f, 1.6f },
+    {1, 0, -1, 1, false, false, true, false, 1.3f, 0.7f},
+    {0, 1, 1, -1, false, false, false, true, 1.3f, 0.7f},
+    {1, 0, -1, -1, false, true, true, true, 0.7f, 1.3f},
+    {0, 1, -1, -1, true, false, true, true, 0.7f, 1.3f},
+    {0, 0, 1, 1, false, false, false, false, 1.6f, 0.4f},
+    {0, 0, 1, -1, false, true, false, true, 1.0f, 1.0f},
+    {0, 0, -1, 1, true, false, true, false, 1.0f, 1.0f},
+    {0, 0, -1, -1, true, true, true, true, 0.4f, 1.6f},
 };
 
 // i + offset from the near edge (0), or far - i + offset from the far edge.
@@ -235,9 +250,9 @@ void PVBOX::drawBorder(const K3MVECTOR4D& baseColor)
             K3MVECTOR4D shade = baseColor * (clickedStatus ? piece.pressed : piece.released);
             shade.w = 0.5f;
             drawQuad(ringCoordinate(i, piece.left, piece.farLeft, sizeX),
-                ringCoordinate(i, piece.top, piece.farTop, sizeY),
-                ringCoordinate(i, piece.right, piece.farRight, sizeX),
-                ringCoordinate(i, piece.bottom, piece.farBottom, sizeY), shade, nullptr);
+                     ringCoordinate(i, piece.top, piece.farTop, sizeY),
+                     ringCoordinate(i, piece.right, piece.farRight, sizeX),
+                     ringCoordinate(i, piece.bottom, piece.farBottom, sizeY), shade, nullptr);
         }
     }
 }

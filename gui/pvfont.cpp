@@ -69,7 +69,13 @@ GLubyte colorByte(char digit) { return GLubyte(int(float(digit - '0') * 31.89f) 
 }  // namespace
 
 PVFONT::PVFONT() :
-    id(kvfNewId()), texture(nullptr), kerning(), charSizeX(16), charSizeY(16), previous(nullptr), next(nullptr)
+    id(kvfNewId()),
+    texture(nullptr),
+    kerning(),
+    charSizeX(16),
+    charSizeY(16),
+    previous(nullptr),
+    next(nullptr)
 {
     snprintf(name, sizeof(name), "[font %d]", int(id));
     Registry::append(this);
@@ -152,8 +158,8 @@ bool PVFONT::loadKerning(const char* file)
     static const struct {
         const char* key;
         char code;
-    } named[] = { { "PEVRANO_kerning_SPACE", ' ' }, { "PEVRANO_kerning_DIESIS", '#' },
-        { "PEVRANO_kerning_EQUAL", '=' } };
+    } named[] = {
+        {"PEVRANO_kerning_SPACE", ' '}, {"PEVRANO_kerning_DIESIS", '#'}, {"PEVRANO_kerning_EQUAL", '='}};
     for (const auto& entry : named)
         if (kvfGetInt(&parser, entry.key, &value))
             kerning[entry.code - PV_FONT_FIRST_CODE] = static_cast<signed char>(value);
@@ -200,8 +206,8 @@ void PVFONT::writeGlyph(unsigned int slot, int x, int y, char c) const
     const float vb = vt - 1.0f / 16.0f;
     const int w = int(charSizeX);
     const int h = int(charSizeY);
-    const int positions[12] = { x, y + h, x + w, y + h, x, y, x + w, y + h, x + w, y, x, y };
-    const float uv[12] = { u0, vb, u1, vb, u0, vt, u1, vb, u1, vt, u0, vt };
+    const int positions[12] = {x, y + h, x + w, y + h, x, y, x + w, y + h, x + w, y, x, y};
+    const float uv[12] = {u0, vb, u1, vb, u0, vt, u1, vb, u1, vt, u0, vt};
     GLfixed* vertex = fontCachedVertex + slot * 12;
     GLfixed* texCoord = fontCachedTexCoord + slot * 12;
     for (int i = 0; i < 12; i++) {

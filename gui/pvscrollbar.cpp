@@ -12,7 +12,11 @@ static float clampTo(float value, float low, float high)
 }
 
 PVSCROLLBAR::PVSCROLLBAR(bool alongY, const char* name) :
-    minValue(0.0f), maxValue(1.0f), cursor(new PVBUTTON()), vertical(alongY), className(name)
+    minValue(0.0f),
+    maxValue(1.0f),
+    cursor(new PVBUTTON()),
+    vertical(alongY),
+    className(name)
 {
     type = vertical ? PV_TYPE_VSCROLLBAR : PV_TYPE_HSCROLLBAR;
     // Both bars take the horizontal name pattern, deliberately.

@@ -2,10 +2,10 @@
 
 #include <cstring>
 
+#include "assets/pvtexture.h"
 #include "core/pevrano.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
-#include "assets/pvtexture.h"
 #include "gui/pvfont.h"
 
 // The caret is the glyph of code 127, shown for the last 70% of each second.
@@ -31,7 +31,8 @@ bool PVTEXTFIELD::manageKey(char key)
     if (code >= 32 && code <= 127) {
         // The kerning is added here, not the advance: kept as it is.
         const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
-        if (font->stringLength(caption) + unsigned(font->getKerning(key)) <= room && length < PV_CAPTION_SIZE - 1) {
+        if (font->stringLength(caption) + unsigned(font->getKerning(key)) <= room &&
+            length < PV_CAPTION_SIZE - 1) {
             caption[length] = key;
             caption[length + 1] = '\0';
         }
@@ -64,11 +65,11 @@ bool PVTEXTFIELD::render(void* element)
 // bottom and right lines, and a darker inner corner.
 void PVTEXTFIELD::drawSunkenFrame()
 {
-    static const GLubyte topLeft[] = { 0, 1, 0, 2 };
-    static const GLubyte bottomRight[] = { 2, 3, 1, 3 };
-    static const GLubyte innerCorner[] = { 4, 5, 4, 6 };
-    static const float shades[3] = { 0.7f, 1.3f, 0.4f };
-    static const GLubyte* lines[3] = { topLeft, bottomRight, innerCorner };
+    static const GLubyte topLeft[] = {0, 1, 0, 2};
+    static const GLubyte bottomRight[] = {2, 3, 1, 3};
+    static const GLubyte innerCorner[] = {4, 5, 4, 6};
+    static const float shades[3] = {0.7f, 1.3f, 0.4f};
+    static const GLubyte* lines[3] = {topLeft, bottomRight, innerCorner};
     const float pressed = clickedStatus ? 0.9f : 1.0f;
     const int width = sizeX - 2 * int(thickness);
     const int height = sizeY - 2 * int(thickness);
@@ -81,11 +82,12 @@ void PVTEXTFIELD::drawSunkenFrame()
     for (int i = 0; i < int(thickness); i++) {
         const int right = width - i;
         const int bottom = height - i;
-        const GLfixed corners[14] = { PV_floatToFixed(float(i)), PV_floatToFixed(float(i)),
-            PV_floatToFixed(float(right)), PV_floatToFixed(float(i)), PV_floatToFixed(float(i)),
-            PV_floatToFixed(float(bottom)), PV_floatToFixed(float(right)), PV_floatToFixed(float(bottom)),
-            PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(right - 1)),
-            PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(bottom - 1)) };
+        const GLfixed corners[14] = {
+            PV_floatToFixed(float(i)),     PV_floatToFixed(float(i)),         PV_floatToFixed(float(right)),
+            PV_floatToFixed(float(i)),     PV_floatToFixed(float(i)),         PV_floatToFixed(float(bottom)),
+            PV_floatToFixed(float(right)), PV_floatToFixed(float(bottom)),    PV_floatToFixed(float(i + 1)),
+            PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(right - 1)), PV_floatToFixed(float(i + 1)),
+            PV_floatToFixed(float(i + 1)), PV_floatToFixed(float(bottom - 1))};
         glVertexPointer(2, GL_FIXED, 0, corners);
         for (int piece = 0; piece < 3; piece++) {
             const K3MVECTOR4D shade = color * (shades[piece] * pressed);

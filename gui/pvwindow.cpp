@@ -21,8 +21,15 @@
 #define PV_LABEL_LINE 16
 
 PVWINDOW::PVWINDOW() :
-    maximized(true), text(), formattedText(), titleBar(new PVBUTTON()), scrollBar(new PVVSCROLLBAR()),
-    scrollLine(0), scrollOffset(0), contentHeight(0), textHeight(0)
+    maximized(true),
+    text(),
+    formattedText(),
+    titleBar(new PVBUTTON()),
+    scrollBar(new PVVSCROLLBAR()),
+    scrollLine(0),
+    scrollOffset(0),
+    contentHeight(0),
+    textHeight(0)
 {
     type = PV_TYPE_WINDOW;
     setDefaultName("[window %d]");
