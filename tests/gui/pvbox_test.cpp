@@ -8,6 +8,9 @@ namespace {
 
 class Box : public GuiTest {};
 
+const Calls quadCalls = {"glVertexPointer(2,GL_FIXED,0)", "glColorPointer(4,GL_FIXED,0)",
+                         "glTexCoordPointer(2,GL_FIXED,0)", "glDrawArrays(GL_TRIANGLE_STRIP,0,4)"};
+
 std::vector<float> cornersOf(const PVBOXCOORD& coords)
 {
     return std::vector<float>(coords.coord, coords.coord + 8);
@@ -204,6 +207,23 @@ TEST_F(BoxPixels, APressedBoxIsDarkerAndSunken)
     expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), fill), screen(40, 58), "bottom");
     expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), fill), screen(21, 31), "top-left");
     expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), fill), screen(58, 58), "bottom-right");
+}
+
+// Drawn outside any window: the scissor covers the display; the fill, then
+// blending for the 8 pieces of each of the 3 rings.
+TEST_F(BoxPixels, ABevelledBoxIsTheFillAndTwentyFourBorderQuads)
+{
+    PEVRANO::begin2D();
+    box->pass(false);
+    const Calls calls = record([&] { box->render(PVELEMENT::getPassedElement(0)); });
+    PEVRANO::end2D();
+    Calls expected = {"glLoadMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,1310720,1966080,0,65536})",
+                      "glScissor(0,0,160,120)"};
+    expected.insert(expected.end(), quadCalls.begin(), quadCalls.end());
+    expected.push_back("glEnable(GL_BLEND)");
+    for (int piece = 0; piece < 24; piece++)
+        expected.insert(expected.end(), quadCalls.begin(), quadCalls.end());
+    EXPECT_EQ(expected, calls);
 }
 
 TEST_F(BoxPixels, ThicknessZeroDrawsTheFillOnly)
