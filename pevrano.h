@@ -2,7 +2,8 @@
 #ifndef PEVRANO_H
 #define PEVRANO_H
 
-// Foundation: log, counted memory, timers, identifiers, key/value parser.
+// Foundation: start-up, log, counted memory, timers, identifiers, key/value parser.
+#include "foundation/kvffoundation.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvftimer.h"
@@ -36,7 +37,8 @@
 #include "assets/pvfbo.h"
 
 // 2D interface: boxes, fonts, buttons, labels, text fields, scroll bars,
-// windows and their pointer and keyboard input.
+// windows (their pointer and keyboard input goes through
+// PVELEMENT::manageGUIEvents).
 #include "gui/pvbox.h"
 #include "gui/pvfont.h"
 #include "gui/pvbutton.h"
@@ -46,6 +48,5 @@
 #include "gui/pvhscrollbar.h"
 #include "gui/pvvscrollbar.h"
 #include "gui/pvwindow.h"
-#include "gui/pvinput.h"
 
 #endif

@@ -23,7 +23,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(startEngineInWindow()) << log.text();
-        logged();
+        log.fresh();
     }
     void TearDown() override
     {
@@ -32,7 +32,7 @@ protected:
     }
 
     // What the log gained since the previous call (start-up lines skipped).
-    NewLogLines logged{log};
+    std::string logged() { return log.fresh(); }
 
     // One 2D frame of everything under root, on a black background.
     static void drawFrame2D(PVNODE* root)

@@ -1,6 +1,7 @@
 // Pointer and keys scripted through the render list's dispatcher, over the
 // widgets drawn in the last 2D pass.
 #include "gui/guifixture.h"
+#include "gui/pvinput.h"
 
 using namespace pvtest;
 
