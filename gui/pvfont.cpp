@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -62,6 +63,10 @@ int escapeValue(const char* digits)
     value[4] = '\0';
     return atoi(value);
 }
+
+// A whole number of pixels in 16.16 fixed point (wrapping as GL's fixed
+// values do far outside the screen).
+GLfixed toFixed(int64_t pixels) { return GLfixed(uint32_t(uint64_t(pixels) << 16)); }
 
 // '0' to '8' span 0 to 255; '9' wraps to 31.
 GLubyte colorByte(char digit) { return GLubyte(int(float(digit - '0') * 31.89f) & 0xFF); }
@@ -200,20 +205,21 @@ void PVFONT::writeGlyph(unsigned int slot, int x, int y, char c) const
     const int index = static_cast<unsigned char>(c) - PV_FONT_FIRST_CODE;
     const int row = index / 16;
     const int column = index - row * int(charSizeX);
-    const float u0 = float(column) / 16.0f;
-    const float u1 = u0 + 1.0f / 16.0f;
-    const float vt = float(16 - row) / 16.0f;
-    const float vb = vt - 1.0f / 16.0f;
-    const int w = int(charSizeX);
-    const int h = int(charSizeY);
-    const int positions[12] = {x, y + h, x + w, y + h, x, y, x + w, y + h, x + w, y, x, y};
-    const float uv[12] = {u0, vb, u1, vb, u0, vt, u1, vb, u1, vt, u0, vt};
-    GLfixed* vertex = fontCachedVertex + slot * 12;
-    GLfixed* texCoord = fontCachedTexCoord + slot * 12;
-    for (int i = 0; i < 12; i++) {
-        vertex[i] = PV_floatToFixed(float(positions[i]));
-        texCoord[i] = PV_floatToFixed(uv[i]);
-    }
+    // In 16.16 fixed point a sixteenth of the sheet is 4096: every corner
+    // is exact in integers.
+    const GLfixed u0 = GLfixed(column * 4096);
+    const GLfixed u1 = u0 + 4096;
+    const GLfixed vt = GLfixed((16 - row) * 4096);
+    const GLfixed vb = vt - 4096;
+    const GLfixed left = toFixed(x);
+    const GLfixed right = toFixed(int64_t(x) + charSizeX);
+    const GLfixed top = toFixed(y);
+    const GLfixed bottom = toFixed(int64_t(y) + charSizeY);
+    const GLfixed positions[12] = {left,  bottom, right, bottom, left, top,
+                                   right, bottom, right, top,    left, top};
+    const GLfixed uv[12] = {u0, vb, u1, vb, u0, vt, u1, vb, u1, vt, u0, vt};
+    memcpy(fontCachedVertex + slot * 12, positions, sizeof(positions));
+    memcpy(fontCachedTexCoord + slot * 12, uv, sizeof(uv));
     memcpy(fontCachedColor + slot * 24, currentColor, sizeof(currentColor));
 }
 
