@@ -178,12 +178,7 @@ class LandscapeInput : public Input {
 protected:
     void SetUp() override
     {
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
-        settings.setLandscape(true);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        ASSERT_TRUE(startEngineInLandscape()) << log.text();
         PVINPUT::reset();
         root = new PVBOX();
         root->setSizes(0, 0);
