@@ -30,11 +30,15 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: textures, materials, shaders and frame buffers.
+// Assets: textures, materials, shaders, frame buffers, particle emitters.
 #include "assets/pvtexture.h"
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
+#include "assets/pvemitter.h"
+
+// Video: MPEG video played into a texture.
+#include "video/pvvideo.h"
 
 // 2D interface: boxes, fonts, buttons, labels, text fields, scroll bars,
 // windows (their pointer and keyboard input goes through

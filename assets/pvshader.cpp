@@ -6,6 +6,7 @@
 
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
+#include "foundation/kvfstring.h"
 
 char PVSHADER::shaderPath[PV_SHADER_NAME_SIZE] = "";
 PVSHADER* PVSHADER::firstShader = nullptr;
@@ -58,19 +59,6 @@ PVSHADER* PVSHADER::water = nullptr;
 PVSHADER* PVSHADER::waterS = nullptr;
 PVSHADER* PVSHADER::terrainComplex = nullptr;
 PVSHADER* PVSHADER::terrainSimple = nullptr;
-
-namespace {
-
-// Copies text into a name buffer when it fits; otherwise leaves it alone.
-bool copyIfFits(char* destination, const char* text)
-{
-    if (!text || strlen(text) >= PV_SHADER_NAME_SIZE)
-        return false;
-    strcpy(destination, text);
-    return true;
-}
-
-}  // namespace
 
 PVSHADER::PVSHADER()
     : id(kvfNewId()), vertexReady(false), fragmentReady(false), params(), previous(nullptr), next(nullptr)
@@ -197,7 +185,7 @@ bool PVSHADER::useWater() { return waterFlag; }
 bool PVSHADER::useTerrain() { return terrainFlag; }
 bool PVSHADER::isActive() { return active; }
 
-void PVSHADER::setName(const char* newName) { copyIfFits(name, newName); }
+void PVSHADER::setName(const char* newName) { kvfCopyIfFits(name, sizeof name, newName); }
 char* PVSHADER::getName() { return name; }
 char* PVSHADER::getVSFilename() { return vsFilename; }
 char* PVSHADER::getPSFilename() { return psFilename; }
@@ -213,7 +201,7 @@ void PVSHADER::setPath(const char* path)
     if (!path)
         shaderPath[0] = '\0';
     else
-        copyIfFits(shaderPath, path);
+        kvfCopyIfFits(shaderPath, sizeof shaderPath, path);
 }
 
 char* PVSHADER::getPath() { return shaderPath; }

@@ -4,6 +4,8 @@
 
 #include <pevrano.h>
 
+#include <vector>
+
 namespace {
 
 // A node of a chosen type, as the classes built on PVNODE set it.
@@ -87,5 +89,20 @@ void BM_FinalMatrixDepth8(benchmark::State& state)
     PVNODE::cleanUp();
 }
 BENCHMARK(BM_FinalMatrixDepth8);
+
+// Constructing n nodes, as a scene load does (each joins its registry at the
+// tail), then deleting them: the fitted complexity must stay O(n).
+void BM_NodeRegistryFill(benchmark::State& state)
+{
+    std::vector<PVNODE*> nodes(static_cast<size_t>(state.range(0)));
+    for (auto _ : state) {
+        for (PVNODE*& node : nodes)
+            node = new PVNODE();
+        for (PVNODE* node : nodes)
+            delete node;
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_NodeRegistryFill)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
 
+#include "assets/pvemitter.h"
 #include "assets/pvfbo.h"
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
@@ -20,6 +21,7 @@
 #include "scene/pvelement.h"
 #include "scene/pvlight.h"
 #include "scene/pvnode.h"
+#include "video/pvvideo.h"
 
 bool PEVRANO::active = false;
 int PEVRANO::timer = -1;
@@ -115,8 +117,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
         return failStartUp("   [!] Unable to initialize font class @ PEVRANO::init\n", ELEMENTS_STARTED);
     // Mesh class step: PVMESH::init(); on failure
     // "   [!] Unable to initialize mesh class @ PEVRANO::init\n", unwinding FONTS_STARTED.
-    // Emitter class step: PVEMITTER::init(); on failure
-    // "   [!] Unable to initialize emitter class @ PEVRANO::init\n", unwinding MESHES_STARTED.
+    if (!PVEMITTER::init(settings->getParticles() > 0 ? settings->getParticles() : 0))
+        return failStartUp("   [!] Unable to initialize emitter class @ PEVRANO::init\n", MESHES_STARTED);
     return true;
 }
 
@@ -180,10 +182,10 @@ bool PEVRANO::free()
     PVMATERIAL::cleanUp();
     PVTEXTURE::cleanUp();
     // Animation class step: PVANIM::cleanUp().
-    // Video class step: PVVIDEO::cleanUp().
+    PVVIDEO::cleanUp();
 
     // Class-wide state.
-    // Emitter class step: PVEMITTER::free().
+    PVEMITTER::free();
     PVFONT::free();
     // Mesh class step: PVMESH::free().
     PVELEMENT::free();

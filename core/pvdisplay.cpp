@@ -1,6 +1,7 @@
 #include "core/pvdisplay.h"
 
 #include <cstdlib>
+#include <cstring>
 
 #include <SDL/SDL.h>
 #include <SDL/SDL_syswm.h>
@@ -18,10 +19,22 @@
     PVDISPLAY* pvCreate##name##Display(const SDL_SysWMinfo* info, const PVDISPLAYHANDLES& handles);
 PV_DISPLAY_BACKENDS(PV_DECLARE_DISPLAY_FACTORY)
 
+// Whether the off-screen surface can be width x height pixels.
+bool pvSurfacelessDisplayFits(int width, int height);
+
 namespace {
 
 // Room for this many EGL configurations.
 const int maxConfigs = 32;
+// The largest window side any back-end opens.
+const int largestSide = 16384;
+
+// SDL's video runs on its dummy driver: there is no window system.
+bool videoWithoutWindowSystem()
+{
+    char driver[16];
+    return SDL_VideoDriverName(driver, sizeof driver) && std::strcmp(driver, "dummy") == 0;
+}
 
 }  // namespace
 
@@ -30,6 +43,13 @@ void PVDISPLAY::prepareVideoDriver()
     const char* display = std::getenv("DISPLAY");
     if ((!display || !*display) && !std::getenv("SDL_VIDEODRIVER"))
         setenv("SDL_VIDEODRIVER", "dummy", 0);
+}
+
+bool PVDISPLAY::canOpen(int width, int height)
+{
+    if (width < 1 || height < 1 || width > largestSide || height > largestSide)
+        return false;
+    return !videoWithoutWindowSystem() || pvSurfacelessDisplayFits(width, height);
 }
 
 PVDISPLAY* PVDISPLAY::choose(const PVDISPLAYHANDLES& handles)

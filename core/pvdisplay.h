@@ -28,6 +28,11 @@ public:
     // After the video mode is set: the first back-end that can draw for the
     // window SDL opened. Never null: the last one draws off-screen.
     static PVDISPLAY* choose(const PVDISPLAYHANDLES& handles);
+    // Before the video mode is set: whether a width x height window can be
+    // drawn at all, never more than 16384 pixels a side (no GL this engine
+    // runs on has a larger viewport), nor more than the off-screen surface
+    // allows once SDL's video runs without a window system.
+    static bool canOpen(int width, int height);
 
     // Display, a configuration with zetaDepth depth bits, a width x height
     // surface and a context, made current. False after its log line, leaving

@@ -15,10 +15,18 @@
 #define PV_GL_PROJECTION_STACK 1
 
 // 16.16 fixed point: the float times 65536, truncated toward zero, no
-// rounding and no clamping.
+// rounding. Values beyond the 16.16 range (32768 and above, below -32768)
+// saturate to the largest or smallest fixed value; NaN gives 0.
 inline GLfixed PV_floatToFixed(float value)
 {
-    return static_cast<GLfixed>(value * 65536.0f);
+    const float scaled = value * 65536.0f;
+    // -2^31 and 2^31 are exact floats: every value between them truncates
+    // into a 32-bit integer. NaN fails both tests.
+    if (scaled >= -2147483648.0f && scaled < 2147483648.0f)
+        return static_cast<GLfixed>(scaled);
+    if (scaled > 0.0f)
+        return 2147483647;
+    return scaled < 0.0f ? -2147483647 - 1 : 0;
 }
 
 void PV_glColor4f(float r, float g, float b, float a);

@@ -1,7 +1,8 @@
 // Class-wide registry of live objects: a doubly linked list threaded through
 // each object's own previous/next members, headed by a static pointer of the
 // class. Objects join at the tail when constructed and leave when destroyed;
-// searches return the first match in registry order.
+// searches return the first match in registry order. The registry keeps the
+// tail, so joining takes constant time however many objects are registered.
 #ifndef PVREGISTRY_H
 #define PVREGISTRY_H
 
@@ -11,18 +12,17 @@
 template <class T, T **Head, T *T::*Previous, T *T::*Next>
 class PVREGISTRY {
 public:
-    // Links object behind the last registered one (walking from the head).
+    // Links object behind the last registered one.
     static void append(T *object)
     {
         if (!*Head) {
             *Head = object;
+            tail = object;
             return;
         }
-        T *last = *Head;
-        while (last->*Next)
-            last = last->*Next;
-        last->*Next = object;
-        object->*Previous = last;
+        tail->*Next = object;
+        object->*Previous = tail;
+        tail = object;
     }
 
     // Unlinks object from its neighbours; a removed head passes the head on.
@@ -34,6 +34,8 @@ public:
             (object->*Next)->*Previous = object->*Previous;
         if (*Head == object)
             *Head = object->*Next;
+        if (tail == object)
+            tail = object->*Previous;
         object->*Previous = nullptr;
         object->*Next = nullptr;
     }
@@ -83,8 +85,16 @@ public:
             total++;
         }
         *Head = nullptr;
+        tail = nullptr;
         return total;
     }
+
+private:
+    // The last registered object; null exactly when the head is. Only the
+    // library's own classes link and unlink, so the library keeps it to
+    // itself: a symbol shared across libraries would be unique process-wide
+    // and keep the library from ever being unloaded.
+    __attribute__((visibility("hidden"))) inline static T *tail = nullptr;
 };
 
 #endif

@@ -11,6 +11,7 @@
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfstring.h"
 #include "gui/pvfont.h"
 
 #include <GLES/gl.h>
@@ -47,13 +48,6 @@ namespace {
 // The video mode is always opened with these flags, whatever the settings ask.
 const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
 
-// Copies a non-null string shorter than the field; otherwise the field stays.
-void copyIfFits(char* field, const char* value)
-{
-    if (value && std::strlen(value) < PV_SETTINGS_STRING_SIZE)
-        std::strcpy(field, value);
-}
-
 }  // namespace
 
 PVSETTINGS::PVSETTINGS()
@@ -82,13 +76,13 @@ PVSETTINGS::PVSETTINGS()
     texturePath[0] = shaderPath[0] = fontPath[0] = '\0';
 }
 
-void PVSETTINGS::setTitle(const char* value) { copyIfFits(title, value); }
-void PVSETTINGS::setPVEPath(const char* value) { copyIfFits(pvePath, value); }
-void PVSETTINGS::setPVAPath(const char* value) { copyIfFits(pvaPath, value); }
-void PVSETTINGS::setMPGPath(const char* value) { copyIfFits(mpgPath, value); }
-void PVSETTINGS::setTexturePath(const char* value) { copyIfFits(texturePath, value); }
-void PVSETTINGS::setShaderPath(const char* value) { copyIfFits(shaderPath, value); }
-void PVSETTINGS::setFontPath(const char* value) { copyIfFits(fontPath, value); }
+void PVSETTINGS::setTitle(const char* value) { kvfCopyIfFits(title, sizeof title, value); }
+void PVSETTINGS::setPVEPath(const char* value) { kvfCopyIfFits(pvePath, sizeof pvePath, value); }
+void PVSETTINGS::setPVAPath(const char* value) { kvfCopyIfFits(pvaPath, sizeof pvaPath, value); }
+void PVSETTINGS::setMPGPath(const char* value) { kvfCopyIfFits(mpgPath, sizeof mpgPath, value); }
+void PVSETTINGS::setTexturePath(const char* value) { kvfCopyIfFits(texturePath, sizeof texturePath, value); }
+void PVSETTINGS::setShaderPath(const char* value) { kvfCopyIfFits(shaderPath, sizeof shaderPath, value); }
+void PVSETTINGS::setFontPath(const char* value) { kvfCopyIfFits(fontPath, sizeof fontPath, value); }
 
 bool PVSETTINGS::load(const char* fileName)
 {
@@ -170,6 +164,9 @@ bool PVSETTINGS::isOk()
 {
     // Before SDL's video starts there is no driver to ask.
     if (!SDL_WasInit(SDL_INIT_VIDEO))
+        return false;
+    // Negative buffer sizes, and windows no display can open, never reach SDL.
+    if (zetaDepth < 0 || stencilDepth < 0 || !PVDISPLAY::canOpen(windowX, windowY))
         return false;
     return SDL_VideoModeOK(windowX, windowY, colorDepth,
                            SDL_FULLSCREEN | SDL_DOUBLEBUF | SDL_NOFRAME | SDL_HWSURFACE) != 0;

@@ -20,7 +20,8 @@ public:
 
     // Reads a PEVRANO_* configuration file; keys that are missing keep their values.
     bool load(const char* fileName);
-    // True if SDL accepts the video mode these settings describe.
+    // True if SDL accepts the video mode these settings describe, the display
+    // can open a window of that size, and no buffer size is negative.
     bool isOk();
 
     // String setters copy only a non-null value shorter than 256 characters.
@@ -38,6 +39,7 @@ public:
     void setAudioBuffers(int value) { audioBuffers = value; }
     void setAudioElements(int value) { audioElements = value; }
     void setRenderingElements(int value) { renderingElements = value; }
+    void setParticles(int value) { particles = value; }
     void setShaders(bool value) { useShaders = value; }
     void setShadowMapSize(int value) { shadowMapSize = value; }
     void setFBOSizeX(int value) { FBOSizeX = value; }
@@ -65,6 +67,7 @@ public:
     int getAudioBuffers() const { return audioBuffers; }
     int getAudioElements() const { return audioElements; }
     int getRenderingElements() const { return renderingElements; }
+    int getParticles() const { return particles; }
     bool getShaders() const { return useShaders; }
     int getShadowMapSize() const { return shadowMapSize; }
     int getFBOSizeX() const { return FBOSizeX; }
@@ -144,6 +147,8 @@ private:
     char texturePath[PV_SETTINGS_STRING_SIZE];
     char shaderPath[PV_SETTINGS_STRING_SIZE];
     char fontPath[PV_SETTINGS_STRING_SIZE];
+    // Particles in the emitters' shared pool; 0 takes the emitter default.
+    int particles = 0;
 
     static bool active;
     static char SDLTitle[PV_SETTINGS_STRING_SIZE];

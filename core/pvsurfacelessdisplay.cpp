@@ -5,7 +5,14 @@
 
 #include <EGL/eglext.h>
 
+#include <vector>
+
 namespace {
+
+EGLDisplay surfacelessDisplay()
+{
+    return eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+}
 
 class PVSURFACELESSDISPLAY : public PVDISPLAY {
 public:
@@ -15,7 +22,7 @@ protected:
     EGLDisplay openDisplay(int, int) override
     {
         handles.window = 0;
-        return eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+        return surfacelessDisplay();
     }
 
     EGLint surfaceType() const override { return EGL_PBUFFER_BIT; }
@@ -28,6 +35,28 @@ protected:
 };
 
 }  // namespace
+
+// The largest pbuffer of any configuration bounds the size. The display is
+// left initialised: it may be the one in use, and opening it again is harmless.
+bool pvSurfacelessDisplayFits(int width, int height)
+{
+    const EGLDisplay display = surfacelessDisplay();
+    if (!eglInitialize(display, nullptr, nullptr))
+        return false;
+    EGLint count = 0;
+    if (!eglGetConfigs(display, nullptr, 0, &count) || count < 1)
+        return false;
+    std::vector<EGLConfig> configs(count);
+    eglGetConfigs(display, configs.data(), count, &count);
+    for (EGLConfig config : configs) {
+        EGLint largestWidth = 0, largestHeight = 0;
+        eglGetConfigAttrib(display, config, EGL_MAX_PBUFFER_WIDTH, &largestWidth);
+        eglGetConfigAttrib(display, config, EGL_MAX_PBUFFER_HEIGHT, &largestHeight);
+        if (width <= largestWidth && height <= largestHeight)
+            return true;
+    }
+    return false;
+}
 
 // Takes any video mode: the last resort.
 PVDISPLAY* pvCreateSurfacelessDisplay(const SDL_SysWMinfo*, const PVDISPLAYHANDLES& handles)

@@ -110,6 +110,27 @@ PVNODE* buildScene()
     return scene;
 }
 
+// Particle effects described in examples/effects/: a fire with its smoke in
+// front of the middle panel and sparks beside it, warmed up for two seconds so
+// that the few frames of the demo show them fully grown.
+void addEffects(PVNODE* scene)
+{
+    PVTEXTURE::setPath(PEVRANO_EFFECTS_DIR "/");
+    const struct {
+        const char* file;
+        float x, y, z;
+    } effects[] = {{"fire.xml", 0.0f, 0.0f, 1.0f}, {"smoke.xml", 0.0f, 0.9f, 1.0f}, {"sparks.xml", 2.0f, 0.0f, 1.5f}};
+    for (const auto& effect : effects) {
+        PVEMITTER* emitter = new PVEMITTER();
+        if (!emitter->load((std::string(PEVRANO_EFFECTS_DIR "/") + effect.file).c_str()))
+            continue;  // the log tells why; the node is released with the others
+        emitter->setPosition(effect.x, effect.y, effect.z);
+        emitter->link(scene);
+        for (int step = 0; step < 60; ++step)
+            emitter->update(1.0f / 30.0f);
+    }
+}
+
 // A camera that looks at the middle of the scene from a point it moves to.
 PVCAMERA* buildCamera()
 {
@@ -325,6 +346,7 @@ int main(int argc, char** argv)
 
     PVOPENGL::setGlobalAmbientLight(0.15f, 0.15f, 0.2f, 1.0f);
     PVNODE* scene = buildScene();
+    addEffects(scene);
     PVCAMERA* camera = buildCamera();
     interface.build();
 

@@ -12,6 +12,9 @@ const unsigned int tableBytes = 262144;
 const unsigned int idLimit = 65536;
 
 unsigned char* idTable = nullptr;
+// Every id below this one is in use: the search for the lowest free id starts
+// here, so that giving out ids one after another takes constant time.
+unsigned int lowestFree = 1;
 
 }  // namespace
 
@@ -20,6 +23,7 @@ bool kvfCreateIdTable() {
     idTable = static_cast<unsigned char*>(kvfMalloc(tableBytes));
     if (!idTable) return false;
     memset(idTable, 0, tableBytes);
+    lowestFree = 1;
     return true;
 }
 
@@ -34,11 +38,13 @@ unsigned int kvfNewId() {
         kvfLog("kvfNewId: ID table not initialized\n");
         return 0;
     }
-    for (unsigned int id = 1; id < idLimit; ++id) {
+    for (unsigned int id = lowestFree; id < idLimit; ++id) {
         if (idTable[id]) continue;
         idTable[id] = 1;
+        lowestFree = id + 1;
         return id;
     }
+    lowestFree = idLimit;
     kvfLog("kvfNewId: all ID are used\n");
     return 0;
 }
@@ -58,5 +64,6 @@ bool kvfReleaseId(unsigned int id) {
         return false;
     }
     idTable[id] = 0;
+    if (id < lowestFree) lowestFree = id;
     return true;
 }

@@ -1,18 +1,15 @@
 // The key/value parser on arbitrary file contents: open, strip comments,
 // read every line both ways and look up keys of each kind.
 #include <cstdint>
-#include <cstdio>
 
 #include "foundation/kvfparser.h"
+#include "fuzzinput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const char* path = "fuzz-input.txt";
-    FILE* file = std::fopen(path, "wb");
-    if (file == nullptr)
+    if (!writeFuzzInput(path, data, size))
         return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
 
     kvfParser parser;
     if (!kvfOpenParser(&parser, path))

@@ -9,6 +9,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfstring.h"
 #include "scene/pvelement.h"
 
 PVNODE *PVNODE::firstNode = nullptr;
@@ -51,13 +52,8 @@ void PVNODE::setDefaultName(const char *format)
 
 void PVNODE::setName(const char *newName)
 {
-    if (!newName)
-        return;
-    const size_t length = strnlen(newName, PV_NODE_NAME_SIZE);
-    if (length >= PV_NODE_NAME_SIZE)
-        return;
     // The argument may be this node's own name (or a part of it).
-    memmove(name, newName, length + 1);
+    kvfCopyIfFits(name, sizeof name, newName);
 }
 
 const char *PVNODE::getTypeName() const

@@ -1,5 +1,5 @@
 // TGA files built byte by byte for the texture tests: the 18-byte header
-// (image-ID length, colour-map type, image type, colour-map spec, origin,
+// (image-ID length, colour-map type, image type, colour-map description, origin,
 // size, depth, descriptor) followed by the body as given.
 #ifndef PEVRANO_TESTS_ASSETS_TGAFILE_H
 #define PEVRANO_TESTS_ASSETS_TGAFILE_H

@@ -147,6 +147,49 @@ TEST_F(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
     expectEngineStartsAgain();
 }
 
+// Windows no display can open (over 16384 a side, over the off-screen
+// surface's largest, empty) and negative buffer sizes never reach SDL.
+TEST_F(Lifecycle, UnopenableSizesAndNegativeDepthsAreRefusedBeforeSDL)
+{
+    struct Case {
+        int x, y, zeta, stencil;
+        const char* sizes;
+    };
+    const Case cases[] = {
+        {2147483647, 320, 16, 0, "X: 2147483647, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {240, 2147483647, 16, 0, "X: 240, Y: 2147483647\n          depth: 16, zeta: 16, stencil: 0"},
+        {65536, 65536, 16, 0, "X: 65536, Y: 65536\n          depth: 16, zeta: 16, stencil: 0"},
+        {16385, 16, 16, 0, "X: 16385, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
+        {5000, 16, 16, 0, "X: 5000, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
+        {0, 320, 16, 0, "X: 0, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {-1, 320, 16, 0, "X: 4294967295, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {240, 320, -1, 0, "X: 240, Y: 320\n          depth: 16, zeta: 4294967295, stencil: 0"},
+        {240, 320, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
+    };
+    for (const Case& c : cases) {
+        PVSETTINGS settings;
+        settings.setWindowX(c.x);
+        settings.setWindowY(c.y);
+        settings.setZetaDepth(c.zeta);
+        settings.setStencilDepth(c.stencil);
+        const size_t before = log.text().size();
+        EXPECT_FALSE(PEVRANO::init(&settings));
+        EXPECT_EQ(log.text().substr(before),
+                  std::string("   SDL initialized\n   Initialize Pevrano\n\n   Init settings...\n"
+                              "      Configuration to set:\n          ") +
+                      c.sizes +
+                      "\n          title: 'Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)'\n"
+                      "          fullscreen: 1\n          resizable : 0\n          landscape : 0\n"
+                      "          shaders: 0\n          max elems: 0\n          audio: c: 16, b: 32, e: 128\n"
+                      "          shadow map size: 1024\n          FBO map sizes  : 1024, 768\n"
+                      "          Water map size : 256\n"
+                      "   [!] Incompatible config @ PVSETTINGS::init\n"
+                      "   [!] Unable to init settings @ PEVRANO::init\n")
+            << c.sizes;
+    }
+    expectEngineStartsAgain();
+}
+
 TEST_F(Lifecycle, VideoMemoryBudgetIsSixteenMegabytesAndCountersWrap)
 {
     EXPECT_EQ(PEVRANO::getVideoMemory(), 0u);

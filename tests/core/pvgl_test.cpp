@@ -77,6 +77,25 @@ TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedFixedPoint)
                             "glAlphaFuncx(GL_GEQUAL,32768)"}));
 }
 
+// The 16.16 range ends below 32768: the largest float inside it keeps its
+// exact truncation, anything beyond saturates, NaN gives 0.
+TEST_F(GlWrapper, ValuesBeyondTheFixedRangeSaturate)
+{
+    const float inside[4] = {32767.99609375f, -32767.99609375f, -32768.0f, 0.5f};
+    const float beyond[4] = {32768.0f, -32768.00390625f, 1e30f, -1e30f};
+    const float special[4] = {INFINITY, -INFINITY, NAN, -NAN};
+    const Calls calls = record([&] {
+        PV_glLightfv(GL_LIGHT0, GL_POSITION, inside);
+        PV_glLightfv(GL_LIGHT0, GL_POSITION, beyond);
+        PV_glLightfv(GL_LIGHT0, GL_POSITION, special);
+        PV_glClearDepthf(40000.0f);
+    });
+    EXPECT_EQ(calls, (Calls{"glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
+                            "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,2147483647,-2147483648})",
+                            "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,0,0})",
+                            "glClearDepthx(2147483647)"}));
+}
+
 TEST_F(GlWrapper, LoadMatrixSendsFixedValuesAndKeepsFloats)
 {
     const Matrix m = {0.5f, -1.5f, 1.99999f, 0.0f, 1.0f, 2.0f, -0.25f, 0.0f,

@@ -28,20 +28,13 @@ std::string textErrorRecord(const std::string& from, const std::string& text) {
 
 }  // namespace
 
-TEST(Log, TextLogFromBannerToSummary) {
-    ScratchDir dir;
-    restartLog("plain.txt");
+// The whole file from banner to summary is the library-load test's business.
+TEST(Log, MessagesAreFormattedAndJoined) {
+    LogCapture capture;
     EXPECT_TRUE(kvfLog("   Progress %d of %s\n", 3, "ten"));
     EXPECT_TRUE(kvfLog("no line feed, "));
     EXPECT_TRUE(kvfLog("then 100%% done\n"));
-    kvfShutdown();
-    std::string log = readFile("plain.txt");
-    LogSummary summary = readSummary(log);
-    EXPECT_TRUE(summary.balanced()) << log;
-    EXPECT_TRUE(matchesWhole(log, textStartBanner() +
-                                      literal("   Progress 3 of ten\nno line feed, then 100% done\n") +
-                                      textSummary(summary.ratioLine, summary.totalLine)))
-        << log;
+    EXPECT_EQ(capture.text(), "   Progress 3 of ten\nno line feed, then 100% done\n");
 }
 
 TEST(Log, EchoRepeatsEveryMessageOnStandardOutput) {
@@ -180,9 +173,11 @@ TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces) {
     kvfLog("%s", std::string(1000, ' ').c_str());
     kvfLog("%s", std::string(1000, '\n').c_str());
     kvfLog("%s", (std::string(1020, 'y') + "\n").c_str());
+    // 1,019 bytes and a break would need 1,025 with the terminator.
+    kvfLog("%s", (std::string(1019, 'z') + "\n").c_str());
     kvfLog("end");
     std::string expected;
     for (int i = 0; i < 204; ++i) expected += "&nbsp";
     for (int i = 0; i < 204; ++i) expected += "<BR>\n";
-    EXPECT_EQ(readFile("long.html").substr(before.size()), expected + std::string(1020, 'y') + "end");
+    EXPECT_EQ(readFile("long.html").substr(before.size()), expected + std::string(1020, 'y') + std::string(1019, 'z') + "end");
 }

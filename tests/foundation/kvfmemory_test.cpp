@@ -108,15 +108,3 @@ TEST(Memory, PeakAbove2GigabytesPrintsSigned) {
     // byte count is 3,000,000,000 - 4,294,967,296.
     EXPECT_EQ(readSummary(readFile("peak.txt")).peakLine, "Max. physical memory usage: 2861.02 mb (-1294967296 bytes)");
 }
-
-TEST(Memory, PeakOfTheRealMemoryNeverFalls) {
-    kvfInit(nullptr);
-    unsigned int previous = kvfGetMemoryStats().peakPhysical;
-    EXPECT_GT(previous, 0u);
-    for (int i = 0; i < 20; ++i) {
-        kvfFree(kvfMalloc(1 << 20));
-        unsigned int peak = kvfGetMemoryStats().peakPhysical;
-        EXPECT_GE(peak, previous);
-        previous = peak;
-    }
-}

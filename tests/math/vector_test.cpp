@@ -8,75 +8,40 @@
 
 using mathtest::PI;
 
-TEST(Vector, DefaultsAndConversions)
+TEST(Vector, DefaultsWideningAndReset)
 {
     EXPECT_COMPONENTS(K3MVECTOR2D(), 0, 0);
     EXPECT_COMPONENTS(K3MVECTOR3D(), 0, 0, 0);
     EXPECT_COMPONENTS(K3MVECTOR4D(), 0, 0, 0, 1);
-
-    // Doubles and ints are converted to float; pointers give the first n floats.
-    EXPECT_COMPONENTS(K3MVECTOR2D(0.1, 2.5), 0.1f, 2.5f);
-    EXPECT_COMPONENTS(K3MVECTOR3D(-1, 2, 3), -1, 2, 3);
-    EXPECT_COMPONENTS(K3MVECTOR4D(1.5f, -2.0f, 3.25f, 0.0f), 1.5, -2, 3.25, 0);
     const float source[5] = {9, 8, 7, 6, 5};
-    EXPECT_COMPONENTS(K3MVECTOR2D(source), 9, 8);
-    EXPECT_COMPONENTS(K3MVECTOR3D(source), 9, 8, 7);
     EXPECT_COMPONENTS(K3MVECTOR4D(source), 9, 8, 7, 6);
 
     // Widening gives z = 0 and w = 1, in construction and assignment alike.
     K3MVECTOR2D v2(4, 5);
     K3MVECTOR3D v3(6, 7, 8);
-    EXPECT_COMPONENTS(K3MVECTOR3D(v2), 4, 5, 0);
     EXPECT_COMPONENTS(K3MVECTOR4D(v2), 4, 5, 0, 1);
     EXPECT_COMPONENTS(K3MVECTOR4D(v3), 6, 7, 8, 1);
     K3MVECTOR3D a3(1, 1, 1);
     a3 = v2;
     EXPECT_COMPONENTS(a3, 4, 5, 0);
     K3MVECTOR4D a4(2, 2, 2, 2);
-    a4 = v2;
-    EXPECT_COMPONENTS(a4, 4, 5, 0, 1);
-    a4 = K3MVECTOR4D(2, 2, 2, 2);
     a4 = v3;
     EXPECT_COMPONENTS(a4, 6, 7, 8, 1);
-
-    // Mixed argument types convert each to float as well.
-    EXPECT_COMPONENTS(K3MVECTOR4D(0.5f, 1, 2.0, 3), 0.5, 1, 2, 3);
-    EXPECT_COMPONENTS(K3MVECTOR3D(1, 2.5f, 3).set(4, 0.25, 6.5f), 4, 0.25, 6.5);
-    EXPECT_COMPONENTS(K3MVECTOR2D(1, 0.5), 1, 0.5);
-
-    // set overwrites everything and returns the new value.
-    K3MVECTOR4D s;
-    EXPECT_COMPONENTS(s.set(1.0, 2.0, 3.0, 4.0), 1, 2, 3, 4);
-    EXPECT_COMPONENTS(s.set(source), 9, 8, 7, 6);
-    EXPECT_COMPONENTS(s.set(1, 2, 3, 4), 1, 2, 3, 4);
-    EXPECT_COMPONENTS(K3MVECTOR3D().set(0.5f, 1.5f, 2.5f), 0.5, 1.5, 2.5);
-    EXPECT_COMPONENTS(K3MVECTOR2D().set(3, 4), 3, 4);
 
     // reset zeroes w too, unlike the default constructor.
     K3MVECTOR4D r;
     r.reset();
     EXPECT_COMPONENTS(r, 0, 0, 0, 0);
-    K3MVECTOR2D r2(1, 2);
-    r2.reset();
-    EXPECT_COMPONENTS(r2, 0, 0);
 }
 
-TEST(Vector, IndexingAndPackedArrays)
+// Arrays of vectors are read by GL as plain float arrays.
+TEST(Vector, PackedArrays)
 {
-    K3MVECTOR4D v(1, 2, 3, 4);
-    v[3] = 9;
-    v[0] += 1;
-    const K3MVECTOR4D &cv = v;
-    EXPECT_EQ(2.0f, cv[0]);
-    EXPECT_EQ(9.0f, cv[3]);
-    EXPECT_EQ(&v.x, static_cast<float *>(v));
-
-    // Arrays of vectors are read by GL as plain float arrays.
     K3MVECTOR3D positions[2] = {K3MVECTOR3D(1, 2, 3), K3MVECTOR3D(4, 5, 6)};
     const float *flat = positions[0];
     for (int i = 0; i < 6; i++)
         EXPECT_EQ(float(i + 1), flat[i]);
-    K3MVECTOR2D uv[2] = {K3MVECTOR2D(1, 2), K3MVECTOR2D(3, 4)};
+    K3MVECTOR2D uv[2];
     EXPECT_EQ(static_cast<float *>(uv[1]), static_cast<float *>(uv[0]) + 2);
     K3MVECTOR4D colours[2];
     EXPECT_EQ(static_cast<float *>(colours[1]), static_cast<float *>(colours[0]) + 4);
@@ -100,38 +65,16 @@ TEST(Vector, ArithmeticIsComponentWise)
     EXPECT_COMPONENTS(b - a, 3, 6, 9);
     EXPECT_COMPONENTS(a * b, 4, 16, 36);
     EXPECT_COMPONENTS(b / a, 4, 4, 4);
-    EXPECT_COMPONENTS(a + 1.0, 2, 3, 4);
     EXPECT_COMPONENTS(a - 1.0f, 0, 1, 2);
-    EXPECT_COMPONENTS(a * 2.0f, 2, 4, 6);
     EXPECT_COMPONENTS(b / 4.0f, 1, 2, 3);
     EXPECT_COMPONENTS(-a, -1, -2, -3);
-    EXPECT_COMPONENTS(+a, 1, 2, 3);
-
-    // Compound forms change the object and return the result.
     K3MVECTOR4D q(1, 2, 3, 4);
-    EXPECT_COMPONENTS(q += K3MVECTOR4D(1, 1, 1, 1), 2, 3, 4, 5);
-    EXPECT_COMPONENTS(q -= K3MVECTOR4D(2, 2, 2, 2), 0, 1, 2, 3);
-    EXPECT_COMPONENTS(q *= K3MVECTOR4D(2, 3, 4, 5), 0, 3, 8, 15);
-    EXPECT_COMPONENTS(q /= K3MVECTOR4D(1, 3, 4, 5), 0, 1, 2, 3);
-    EXPECT_COMPONENTS(q *= 2.0f, 0, 2, 4, 6);
-    EXPECT_COMPONENTS(q /= 2.0f, 0, 1, 2, 3);
-    EXPECT_COMPONENTS(q, 0, 1, 2, 3);
-    K3MVECTOR2D p(1, 2);
-    EXPECT_COMPONENTS(p += K3MVECTOR2D(1, 1), 2, 3);
-    EXPECT_COMPONENTS(p * K3MVECTOR2D(2, 2) - 1.0f, 3, 5);
+    EXPECT_COMPONENTS(q -= K3MVECTOR4D(2, 2, 2, 2), -1, 0, 1, 2);
+    EXPECT_COMPONENTS(q /= 2.0f, -0.5, 0, 0.5, 1);
 
-    // Scalar division does not check for zero.
-    K3MVECTOR2D inf = K3MVECTOR2D(1, -1) / 0.0f;
-    EXPECT_TRUE(std::isinf(inf.x) && inf.x > 0);
-    EXPECT_TRUE(std::isinf(inf.y) && inf.y < 0);
-
-    // Equality is exact and yields an int.
-    int same = K3MVECTOR3D(1, 2, 3) == a;
-    int differs = K3MVECTOR3D(1.0f, 2.0f, 3.0000002f) != a;
-    EXPECT_EQ(1, same);
-    EXPECT_EQ(1, differs);
-    EXPECT_EQ(0, K3MVECTOR4D() == K3MVECTOR4D(0, 0, 0, 0));
-    EXPECT_EQ(0, K3MVECTOR2D(1, 2) != K3MVECTOR2D(1.0, 2.0));
+    // Equality is exact.
+    EXPECT_TRUE(K3MVECTOR3D(1.0f, 2.0f, 3.0000002f) != a);
+    EXPECT_FALSE(K3MVECTOR4D() == K3MVECTOR4D(0, 0, 0, 0));
 }
 
 TEST(Vector, DotCrossAndLength)
@@ -144,12 +87,8 @@ TEST(Vector, DotCrossAndLength)
     // (1,2,3) x (4,5,6) = (2*6 - 3*5, 3*4 - 1*6, 1*5 - 2*4).
     EXPECT_COMPONENTS(K3MVECTOR3D(1, 2, 3) ^ K3MVECTOR3D(4, 5, 6), -3, 6, -3);
 
-    EXPECT_EQ(5.0f, K3MVECTOR2D(3, 4).length());
     EXPECT_EQ(13.0f, K3MVECTOR3D(3, 4, 12).length());
-    EXPECT_EQ(5.0f, K3MVECTOR4D(1, 2, 2, 4).length());
     EXPECT_EQ(25.0f, K3MVECTOR4D(1, 2, 2, 4).squaredLength());
-    EXPECT_EQ(169.0f, K3MVECTOR3D(3, 4, 12).squaredLength());
-    EXPECT_EQ(float(std::sqrt(2.0)), K3MVECTOR2D(1, 1).length());
     // A default 4D vector has length 1 through its w.
     EXPECT_EQ(1.0f, K3MVECTOR4D().length());
 }
@@ -175,9 +114,6 @@ TEST(Vector, NormalizeAndSetLength)
     K3MVECTOR3D z;
     z.setLength(2);
     EXPECT_TRUE(std::isnan(z.x) && std::isnan(z.y) && std::isnan(z.z));
-    K3MVECTOR2D z2;
-    z2.setLength(1);
-    EXPECT_TRUE(std::isnan(z2.x) && std::isnan(z2.y));
 }
 
 TEST(Vector, AngleDistanceAndLerp)
@@ -205,6 +141,4 @@ TEST(Vector, AngleDistanceAndLerp)
     K3MVECTOR3D from(0, 10, -4), to(10, 20, 4);
     EXPECT_COMPONENTS(from.lerp(to, 0.25f), 2.5, 12.5, -2);
     EXPECT_COMPONENTS(from, 0, 10, -4);
-    EXPECT_COMPONENTS(K3MVECTOR4D(0, 0, 0, 0).lerp(K3MVECTOR4D(4, 8, 12, 16), 0.5f), 2, 4, 6, 8);
-    EXPECT_COMPONENTS(K3MVECTOR2D(1, 1).lerp(K3MVECTOR2D(3, 5), 1.0f), 3, 5);
 }

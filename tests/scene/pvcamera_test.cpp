@@ -2,7 +2,6 @@
 // transforms, the published statics, moveDoom and the copy.
 #include <gtest/gtest.h>
 
-#include <new>
 #include <string>
 
 #include <pevrano.h>

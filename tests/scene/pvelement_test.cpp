@@ -415,42 +415,17 @@ TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
     mesh->setNearestLight(4, PVELEMENT::getLight(0));  // no such slot
     EXPECT_EQ(PVELEMENT::getLight(1), mesh->getNearestLight(0));
     EXPECT_EQ(nullptr, mesh->getNearestLight(4));
-    mesh->setParam1(16);
-    EXPECT_EQ(16u, mesh->getParam1());
-}
-
-// True for the node kinds the 3D sort draws after the opaque ones (every
-// node but the lights is a TestNode here).
-bool drawnAsTransparent(PVNODE* node)
-{
-    const PV_NODE_TYPE type = node->getType();
-    return type == PV_TYPE_EMITTER || type == PV_TYPE_HELPER ||
-           (type == PV_TYPE_MESH && static_cast<TestNode*>(node)->transparent);
-}
-
-int rank3D(PVNODE* node)
-{
-    if (node->getType() == PV_TYPE_LIGHT)
-        return 0;
-    return drawnAsTransparent(node) ? 2 : 1;
-}
-
-// Eye-space z of a transparent TestNode's near side, from its placement.
-float nearSide(PVNODE* node)
-{
-    return node->getPosition().z - static_cast<TestNode*>(node)->radius;
 }
 
 // A frame of several hundred records, well past the size at which the C
 // library's qsort takes a heap buffer: passing and the three sorts must not
-// allocate, and the orders must hold for every record.
+// allocate (the orders themselves are the sort tests' business).
 TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
 {
     start(1024);
     const int count = 300;
     PVNODE* scene = make("scene", PV_TYPE_NODE);
     PVNODE* desk = make("desk", PV_TYPE_NODE);
-    std::vector<PVLIGHT*> lights;
     for (int i = 0; i < count; i++) {
         // Scattered depths and stamps, so that no order comes out by chance.
         const float x = float(i % 5), z = -float((i * 97) % count);
@@ -458,7 +433,6 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         if (i % 6 == 1) {
             PVLIGHT* light = new PVLIGHT();
             light->setExclusive(i % 4 == 1);
-            lights.push_back(light);
             placed = light;
         } else {
             const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT, PV_TYPE_HELPER, PV_TYPE_MESH,
@@ -509,38 +483,13 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         allocations = counted.value();
     }
     EXPECT_EQ(0, allocations);
-    std::vector<PVNODE*> order = passedNodes();
-    ASSERT_EQ(size_t(count - count / 6), order.size());  // the plain nodes have no record
-    ASSERT_EQ(lights.size(), size_t(PVELEMENT::getNumberOfLights()));
-    for (size_t i = 1; i < order.size(); i++) {
-        ASSERT_LE(rank3D(order[i - 1]), rank3D(order[i])) << "at " << i;
-        if (rank3D(order[i - 1]) == 2) {
-            EXPECT_LE(nearSide(order[i - 1]), nearSide(order[i])) << "transparent at " << i;
-        }
-    }
-    for (unsigned int i = 0; i < lights.size(); i++) {
-        PVELEMENT* light = PVELEMENT::getLight(i);
-        const K3MVECTOR3D at = light->getNode()->getPosition();
-        EXPECT_FLOAT_EQ(std::sqrt((at.x - 2) * (at.x - 2) + (at.z + 150) * (at.z + 150)),
-                        light->getDistance());
-        if (i == 0)
-            continue;
-        PVELEMENT* previous = PVELEMENT::getLight(i - 1);
-        const bool exclusive = static_cast<PVLIGHT*>(light->getNode())->isExclusive();
-        const bool previousExclusive = static_cast<PVLIGHT*>(previous->getNode())->isExclusive();
-        ASSERT_TRUE(previousExclusive || !exclusive) << "light " << i;
-        if (previousExclusive == exclusive) {
-            EXPECT_LE(previous->getDistance(), light->getDistance()) << "light " << i;
-        }
-    }
-
     {
         AllocationCount counted;
         frame2D();
         allocations = counted.value();
     }
     EXPECT_EQ(0, allocations);
-    order = passedNodes();
+    const std::vector<PVNODE*> order = passedNodes();
     ASSERT_EQ(size_t(count), order.size());
     for (size_t i = 1; i < order.size(); i++)
         ASSERT_LT(static_cast<PVBOX*>(order[i - 1])->getForemostTimeStamp(),

@@ -162,26 +162,6 @@ TEST_F(Light, SpotLightAimedAtItsTarget)
         << recorder.text();
 }
 
-TEST_F(Light, SpotLightFollowingANode)
-{
-    // The node sits at (3, 0, -4) under a parent at (1, 1, 1): world (4, 1, -3).
-    PVNODE parent;
-    PVNODE followed;
-    parent.setPosition(1, 1, 1);
-    followed.setPosition(3, 0, -4);
-    ASSERT_TRUE(followed.link(&parent));
-    PVLIGHT light;
-    light.setLightType(PV_LIGHT_SPOT);
-    light.setPosition(1, 1, 1);
-    light.setTargetNode(&followed);
-    PVELEMENT record;
-    renderCalls(light, record);
-    EXPECT_EQ(1u, recorder.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({0.6, 0, -0.8}) + ")"))
-        << recorder.text();
-    EXPECT_NEAR(0.6f, light.getDirection().x, 1e-6);
-    EXPECT_NEAR(-0.8f, light.getDirection().z, 1e-6);
-}
-
 TEST_F(Light, UnknownTypeIsReportedAndLitAsOmni)
 {
     PVLIGHT light;

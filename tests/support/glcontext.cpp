@@ -26,7 +26,7 @@ EGLint configValue(EGLDisplay display, EGLConfig config, EGLint attribute)
 
 }  // namespace
 
-GlContext::GlContext(int width, int height) : width_(width), height_(height)
+GlContext::GlContext(int width, int height)
 {
     display_ = surfacelessDisplay();
     if (display_ == EGL_NO_DISPLAY || !eglInitialize(display_, nullptr, nullptr))

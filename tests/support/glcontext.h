@@ -19,8 +19,6 @@ public:
     GlContext& operator=(const GlContext&) = delete;
 
     bool ok() const { return context_ != EGL_NO_CONTEXT; }
-    int width() const { return width_; }
-    int height() const { return height_; }
 
 private:
     bool chooseConfig(EGLConfig* config);
@@ -28,8 +26,6 @@ private:
     EGLDisplay display_ = EGL_NO_DISPLAY;
     EGLSurface surface_ = EGL_NO_SURFACE;
     EGLContext context_ = EGL_NO_CONTEXT;
-    int width_;
-    int height_;
 };
 
 }  // namespace pvtest

@@ -29,8 +29,6 @@ public:
     // starting another one stops this).
     void start();
     void stop();
-    void clear() { calls_.clear(); }
-    bool recording() const;
 
     const std::vector<std::string>& calls() const { return calls_; }
     // Calls of the function with this name ("glEnable").

@@ -4,45 +4,37 @@
 
 #include <pevrano.h>
 
-#include <limits.h>
 #include <regex>
 #include <sstream>
-#include <unistd.h>
 
-#include "support/scratch.h"
+#include "foundation/kvflogsink.h"
 
 namespace pvtest {
 
-// Until the foundation hands its messages to a sink, the capture closes the
-// log the library opened at load and opens "pevrano_log.txt" anew in the
-// current working directory, without echo, and reads it back.
+// The capture is the log's sink for its lifetime: it receives every message
+// exactly as the text log receives it. Echo to the console is turned off, so
+// that the test output stays readable.
 LogCapture::LogCapture()
 {
-    char cwd[PATH_MAX];
-    path_ = std::string(getcwd(cwd, sizeof cwd) ? cwd : ".") + "/pevrano_log.txt";
-    kvfShutdown();
     kvfSetConsoleEcho(false);
-    kvfInit("pevrano_log.txt");
-    start_ = readFile(path_).size();
+    kvfSetLogSink(&LogCapture::receive, this);
 }
 
-LogCapture::~LogCapture() = default;
+LogCapture::~LogCapture() { kvfSetLogSink(nullptr, nullptr); }
 
-std::string LogCapture::text() const
+void LogCapture::receive(const char* message, void* capture)
 {
-    const std::string whole = readFile(path_);
-    return whole.size() > start_ ? whole.substr(start_) : std::string();
+    static_cast<LogCapture*>(capture)->text_ += message;
 }
 
 std::string LogCapture::fresh()
 {
-    const std::string all = text();
-    const std::string recent = all.substr(std::min(seen_, all.size()));
-    seen_ = all.size();
+    const std::string recent = text_.substr(seen_);
+    seen_ = text_.size();
     return recent;
 }
 
-std::vector<std::string> splitLines(const std::string& text)
+static std::vector<std::string> splitLines(const std::string& text)
 {
     std::vector<std::string> lines;
     std::istringstream stream(text);

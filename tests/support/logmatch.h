@@ -1,5 +1,6 @@
 // The engine's log as the tests see it. LogCapture collects what the engine
-// logs from its construction on; fresh() returns only what came since its
+// logs from its construction on (as the log's sink, so the log file itself
+// stays as it is); fresh() returns only what came since its
 // previous call. expectLog compares a log text with the expected lines, each
 // one exact, a regular expression or a prefix: nothing more, nothing less.
 // Log texts are byte-exact: expect whole lines, never fragments.
@@ -19,13 +20,14 @@ public:
     LogCapture& operator=(const LogCapture&) = delete;
 
     // Everything logged since the capture started.
-    std::string text() const;
+    const std::string& text() const { return text_; }
     // What was logged since the previous call.
     std::string fresh();
 
 private:
-    std::string path_;
-    size_t start_ = 0;
+    static void receive(const char* message, void* capture);
+
+    std::string text_;
     size_t seen_ = 0;
 };
 
@@ -41,7 +43,6 @@ inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
     to.insert(to.end(), lines.begin(), lines.end());
 }
 
-std::vector<std::string> splitLines(const std::string& text);
 // The text, line by line, against the expected lines; the text ends with a line feed.
 void expectLog(const std::string& text, const std::vector<LogLine>& expected);
 

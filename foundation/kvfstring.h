@@ -1,0 +1,12 @@
+// String helpers for the fixed-size name and path buffers of the engine's classes.
+#ifndef KVF_STRING_H
+#define KVF_STRING_H
+
+#include <cstddef>
+
+// Copies source, terminator included, into a buffer of capacity bytes when it
+// fits; otherwise (or for a null source or destination) leaves the buffer
+// alone and returns false. Source may overlap the buffer.
+bool kvfCopyIfFits(char* destination, size_t capacity, const char* source);
+
+#endif

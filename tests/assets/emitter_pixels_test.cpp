@@ -1,0 +1,194 @@
+// Emitters drawn through the engine's frame: particles land where their
+// parent and the perspective put them, coloured and sized between birth and
+// death; additive particles only add light, and only inside their cone; every
+// emitter draws in one call; the pool takes its size from the settings.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "assets/tgafile.h"
+#include "scene/scenefixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+class EmitterFrames : public RecordingTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(startEngineInWindow()) << log.text();
+        root = new PVNODE();
+    }
+    void TearDown() override { PEVRANO::free(); }
+
+    PVEMITTER* addEmitter(const std::string& description, Vec3 at)
+    {
+        PVEMITTER* emitter = new PVEMITTER();
+        EXPECT_TRUE(emitter->loadFromText(description.c_str(), "test")) << log.text();
+        emitter->setAutoUpdate(false);
+        emitter->setPosition(float(at.x), float(at.y), float(at.z));
+        emitter->link(root);
+        return emitter;
+    }
+
+    // Window pixel of an eye-space point (the default camera is the identity).
+    static Vec3 project(Vec3 eye)
+    {
+        const Mat4 projection =
+            Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
+                              PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
+        double clip[4];
+        projection.apply(eye, 1.0, clip);
+        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight,
+                0};
+    }
+
+    PVNODE* root = nullptr;
+};
+
+TEST_F(EmitterFrames, ParticlesFollowTheirParentAndBlendFromBirthToDeath)
+{
+    PVNODE* parent = new PVNODE();
+    parent->setPosition(1.0f, 0.5f, -5.0f);
+    parent->link(root);
+    PVEMITTER* emitter =
+        addEmitter("<emitter particles='1' blending='alpha'><emission rate='0'><burst count='1'/>"
+                   "</emission><life min='1' max='1'/><velocity speedMin='0' speedMax='0'/>"
+                   "<birth r='1' g='0' b='0' a='1' size='1'/><death r='0' g='0' b='1' a='1' "
+                   "size='0.5'/></emitter>",
+                   {0, 0, 0});
+    emitter->unlink();
+    emitter->link(parent);
+    const struct {
+        float step, t;  // seconds to advance, resulting fraction of life
+    } ages[] = {{0.125f, 0.0f}, {0.5f, 0.5f}, {0.375f, 0.875f}};
+    for (const auto& age : ages) {
+        emitter->update(age.step);
+        drawFrame(root, nullptr);
+        const Rgb colour = {1.0 - age.t, 0.0, age.t};
+        const double half = 0.5 * (1.0 - 0.5 * age.t);
+        const Vec3 centre = project({1, 0.5, -5});
+        const std::string what = "at " + std::to_string(age.t) + " of its life";
+        expectColour(colour, pixelAt(int(centre.x), int(centre.y)), what + ", centre");
+        for (const Vec3 corner : {Vec3 {-1, -1, 0}, Vec3 {1, 1, 0}, Vec3 {1, -1, 0}}) {
+            const Vec3 inside = project({1 + 0.8 * half * corner.x, 0.5 + 0.8 * half * corner.y, -5});
+            const Vec3 outside = project({1 + 1.2 * half * corner.x, 0.5 + 1.2 * half * corner.y, -5});
+            expectColour(colour, pixelAt(int(inside.x), int(inside.y)), what + ", inside a corner");
+            expectColour({0, 0, 0}, pixelAt(int(outside.x), int(outside.y)), what + ", beyond a corner");
+        }
+    }
+}
+
+TEST_F(EmitterFrames, AdditiveParticlesBrightenOnlyInsideTheirCone)
+{
+    const double grey = 0.25;
+    PVOPENGL::setBackgroundColor(float(grey), float(grey), float(grey), 1.0f);
+    PVEMITTER* emitter =
+        addEmitter("<emitter particles='500' seed='9'><emission rate='200'/><life min='1' max='1.5'/>"
+                   "<velocity x='0' y='1' z='0' speedMin='1' speedMax='2' spread='15'/>"
+                   "<birth r='0' g='0.25' b='0' a='1' size='0.1'/>"
+                   "<death r='0' g='0.25' b='0' a='1' size='0.1'/></emitter>",
+                   {0, -1, -8});
+    for (int frame = 0; frame < 12; frame++)
+        emitter->update(0.125f);
+    drawFrame(root, nullptr);
+
+    // The cone, 3 units long, with the particles' half size around it, fits
+    // in this box; its projection bounds every pixel the emitter may touch.
+    const double reach = 3.0 * std::sin(15.0 * M_PI / 180.0) + 0.05;
+    double left = windowWidth, right = 0, bottom = windowHeight, top = 0;
+    for (double x : {-reach, reach})
+        for (double y : {-1.05, 2.05})
+            for (double z : {-8 - reach, -8 + reach}) {
+                const Vec3 p = project({x, y, z});
+                left = std::min(left, p.x), right = std::max(right, p.x);
+                bottom = std::min(bottom, p.y), top = std::max(top, p.y);
+            }
+    int brightened = 0;
+    for (int y = 0; y < windowHeight; y++)
+        for (int x = 0; x < windowWidth; x++) {
+            const Rgb got = pixelAt(x, y);
+            const bool inBox = x >= left - 1 && x <= right + 1 && y >= bottom - 1 && y <= top + 1;
+            if (!inBox)
+                expectColour({grey, grey, grey}, got,
+                             "outside the cone at " + std::to_string(x) + "," + std::to_string(y));
+            else if (colourNear({grey, std::min(1.0, got.g), grey}, got) && got.g * 255 > grey * 255 + 30)
+                brightened++;
+        }
+    EXPECT_GT(brightened, 40) << "pixels inside the cone made greener";
+}
+
+TEST_F(EmitterFrames, EachEmitterDrawsItsParticlesInOneCallBackToFront)
+{
+    const std::string shape =
+        "<emission rate='0'><burst count='3'/></emission><velocity speedMin='0' speedMax='0'/>";
+    addEmitter("<emitter>" + shape + "</emitter>", {0, 0, -4})->update(0.125f);
+    addEmitter("<emitter particles='2' blending='alpha'>" + shape + "</emitter>", {0, 0, -9})->update(0.125f);
+    record([&] { drawFrame(root, nullptr); });
+    // Farther first; each: blending, depth writes off, the arrays, one draw.
+    auto drawing = [](const std::string& blend, int indices) {
+        return Calls {"glBlendFunc(GL_SRC_ALPHA," + blend + ")",
+                      "glDepthMask(0)",
+                      "glVertexPointer(3,GL_FIXED,0)",
+                      "glColorPointer(4,GL_UNSIGNED_BYTE,0)",
+                      "glTexCoordPointer(2,GL_FIXED,0)",
+                      "glDrawElements(GL_TRIANGLES," + std::to_string(indices) + ",GL_UNSIGNED_SHORT)",
+                      "glDepthMask(1)"};
+    };
+    Calls expected = drawing("GL_ONE_MINUS_SRC_ALPHA", 12);
+    const Calls nearer = drawing("GL_ONE", 18);
+    expected.insert(expected.end(), nearer.begin(), nearer.end());
+    EXPECT_EQ(recorder.filter({"glBlendFunc", "glDepthMask", "glVertexPointer", "glColorPointer",
+                               "glTexCoordPointer", "glDrawElements"}),
+              expected);
+}
+
+TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
+{
+    // Four texels in a row: two transparent, then two opaque white.
+    const Bytes clear = {0, 0, 0, 0}, white = {255, 255, 255, 255};
+    writeFile("half.tga", tgaFile(TGA_RAW, 4, 1, 32, 8, joined(repeated(clear, 2), repeated(white, 2))));
+    const std::string description = "<emitter blending='alpha'><texture file='half.tga'/><emission rate='0'>"
+                                    "<burst count='1'/></emission><velocity speedMin='0' speedMax='0'/>"
+                                    "<birth r='0.2' g='0.9' b='0.5' a='1' size='2'/>"
+                                    "<death r='0.2' g='0.9' b='0.5' a='1' size='2'/></emitter>";
+    PVEMITTER* first = addEmitter(description, {0, 0, -5});
+    ASSERT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+    PVTEXTURE* texture = PVTEXTURE::getFirst();
+    {
+        PVEMITTER second;
+        ASSERT_TRUE(second.loadFromText(description.c_str(), "test"));
+        EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+        EXPECT_EQ(texture->getReferences(), 2);
+    }
+    EXPECT_EQ(texture->getReferences(), 1);
+
+    first->update(0.125f);
+    record([&] { drawFrame(root, nullptr); });
+    EXPECT_EQ(recorder.countCall("glBindTexture(GL_TEXTURE_2D," + std::to_string(texture->getGLId()) + ")"),
+              1u);
+    // A quarter of the quad from each side: the transparent and the opaque half.
+    const Vec3 left = project({-0.5, 0, -5}), right = project({0.5, 0, -5});
+    expectColour({0, 0, 0}, pixelAt(int(left.x), int(left.y)), "transparent texels");
+    expectColour({0.2, 0.9, 0.5}, pixelAt(int(right.x), int(right.y)), "opaque texels");
+}
+
+TEST(EmitterPool, SizeComesFromTheSettings)
+{
+    ScratchDir dir;
+    const int cases[][2] = {{0, PV_EMITTER_DEFAULT_POOL}, {500, 500}, {100000, PV_EMITTER_MAX_POOL}};
+    for (const auto& c : cases) {
+        PVSETTINGS settings;
+        settings.setParticles(c[0]);
+        ASSERT_TRUE(PEVRANO::init(&settings));
+        EXPECT_EQ(PVEMITTER::getPoolSize(), unsigned(c[1]));
+        EXPECT_EQ(PVEMITTER::getFreeParticles(), unsigned(c[1]));
+        PEVRANO::free();
+        EXPECT_FALSE(PVEMITTER::isActive());
+    }
+}
+
+}  // namespace

@@ -1,0 +1,201 @@
+// Particle emitters without drawing: counts over time against rates, bursts
+// and lifetimes, repeatable runs for a seed, the shared pool under pressure,
+// and the log lines of descriptions the emitter cannot use.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "assets/pvemitter.h"
+#include "support/glfixture.h"
+
+namespace {
+
+class Emitters : public pvtest::RecordingTest {
+protected:
+    void TearDown() override
+    {
+        PVNODE::cleanUp();
+        PVEMITTER::free();
+    }
+    // An emitter described by the body of an <emitter> element.
+    static PVEMITTER* described(const std::string& attributes, const std::string& body)
+    {
+        PVEMITTER* emitter = new PVEMITTER();
+        const std::string text = "<emitter " + attributes + ">" + body + "</emitter>";
+        EXPECT_TRUE(emitter->loadFromText(text.c_str(), "test")) << text;
+        return emitter;
+    }
+};
+
+struct CountCase {
+    const char* what;
+    std::string attributes, body;
+    std::vector<int> counts;  // live particles after each frame of 1/8 s
+};
+
+TEST_F(Emitters, CountsFollowRatesBurstsAndLifetimes)
+{
+    const CountCase cases[] = {
+        {"steady rate",
+         "particles='50'",
+         "<emission rate='8'/><life min='1' max='1'/>",
+         {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8}},
+        {"capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10}},
+        {"one-shot burst",
+         "",
+         "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
+         "<life min='0.5' max='0.5'/>",
+         {20, 20, 20, 20, 0, 0}},
+        {"looping burst",
+         "",
+         "<emission rate='0' duration='0.25'><burst count='5'/></emission>"
+         "<life min='0.375' max='0.375'/>",
+         {5, 5, 10, 5, 10, 5}},
+    };
+    ASSERT_TRUE(PVEMITTER::init(1000));
+    for (const CountCase& c : cases) {
+        PVEMITTER* emitter = described(c.attributes, c.body);
+        std::vector<int> counts;
+        for (size_t frame = 0; frame < c.counts.size(); frame++) {
+            emitter->update(0.125f);
+            counts.push_back(emitter->getNumberOfParticles());
+        }
+        EXPECT_EQ(c.counts, counts) << c.what;
+        delete emitter;
+    }
+    EXPECT_EQ(PVEMITTER::getFreeParticles(), 1000u);
+}
+
+// Every particle as numbers, for whole-state comparisons.
+std::vector<float> snapshot(const PVEMITTER& emitter)
+{
+    std::vector<float> state;
+    for (int i = 0; i < emitter.getNumberOfParticles(); i++) {
+        const PVPARTICLE* p = emitter.getParticle(i);
+        state.insert(state.end(), {p->position.x, p->position.y, p->position.z, p->velocity.x, p->velocity.y,
+                                   p->velocity.z, p->age, p->life});
+    }
+    return state;
+}
+
+TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
+{
+    ASSERT_TRUE(PVEMITTER::init(1000));
+    const std::string body = "<emission rate='37'/><life min='0.5' max='2'/><area x='1' y='0' z='1'/>"
+                             "<velocity x='1' y='2' z='0' speedMin='1' speedMax='3' spread='25'/>"
+                             "<acceleration x='0' y='-9.8' z='0'/>";
+    PVEMITTER* first = described("seed='42'", body);
+    PVEMITTER* second = described("seed='42'", body);
+    PVEMITTER* other = described("seed='43'", body);
+    const float frames[] = {0.016f, 0.033f, 0.1f, 0.007f, 0.25f, 0.05f, 0.016f};
+    std::vector<float> firstRun;
+    for (int run = 0; run < 2; run++) {
+        for (float seconds : frames)
+            for (PVEMITTER* e : {first, second, other})
+                e->update(seconds);
+        EXPECT_GT(first->getNumberOfParticles(), 10);
+        EXPECT_EQ(snapshot(*first), snapshot(*second));
+        EXPECT_NE(snapshot(*first), snapshot(*other));
+        if (run == 0)
+            firstRun = snapshot(*first);
+        else
+            EXPECT_EQ(firstRun, snapshot(*first)) << "reset replays the same particles";
+        if (run == 0)
+            for (PVEMITTER* e : {first, second, other})
+                e->reset();
+    }
+    // Directions stay within the cone, speeds and lives within their ranges.
+    for (int i = 0; i < first->getNumberOfParticles(); i++) {
+        const PVPARTICLE* p = first->getParticle(i);
+        const K3MVECTOR3D launch = p->velocity - K3MVECTOR3D(0.0f, -9.8f * p->age, 0.0f);
+        const float speed = std::sqrt(launch % launch);
+        EXPECT_GE(launch % K3MVECTOR3D(1.0f, 2.0f, 0.0f) / (speed * std::sqrt(5.0f)),
+                  std::cos(0.4363f) - 1e-4f);
+        EXPECT_TRUE(speed > 0.999f && speed < 3.001f && p->life >= 0.5f && p->life <= 2.0f) << speed;
+    }
+}
+
+TEST_F(Emitters, StopPauseAndStartControlEmission)
+{
+    ASSERT_TRUE(PVEMITTER::init(100));
+    PVEMITTER* e = described("", "<emission rate='8'/><life min='1' max='1'/>");
+    e->update(0.125f);
+    e->update(0.125f);  // two born, 1/8 s apart
+    e->pause();
+    const std::vector<float> before = snapshot(*e);
+    e->update(0.5f);
+    EXPECT_EQ(snapshot(*e), before);
+    e->start();
+    e->stop();
+    e->update(0.875f);  // the older dies, none born
+    EXPECT_EQ(e->getNumberOfParticles(), 1);
+    EXPECT_EQ(e->getState(), PV_EMITTER_STOPPED);
+    e->start();
+    e->update(0.125f);
+    EXPECT_EQ(e->getNumberOfParticles(), 1);  // the last one dies as one is born
+}
+
+TEST_F(Emitters, PoolNeverOverflowsAndIsSharedFairly)
+{
+    ASSERT_TRUE(PVEMITTER::init(100));
+    const std::string greedy = "<emission rate='10000'/><life min='1' max='1'/>";
+    PVEMITTER* a = described("particles='1000'", greedy);
+    for (int frame = 0; frame < 4; frame++)
+        a->update(0.125f);
+    EXPECT_EQ(a->getNumberOfParticles(), 100);
+    EXPECT_EQ(PVEMITTER::getFreeParticles(), 0u);
+    EXPECT_EQ(log.text(), "   Emitter " + std::string(a->getName()) +
+                              " loaded from test\n   [!] Particle pool exhausted by " + a->getName() +
+                              " @ PVEMITTER::update\n");
+
+    // Latecomers get their share as the first emitter's particles die.
+    PVEMITTER* b = described("particles='1000'", greedy);
+    PVEMITTER* c = described("particles='1000'", greedy);
+    for (int frame = 0; frame < 8; frame++)
+        for (PVEMITTER* e : {a, b, c})
+            e->update(0.125f);
+    EXPECT_EQ(a->getNumberOfParticles(), 33);
+    EXPECT_EQ(b->getNumberOfParticles(), 33);
+    EXPECT_EQ(c->getNumberOfParticles(), 33);
+    delete c;
+    EXPECT_EQ(PVEMITTER::getFreeParticles(), 34u);
+}
+
+// The hostile descriptions in tests/data/emitter/, each with its log line.
+TEST_F(Emitters, UnusableDescriptionsAreRefusedWithTheirLogLine)
+{
+    const std::string data = PEVRANO_TEST_DATA "/emitter/";
+    const std::pair<const char*, std::string> cases[] = {
+        {"missing.xml", "Unable to open " + data + "missing.xml"},
+        {"empty.xml", "Malformed XML in " + data + "empty.xml (line 0)"},
+        {"unclosed.xml", "Malformed XML in " + data + "unclosed.xml (line 4)"},
+        {"binary.xml", "Malformed XML in " + data + "binary.xml (line 0)"},
+        {"wrong_root.xml", "No emitter element in " + data + "wrong_root.xml"},
+        {"zero_particles.xml", "Invalid <emitter> in " + data + "zero_particles.xml"},
+        {"huge_particles.xml", "Invalid <emitter> in " + data + "huge_particles.xml"},
+        {"unknown_blending.xml", "Invalid <emitter> in " + data + "unknown_blending.xml"},
+        {"nan_rate.xml", "Invalid <emission> in " + data + "nan_rate.xml"},
+        {"bad_loop.xml", "Invalid <emission> in " + data + "bad_loop.xml"},
+        {"too_many_bursts.xml", "Invalid <burst> in " + data + "too_many_bursts.xml"},
+        {"inverted_life.xml", "Invalid <life> in " + data + "inverted_life.xml"},
+        {"zero_direction.xml", "Invalid <velocity> in " + data + "zero_direction.xml"},
+        {"wide_spread.xml", "Invalid <velocity> in " + data + "wide_spread.xml"},
+        {"bright_colour.xml", "Invalid <birth> in " + data + "bright_colour.xml"},
+        {"long_texture.xml", "Invalid <texture> in " + data + "long_texture.xml"},
+        {"unknown_element.xml", "Invalid <flames> in " + data + "unknown_element.xml"},
+    };
+    log.fresh();
+    for (const auto& c : cases) {
+        PVEMITTER emitter;
+        EXPECT_FALSE(emitter.load((data + c.first).c_str()));
+        EXPECT_EQ(log.fresh(), "   [!] " + c.second + " @ PVEMITTER::load\n");
+        EXPECT_EQ(emitter.getDefinition().maxParticles, 100) << "the description is kept";
+    }
+    PVEMITTER emitter;
+    EXPECT_FALSE(emitter.load(nullptr));
+    EXPECT_EQ(log.fresh(), "   [!] Invalid params @ PVEMITTER::load\n");
+}
+
+}  // namespace

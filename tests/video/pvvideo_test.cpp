@@ -1,0 +1,199 @@
+// The video class on its own: load outcomes with their whole log, the
+// registry, the play states through the end of each clip (good, truncated and
+// corrupted), and the GL calls of the frame upload for each kind of texture.
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "video/videofixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+using VideoTest = VideoFixture<RecordingTest>;
+using VideoGlTest = VideoFixture<GlContextTest>;
+
+const std::string notFound = "   [!] Invalid params or file not found @ PVVIDEO::load\n";
+
+// The log written while action ran.
+template <typename Action> std::string logOf(const LogCapture& log, Action action)
+{
+    const size_t before = log.text().size();
+    action();
+    return log.text().substr(before);
+}
+
+struct LoadCase {
+    const char* what;
+    const char* path;
+    const char* name;
+    bool loaded;
+    std::string log;
+};
+
+TEST_F(VideoTest, LoadReportsEachOutcome)
+{
+    ASSERT_EQ(0, mkdir("folder", 0755));
+    const LoadCase cases[] = {
+        {"clip under the video path", PEVRANO_VIDEO_DATA, "bands.mpg", true, loadingLine("bands.mpg")},
+        {"missing file", PEVRANO_VIDEO_DATA, "absent.mpg", false, notFound},
+        {"null name", PEVRANO_VIDEO_DATA, nullptr, false, notFound},
+        {"clip name without its path", "", "bands.mpg", false, notFound},
+        {"directory", "", "folder", false,
+         loadingLine("folder") + "   [!] Unable to open file folder @ PVVISIO::load\n"},
+    };
+    for (const LoadCase& c : cases) {
+        PVVIDEO video;
+        const std::string defaultName = "[video " + std::to_string(video.getId()) + "]";
+        PVVIDEO::setMPGPath(c.path);
+        bool loaded = false;
+        EXPECT_EQ(c.log, logOf(log, [&] { loaded = video.load(c.name); })) << c.what;
+        EXPECT_EQ(c.loaded, loaded) << c.what;
+        EXPECT_EQ(c.loaded ? std::string(c.name) : defaultName, video.getFilename()) << c.what;
+        EXPECT_EQ(PV_VIDEO_STOP, video.getStatus()) << c.what;
+        EXPECT_EQ(c.loaded ? &video : nullptr, PVVIDEO::findByFilename(c.name)) << c.what;
+    }
+}
+
+// bands.mpg takes 11 parse steps from loading to the empty read at its end:
+// the first read, sequence, group, three pictures with a slice each, the end
+// code, and the read that finds nothing more.
+const int bandsSteps = 11;
+
+TEST_F(VideoTest, NothingDecodesUntilPlayAndStopKeepsThePlace)
+{
+    PVVIDEO video;
+    video.play();
+    EXPECT_FALSE(video.update(1)) << "never loaded";
+    ASSERT_TRUE(video.load("bands.mpg"));
+    EXPECT_EQ(PV_VIDEO_STOP, video.getStatus());
+    EXPECT_FALSE(video.update(100)) << "freshly loaded";
+    video.play();
+    EXPECT_TRUE(video.update(4));
+    video.stop();
+    EXPECT_FALSE(video.update(100)) << "stopped";
+    video.play();
+    EXPECT_EQ(bandsSteps - 4, stepsToEnd(video, "bands.mpg"));
+}
+
+struct EndCase {
+    const char* clip;
+    void (PVVIDEO::*start)();
+    PV_VIDEO_STATUS after;
+};
+
+// Every clip, broken or not, plays to the end of its file, where it is opened
+// again from its start: a looping video goes on, any other stops.
+TEST_F(VideoTest, EndOfFileReopensTheClip)
+{
+    const EndCase cases[] = {
+        {"bands.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
+        {"bands.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
+        {"bands.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
+        {"colours.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
+        {"colours.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
+        {"truncated.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
+        {"truncated.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
+        {"corrupted.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
+        {"corrupted.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
+    };
+    for (const EndCase& c : cases) {
+        const std::string what = std::string(c.clip) + " from status " + std::to_string(int(c.after));
+        PVVIDEO video;
+        const std::string written = logOf(log, [&] {
+            ASSERT_TRUE(video.load(c.clip));
+            (video.*c.start)();
+            const int firstPass = stepsToEnd(video, c.clip);
+            ASSERT_GT(firstPass, 0) << what;
+            EXPECT_EQ(c.after, video.getStatus()) << what;
+            EXPECT_EQ(c.after != PV_VIDEO_STOP, video.update(0)) << what;
+            // Reopened at its start: the next pass is as long as the first.
+            (video.*c.start)();
+            EXPECT_EQ(firstPass, stepsToEnd(video, c.clip)) << what;
+        });
+        EXPECT_EQ(loadingLine(c.clip) + loadingLine(c.clip) + loadingLine(c.clip), written) << what;
+    }
+}
+
+TEST_F(VideoTest, LoopGoesOnThroughSeveralEndsInOneUpdate)
+{
+    PVVIDEO video;
+    ASSERT_TRUE(video.load("bands.mpg"));
+    video.playLoop();
+    EXPECT_TRUE(video.update(5 * bandsSteps));
+    EXPECT_EQ(6u, occurrences(log.text(), loadingLine("bands.mpg")));
+    EXPECT_EQ(PV_VIDEO_LOOP, video.getStatus());
+}
+
+// A rewind waits for an update that finds the last read empty, which only a
+// failed reopening at the end leaves behind; it then loads the file again.
+TEST_F(VideoTest, RewindReloadsAfterAFailedReopening)
+{
+    const std::string clip = readFile(PEVRANO_VIDEO_DATA "bands.mpg");
+    writeFile("clip.mpg", clip);
+    PVVIDEO::setMPGPath("");
+    PVVIDEO video;
+    ASSERT_TRUE(video.load("clip.mpg"));
+    video.rewind();
+    EXPECT_TRUE(video.update(bandsSteps - 1));
+    ASSERT_EQ(0, unlink("clip.mpg"));
+    const std::string written = logOf(log, [&] {
+        EXPECT_FALSE(video.update(1)) << "end of the file, reopening fails";
+        EXPECT_EQ(PV_VIDEO_REWIND, video.getStatus());
+        EXPECT_FALSE(video.update(1)) << "rewind finds no file";
+        writeFile("clip.mpg", clip);
+        EXPECT_TRUE(video.update(1)) << "rewind loads the file again";
+    });
+    EXPECT_EQ(notFound + notFound + loadingLine("clip.mpg"), written);
+    EXPECT_EQ(PV_VIDEO_STOP, video.getStatus());
+}
+
+struct UploadCase {
+    const char* what;
+    unsigned int sizeX, sizeY, format;
+    bool resident;
+    size_t uploads;
+};
+
+// bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB
+// texture at least as large; any other texture is left alone, without a GL
+// error, and a video without texture decodes to the end without GL.
+TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
+{
+    const UploadCase cases[] = {
+        {"larger RGB texture", 64, 64, 3, true, 3}, {"exactly as large", 64, 48, 3, true, 3},
+        {"narrower", 32, 64, 3, true, 0},           {"shorter", 64, 32, 3, true, 0},
+        {"RGBA texture", 64, 64, 4, true, 0},       {"texture not resident", 64, 64, 3, false, 0},
+    };
+    for (const UploadCase& c : cases) {
+        PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;
+        ASSERT_TRUE(!texture || texture->create(c.sizeX, c.sizeY, c.format)) << c.what;
+        if (texture && !c.resident)
+            texture->unload(false);
+        PVVIDEO video;
+        ASSERT_TRUE(video.load("bands.mpg"));
+        video.setTexture(texture);
+        video.play();
+        const std::string bind =
+            "glBindTexture(GL_TEXTURE_2D," + std::to_string(texture ? texture->getGLId() : 0) + ")";
+        const Calls calls = record([&] { EXPECT_EQ(bandsSteps, stepsToEnd(video, "bands.mpg")) << c.what; });
+        Calls expected;
+        for (size_t i = 0; i < c.uploads; i++) {
+            expected.push_back(bind);
+            expected.push_back("glTexSubImage2D(GL_TEXTURE_2D,0,0,0,64,48,GL_RGB,GL_UNSIGNED_BYTE)");
+        }
+        EXPECT_EQ(expected, calls) << c.what;
+        EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError()) << c.what;
+        delete texture;
+    }
+}
+
+}  // namespace

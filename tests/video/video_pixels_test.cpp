@@ -1,0 +1,192 @@
+// Pixels of a video on the real renderer: a test node draws the texture the
+// video plays into over the whole window through the engine's frame, and the
+// colours read back are the clip's own, upright, frame after frame.
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "support/pixels.h"
+#include "video/videofixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+const int windowWidth = 160;
+const int windowHeight = 120;
+// A 5-6-5 surface loses up to 8 levels per channel; 4:2:0 decoding and the
+// conversion to RGB add a few more.
+const double videoTolerance = 12.0;
+
+struct NamedColour {
+    const char* name;
+    Rgb rgb;
+};
+
+// The colours the clips were made with.
+const NamedColour clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
+                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
+                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
+
+// The clip's picture (64 x 48 in the top-left corner of a 64 x 64 texture)
+// stretched over the whole window, its first row at the top.
+class VideoScreen : public PVNODE {
+public:
+    explicit VideoScreen(PVTEXTURE* shown) : texture(shown) { type = PV_TYPE_CUSTOM; }
+
+    bool render(void*) override
+    {
+        PV_glMatrixMode(GL_PROJECTION);
+        PV_glLoadIdentity();
+        PV_glMatrixMode(GL_MODELVIEW);
+        PV_glLoadIdentity();
+        PVLIGHT::lightingOff();
+        PV_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+        texture->render(nullptr);
+        const GLfixed one = 65536;
+        const GLfixed corners[8] = {-one, -one, one, -one, -one, one, one, one};
+        const GLfixed frameBottom = one * 48 / 64;
+        const GLfixed texels[8] = {0, frameBottom, one, frameBottom, 0, 0, one, 0};
+        PVOPENGL::vertexArrayOn();
+        PVOPENGL::textureArrayOn();
+        PVOPENGL::normalArrayOff();
+        PVOPENGL::colorArrayOff();
+        glVertexPointer(2, GL_FIXED, 0, corners);
+        glTexCoordPointer(2, GL_FIXED, 0, texels);
+        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+        return true;
+    }
+
+private:
+    PVTEXTURE* texture;
+};
+
+class VideoPixels : public VideoFixture<RecordingTest> {
+protected:
+    void SetUp() override
+    {
+        VideoFixture<RecordingTest>::SetUp();
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        camera = new PVCAMERA();
+        texture = new PVTEXTURE();
+        ASSERT_TRUE(texture->create(64, 64, 3));
+        texture->setFilter(false, false, true);
+        screen = new VideoScreen(texture);
+        screen->setPosition(0.0f, 0.0f, -5.0f);
+    }
+    void TearDown() override
+    {
+        PEVRANO::free();
+        VideoFixture<RecordingTest>::TearDown();
+    }
+
+    void drawFrame()
+    {
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin3D(camera);
+        screen->pass(false);
+        PEVRANO::end3D(false);
+    }
+
+    // The window pixel under the picture's row (0 at the top) and column.
+    static Rgb pictureAt(int column, int row)
+    {
+        return pixelAt((2 * column + 1) * windowWidth / 128,
+                       windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
+    }
+
+    // The clip colour seen, or the levels read when none is near.
+    static std::string nameOf(Rgb seen)
+    {
+        auto near = [](double wanted, double got) {
+            return std::abs(wanted - got) * 255.0 <= videoTolerance;
+        };
+        for (const NamedColour& colour : clipColours)
+            if (near(colour.rgb.r, seen.r) && near(colour.rgb.g, seen.g) && near(colour.rgb.b, seen.b))
+                return colour.name;
+        return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
+               std::to_string(int(seen.b * 255)) + ")";
+    }
+
+    PVCAMERA* camera = nullptr;
+    PVTEXTURE* texture = nullptr;
+    VideoScreen* screen = nullptr;
+};
+
+TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
+{
+    PVVIDEO video;
+    ASSERT_TRUE(video.load("bands.mpg"));
+    video.setTexture(texture);
+    video.play();
+    ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
+    drawFrame();
+    const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
+                                           nameOf(pictureAt(60, 40))};
+    EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows);
+}
+
+struct SequenceCase {
+    const char* clip;
+    void (PVVIDEO::*start)();
+    int passes;
+    std::vector<std::string> colours;
+};
+
+// The picture is drawn after every upload; the colours seen, with repeats
+// folded, follow the clip (again from its start when looping).
+TEST_F(VideoPixels, FramesShowInTheirOrder)
+{
+    const SequenceCase cases[] = {
+        {"colours.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
+        {"colours.mpg", &PVVIDEO::playLoop, 2, {"red", "green", "blue", "red", "green", "blue"}},
+        {"truncated.mpg", &PVVIDEO::play, 1, {"red"}},
+        {"corrupted.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
+    };
+    for (const SequenceCase& c : cases) {
+        PVVIDEO video;
+        ASSERT_TRUE(video.load(c.clip));
+        video.setTexture(texture);
+        (video.*c.start)();
+        std::vector<std::string> seen;
+        recorder.start();
+        const size_t loadsBefore = occurrences(log.text(), loadingLine(c.clip));
+        for (int step = 0;
+             step < 1000 && occurrences(log.text(), loadingLine(c.clip)) < loadsBefore + c.passes; step++) {
+            const size_t uploads = recorder.count("glTexSubImage2D");
+            video.update(1);
+            if (recorder.count("glTexSubImage2D") == uploads)
+                continue;
+            drawFrame();
+            const std::string colour = nameOf(pictureAt(32, 24));
+            if (seen.empty() || seen.back() != colour)
+                seen.push_back(colour);
+        }
+        recorder.stop();
+        EXPECT_EQ(c.colours, seen) << c.clip;
+    }
+}
+
+TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
+{
+    new PVVIDEO();
+    PVVIDEO* playing = new PVVIDEO();
+    ASSERT_TRUE(playing->load("bands.mpg"));
+    playing->play();
+    EXPECT_TRUE(playing->update(3));
+    PEVRANO::free();
+    EXPECT_EQ(0u, PVVIDEO::getNumberOfVideos());
+    EXPECT_EQ(nullptr, PVVIDEO::findByFilename("bands.mpg"));
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+// Video texture: plays an MPEG-1/2 video file into an existing texture. Each
+// update runs a number of decoder steps, reading the file in 4096-byte pieces;
+// every decoded picture is converted to 24-bit RGB and replaces the top-left
+// corner of the texture. There is no audio and no clock: the application
+// chooses how many steps to run per frame.
+#ifndef PVVIDEO_H
+#define PVVIDEO_H
+
+#include "core/pvregistry.h"
+
+#define PV_VIDEO_NAME_SIZE 256
+
+class PVTEXTURE;
+struct PVVIDEODECODER;
+
+enum PV_VIDEO_STATUS {
+    PV_VIDEO_STOP = 0,
+    PV_VIDEO_PLAY = 1,
+    PV_VIDEO_LOOP = 2,
+    PV_VIDEO_REWIND = 3,
+};
+
+class PVVIDEO {
+public:
+    PVVIDEO();
+    // Closes the file and decoder still open, then leaves the registry.
+    ~PVVIDEO();
+    PVVIDEO(const PVVIDEO&) = delete;
+    // Copies the whole record as it stands: links and decoder block included.
+    PVVIDEO& operator=(const PVVIDEO&) = default;
+
+    // Deletes every registered video; false when there was none.
+    static bool cleanUp();
+    static unsigned int getNumberOfVideos();
+    // First video loaded from this name (as given to load); null for null.
+    static PVVIDEO* findByFilename(const char* name);
+    static PVVIDEO* findById(unsigned int wantedId);
+    // Folder put before every name that load opens (null sets "").
+    static void setMPGPath(const char* path);
+    static char* getMPGPath();
+
+    // Opens the file (after the path prefix) and a decoder; the video stops.
+    bool load(const char* file);
+    // Runs the decoder for this many steps; false when stopped or not loaded.
+    bool update(unsigned int steps);
+
+    // The texture pictures are uploaded into. It is not reference-counted
+    // here: whoever sets it keeps it alive (incReferences) while it is set.
+    void setTexture(PVTEXTURE* target) { texture = target; }
+    PVTEXTURE* getTexture() { return texture; }
+    void play() { status = PV_VIDEO_PLAY; }
+    void stop() { status = PV_VIDEO_STOP; }
+    void playLoop() { status = PV_VIDEO_LOOP; }
+    void rewind() { status = PV_VIDEO_REWIND; }
+    PV_VIDEO_STATUS getStatus() { return status; }
+    unsigned int getId() { return id; }
+    char* getFilename() { return filename; }
+
+private:
+    friend struct PVTESTACCESS;
+
+    bool isOpen() const;
+    void closeStream();
+    void parseStep();
+    void readNextPiece();
+    void uploadFrame();
+    bool restartAtEnd();
+
+    unsigned int id;
+    char filename[PV_VIDEO_NAME_SIZE];
+    PVTEXTURE* texture;
+    PVVIDEO* previous;
+    PVVIDEO* next;
+    PV_VIDEO_STATUS status;
+    PVVIDEODECODER* decoder;
+
+    static PVVIDEO* firstVideo;
+    static char mpgPath[PV_VIDEO_NAME_SIZE];
+
+    using Registry = PVREGISTRY<PVVIDEO, &PVVIDEO::firstVideo, &PVVIDEO::previous, &PVVIDEO::next>;
+};
+
+#endif
