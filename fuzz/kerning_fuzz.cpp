@@ -2,19 +2,16 @@
 // then the escape-aware width and word wrap on the same bytes as text, with
 // the kerning just read.
 #include <cstdint>
-#include <cstdio>
 #include <vector>
 
+#include "fuzzinput.h"
 #include "gui/pvfont.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const char* path = "fuzz-kerning.txt";
-    FILE* file = std::fopen(path, "wb");
-    if (file == nullptr)
+    if (!writeFuzzInput(path, data, size))
         return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
 
     PVFONT font;
     font.setCharSizeX(size > 0 ? data[0] % 32 : 16);
