@@ -17,6 +17,7 @@
 #include "core/pvsettings.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvftimer.h"
+#include "gui/pvfont.h"
 #include "scene/pvcamera.h"
 #include "scene/pvelement.h"
 #include "scene/pvlight.h"
@@ -113,8 +114,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
         return failStartUp("   [!] Unable to init shaders @ PEVRANO::init\n", OPENGL_STARTED);
     if (!PVELEMENT::init(settings->getRenderingElements()))
         return failStartUp("   [!] Rendering elements failed to initialize @ PEVRANO::init\n", SHADERS_STARTED);
-    // Font class step: PVFONT::init(); on failure
-    // "   [!] Unable to initialize font class @ PEVRANO::init\n", unwinding ELEMENTS_STARTED.
+    if (!PVFONT::init())
+        return failStartUp("   [!] Unable to initialize font class @ PEVRANO::init\n", ELEMENTS_STARTED);
     if (!PVMESH::init())
         return failStartUp("   [!] Unable to initialize mesh class @ PEVRANO::init\n", FONTS_STARTED);
     if (!PVEMITTER::init(settings->getParticles() > 0 ? settings->getParticles() : 0))
@@ -130,7 +131,7 @@ void PEVRANO::releaseStartUpSteps(int succeeded)
         PVMESH::free();
         [[fallthrough]];
     case FONTS_STARTED:
-        // Font class step: PVFONT::free().
+        PVFONT::free();
         [[fallthrough]];
     case ELEMENTS_STARTED:
         PVELEMENT::free();
@@ -175,7 +176,7 @@ bool PEVRANO::free()
     kvfFreeTimer(timer);
 
     // Every live object, class by class.
-    // Font class step: PVFONT::cleanUp().
+    PVFONT::cleanUp();
     PVNODE::cleanUp();
     PVFBO::cleanUp();
     PVSHADER::cleanUp();
@@ -186,7 +187,7 @@ bool PEVRANO::free()
 
     // Class-wide state.
     PVEMITTER::free();
-    // Font class step: PVFONT::free().
+    PVFONT::free();
     PVMESH::free();
     PVELEMENT::free();
     PVSHADER::free();
@@ -322,7 +323,7 @@ bool PEVRANO::begin2D()
     PVLIGHT::lightingOff();
     PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVELEMENT::reset();
-    // Font class step: PVFONT::reset().
+    PVFONT::reset();
     PVOPENGL::blendingOff();
     // Straight to GL: the culling switch keeps its state for end2D.
     glDisable(GL_CULL_FACE);

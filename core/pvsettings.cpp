@@ -12,6 +12,7 @@
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
 #include "foundation/kvfstring.h"
+#include "gui/pvfont.h"
 
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
@@ -229,7 +230,7 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          Texture path: '%s'\n", texturePath);
     PVSHADER::setPath(shaderPath);
     kvfLog("          Shader path : '%s'\n", shaderPath);
-    // Font class step: PVFONT::setPath(fontPath).
+    PVFONT::setPath(fontPath);
     kvfLog("          Font path   : '%s'\n", fontPath);
 }
 

@@ -18,16 +18,6 @@ class PVMESH;
 
 class PVELEMENT {
 public:
-    // What the list needs to know about the widget classes that build on
-    // PVNODE. Those classes install their own answers with setQueries; until
-    // then every node answers with the defaults: stamp 0, not minimised.
-    struct QUERIES {
-        // Drawing order of 2D widgets; the greatest stamp is drawn last.
-        long (*foremostTimeStamp)(PVNODE *node);
-        // A minimised window passes only its first child (its title bar).
-        bool (*isMinimizedWindow)(PVNODE *node);
-    };
-
     PVELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
     // A record for a node drawn outside the list (the skybox).
     PVELEMENT(PVNODE *drawn, const K3MMATRIX &modelView)
@@ -83,9 +73,12 @@ public:
     static void setClippingRadius(float radius) { clippingRadius = radius; }
     static float getClippingRadius() { return clippingRadius; }
 
-    // Installs the answers of the node classes built on PVNODE; a null
-    // member keeps the default answer for that question.
-    static void setQueries(const QUERIES &answers);
+    // Pointer and keyboard input for the widgets of the last 2D pass: key
+    // pressed this call (0 for none), pointer (x, y) in window pixels with y
+    // downwards, pointerDown non-zero while held; the fifth argument is not
+    // used. True when the pointer is over a displayed widget; *clickedId
+    // (when not null) gets the id of the button reported by this call, or 0.
+    static bool manageGUIEvents(char key, int x, int y, int pointerDown, int unused, unsigned int *clickedId);
 
 private:
     static bool passNode(PVNODE *node, bool flag);
@@ -98,6 +91,10 @@ private:
     static bool isHiddenMesh(PVNODE *node);
     static int drawingRank(PVNODE *node);
     static float sortDepth(const PVELEMENT *record);
+    // Drawing order of 2D widgets (greatest last); 0 for other nodes.
+    static long foremostStamp(PVNODE *node);
+    // A minimised window passes only its first child (its title bar).
+    static bool isMinimizedWindow(PVNODE *node);
     // Strict orderings for the sorts: true when a is drawn (or chosen) before b.
     static bool before3D(const PVELEMENT *a, const PVELEMENT *b);
     static bool fartherBefore(const PVELEMENT *a, const PVELEMENT *b);
@@ -121,7 +118,6 @@ private:
     static unsigned int numberOfTransparencies;
     static PVELEMENT *element;
     static PVELEMENT **elementPointer;
-    static QUERIES queries;
 };
 
 #endif

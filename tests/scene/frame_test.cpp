@@ -20,12 +20,24 @@ namespace {
 std::vector<PVNODE*> drawn;
 std::vector<K3MMATRIX> drawnMatrices;
 
+// Remembers the order it is drawn in and the matrix of its record.
+template <class Base> class Drawn : public Base {
+public:
+    using Base::Base;
+    bool render(void* element) override
+    {
+        drawn.push_back(this);
+        drawnMatrices.push_back(*static_cast<PVELEMENT*>(element)->getMatrix());
+        return true;
+    }
+};
+using DrawnNode = Drawn<TestNode>;
+
 class Frame : public pvtest::RecordingTest {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(PEVRANO::init(nullptr)) << log.text();
-        TestNode::installQueries();
         drawn.clear();
         drawnMatrices.clear();
         // Every test object remembers the order it is drawn in and the
@@ -41,10 +53,6 @@ protected:
         PEVRANO::free();
     }
 
-    static TestNode* widget(const char* name, PV_NODE_TYPE type, PVNODE* parent)
-    {
-        return static_cast<TestNode*>(make(name, type, parent));
-    }
     static PVNODE* make(const char* name, PV_NODE_TYPE type, PVNODE* parent)
     {
         PVNODE* node = pvtest::makeOfType(name, type);
@@ -87,14 +95,16 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 
 TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
 {
-    TestNode* window = widget("window", PV_TYPE_WINDOW, nullptr);
-    window->foremost = 5;
-    TestNode* label = widget("label", PV_TYPE_LABEL, window);
-    label->foremost = 9;
-    TestNode* box = widget("box", PV_TYPE_BOX, window);
-    box->foremost = 1;
+    // Foremost stamps follow construction order.
+    PVBOX* box = new Drawn<PVBOX>();
+    PVWINDOW* window = new Drawn<PVWINDOW>();
+    PVBUTTON* button = new Drawn<PVBUTTON>();
+    box->link(window);
+    button->link(window);
     make("mesh", PV_TYPE_MESH, window);
     make("light", PV_TYPE_LIGHT, window);
+    window->getTitleBar()->setDisplayStatus(false);
+    window->getScrollBar()->setDisplayStatus(false);
 
     PEVRANO::begin3D(nullptr);
     window->pass(false);  // left over from the 3D list: begin2D starts afresh
@@ -103,7 +113,7 @@ TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
     EXPECT_FALSE(PVLIGHT::getLighting());
     window->pass(false);
     PEVRANO::end2D();
-    EXPECT_EQ((std::vector<PVNODE*>{box, window, label}), drawn);
+    EXPECT_EQ((std::vector<PVNODE*>{box, window, button}), drawn);
 }
 
 TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)

@@ -75,7 +75,6 @@ protected:
     void SetUp() override
     {
         ASSERT_NO_FATAL_FAILURE(GlContextTest::SetUp());
-        TestNode::installQueries();
         PV_glMatrixMode(GL_MODELVIEW);
         PV_glLoadIdentity();
         PVELEMENT::clippingOff();
@@ -97,12 +96,6 @@ protected:
         if (parent)
             node->link(parent);
         return node;
-    }
-    // A widget: a TestNode, whose stamp and minimised state the queries read.
-    static TestNode* widget(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
-                            PVNODE* parent = nullptr)
-    {
-        return static_cast<TestNode*>(make(name, type, position, parent));
     }
     static std::vector<PVNODE*> passedNodes()
     {
@@ -262,26 +255,32 @@ TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
 TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
 {
     start(16);
-    TestNode* window = widget("window", PV_TYPE_WINDOW, {10, 20, 0});
-    PVNODE* title = make("title", PV_TYPE_BUTTON, {0, 0, 0}, window);
-    PVNODE* icon = make("icon", PV_TYPE_BOX, {2, 2, 0}, title);
-    PVNODE* body = make("body", PV_TYPE_LABEL, {0, 16, 0}, window);
-    window->minimized = true;
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 20, 0);
+    PVNODE* title = window->getTitleBar();
+    PVBOX* icon = new PVBOX();
+    icon->setPosition(2, 2, 0);
+    icon->link(title);
+    PVBUTTON* body = new PVBUTTON();
+    body->link(window);
+    PVNODE* scrollBar = window->getChild(1);
+    window->minmaximize();
     window->pass(false);
     EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
     EXPECT_EQ(0, body->getTimeStamp());
-    expectMatrixNear(Mat4::translation(12, 22, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m,
-                     "icon");
+    // The title bar sits 19 pixels above the window.
+    expectMatrixNear(Mat4::translation(12, 3, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m, "icon");
 
     PVELEMENT::reset();
-    window->minimized = false;
+    window->minmaximize();
     window->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, body}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, scrollBar, scrollBar->getChild(0), body}), passedNodes());
 
     PVELEMENT::reset();
     title->unlink();
+    scrollBar->unlink();
     body->unlink();
-    window->minimized = true;
+    window->minmaximize();
     EXPECT_TRUE(window->pass(false));  // no first child to pass
     EXPECT_EQ((std::vector<PVNODE*>{window}), passedNodes());
     EXPECT_EQ("", log.fresh());
@@ -361,17 +360,25 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
 {
     start(16);
     EXPECT_FALSE(PVELEMENT::sort2D());
-    TestNode* desk = widget("desk", PV_TYPE_WINDOW);
-    desk->foremost = 3;
-    TestNode* back = widget("back", PV_TYPE_BOX, {}, desk);
-    back->foremost = 1;
-    TestNode* middle = widget("middle", PV_TYPE_LABEL, {}, desk);
-    middle->foremost = 2;
-    TestNode* top = widget("top", PV_TYPE_BUTTON, {}, desk);
-    top->foremost = 7;
+    // Stamps follow construction order; plain nodes answer 0.
+    PVBOX* back = new PVBOX();
+    PVBUTTON* middle = new PVBUTTON();
+    PVBOX* desk = new PVBOX();
+    PVTEXTFIELD* top = new PVTEXTFIELD();
+    PVNODE* light = make("light", PV_TYPE_LIGHT);
+    for (PVNODE* child : std::vector<PVNODE*>{top, light, back, middle})
+        child->link(desk);
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
-    EXPECT_EQ((std::vector<PVNODE*>{back, middle, desk, top}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*>{light, back, middle, desk, top}), passedNodes());
+
+    // Raising a box restamps it and its subtree above everything else.
+    desk->setForemost(0);
+    back->setForemost(0);
+    PVELEMENT::reset();
+    desk->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort2D());
+    EXPECT_EQ((std::vector<PVNODE*>{light, desk, top, middle, back}), passedNodes());
 }
 
 TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
@@ -438,9 +445,12 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         }
         placed->setPosition(x, 0, z);
         placed->link(scene);
-        TestNode* box = widget("w", PV_TYPE_BOX, {x, 0, 0}, desk);
-        box->foremost = (i * 131) % count;
+        PVBOX* widget = new PVBOX();
+        widget->setPosition(x, 0, 0);
+        widget->link(desk);
     }
+    for (int i = 0; i < count; i++)
+        static_cast<PVBOX*>(desk->getChild(unsigned((i * 131) % count)))->setForemost(0);
     PVELEMENT::clippingOn();
     PVELEMENT::setClippingRadius(10000.0f);
     const K3MVECTOR3D eye(2, 0, -150);
@@ -480,7 +490,12 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         allocations = counted.value();
     }
     EXPECT_EQ(0, allocations);
-    EXPECT_EQ(size_t(count), size_t(PVELEMENT::getNumberOfPassedElements()));
+    const std::vector<PVNODE*> order = passedNodes();
+    ASSERT_EQ(size_t(count), order.size());
+    for (size_t i = 1; i < order.size(); i++)
+        ASSERT_LT(static_cast<PVBOX*>(order[i - 1])->getForemostTimeStamp(),
+                  static_cast<PVBOX*>(order[i])->getForemostTimeStamp())
+            << "at " << i;
     EXPECT_EQ("", log.fresh());
 }
 

@@ -1,6 +1,5 @@
-// A node of any type with the properties the render list asks mesh-like
-// nodes and widgets for (radius, hidden, transparent material, foremost
-// stamp, minimised), plus the textbook local transform the tests compare to.
+// Test nodes of any type, recorded meshes and helpers, and the textbook local
+// transform the scene tests compare to.
 #ifndef PEVRANO_TESTS_SCENETESTNODE_H
 #define PEVRANO_TESTS_SCENETESTNODE_H
 
@@ -15,11 +14,9 @@ namespace pvtest {
 // Called by every test object's render, when set (to record draw order).
 inline std::function<void(PVNODE*, void*)> onRender;
 
-// A node of any type with the properties the render list asks widgets for
-// (foremost stamp, minimised), plus the textbook local transform the tests
-// compare to. Meshes and helpers are real objects of their classes
-// (Recorded<PVMESH>, Recorded<PVHELPER>): the render list asks those
-// classes directly.
+// A node of any type that records its drawing. Meshes, helpers and widgets
+// are real objects of their classes (Recorded<PVMESH>, Recorded<PVHELPER>,
+// PVBOX, ...): the render list asks those classes directly.
 class TestNode : public PVNODE {
 public:
     explicit TestNode(const char* nodeName = nullptr, PV_NODE_TYPE nodeType = PV_TYPE_NODE)
@@ -40,26 +37,9 @@ public:
     // Breaks the hierarchy on purpose: a parent that does not list this node.
     void forceParent(PVNODE* node) { parent = node; }
 
-    long foremost = 0;
-    bool minimized = false;
     int renders = 0;
     void* lastElement = nullptr;
     static int destroyed;
-
-    // Installs answers that read the fields above; nodes of other classes
-    // (meshes and helpers passed in a 2D frame) answer 0 and not minimised.
-    static void installQueries()
-    {
-        PVELEMENT::QUERIES queries = {[](PVNODE* n) {
-                                          const TestNode* t = dynamic_cast<TestNode*>(n);
-                                          return t ? t->foremost : 0L;
-                                      },
-                                      [](PVNODE* n) {
-                                          const TestNode* t = dynamic_cast<TestNode*>(n);
-                                          return t && t->minimized;
-                                      }};
-        PVELEMENT::setQueries(queries);
-    }
 };
 
 // A mesh or helper whose drawing is only recorded.

@@ -344,6 +344,9 @@ PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixe
 // Mesh normals (data pointers are left out).
 PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
              .en(type).num(stride))
+// Interface drawing: quads as triangle strips.
+PV_INTERPOSE(void, glDrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count),
+             .raw(pvtest::primitiveText(mode)).num(first).num(count))
 
 // Queries.
 PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))
