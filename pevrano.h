@@ -29,8 +29,10 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: shaders and frame buffers.
+// Assets: shaders, frame buffers, animations.
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
+#include "assets/pvboneframe.h"
+#include "assets/pvanim.h"
 
 #endif

@@ -7,6 +7,7 @@
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
 
+#include "assets/pvanim.h"
 #include "assets/pvfbo.h"
 #include "assets/pvshader.h"
 #include "core/pvgl.h"
@@ -187,7 +188,7 @@ bool PEVRANO::free()
     PVSHADER::cleanUp();
     // Material class step: PVMATERIAL::cleanUp().
     // Texture class step: PVTEXTURE::cleanUp().
-    // Animation class step: PVANIM::cleanUp().
+    PVANIM::cleanUp();
     // Video class step: PVVIDEO::cleanUp().
 
     // Class-wide state.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "assets/pvanim.h"
 #include "assets/pvshader.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
@@ -260,7 +261,7 @@ void PVSETTINGS::handPathsOn()
 {
     PEVRANO::setPVEPath(pvePath);
     kvfLog("          PVE path    : '%s'\n", pvePath);
-    // Animation class step: PVANIM::setPVAPath(pvaPath).
+    PVANIM::setPVAPath(pvaPath);
     kvfLog("          PVA path    : '%s'\n", pvaPath);
     // Texture class step: PVTEXTURE::setPath(texturePath).
     kvfLog("          Texture path: '%s'\n", texturePath);
