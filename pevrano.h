@@ -29,7 +29,9 @@
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
 
-// Assets: shaders, frame buffers, animations.
+// Assets: textures, materials, shaders, frame buffers and animations.
+#include "assets/pvtexture.h"
+#include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 #include "assets/pvboneframe.h"

@@ -5,6 +5,7 @@
 
 #include <GLES/gl.h>
 
+#include "assets/pvtexture.h"
 #include "core/pvopengl.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
@@ -51,10 +52,8 @@ bool PVFBO::bindTexture(int, PVTEXTURE* newTexture)
     if (!PVOPENGL::useFBO())
         return false;
     texture = newTexture;
-    // TEXTURE-SIZE: the frame buffer takes its size from the texture
-    // (getSizeX/getSizeY) once the texture class is available; until then
-    // the size set by bindRenderBuffer is kept. Unreachable on this target,
-    // where frame buffers are unsupported.
+    sizeX = int(newTexture->getSizeX());
+    sizeY = int(newTexture->getSizeY());
     return true;
 }
 

@@ -9,7 +9,9 @@
 
 #include "assets/pvanim.h"
 #include "assets/pvfbo.h"
+#include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
+#include "assets/pvtexture.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -186,8 +188,8 @@ bool PEVRANO::free()
     PVNODE::cleanUp();
     PVFBO::cleanUp();
     PVSHADER::cleanUp();
-    // Material class step: PVMATERIAL::cleanUp().
-    // Texture class step: PVTEXTURE::cleanUp().
+    PVMATERIAL::cleanUp();
+    PVTEXTURE::cleanUp();
     PVANIM::cleanUp();
     // Video class step: PVVIDEO::cleanUp().
 
@@ -259,9 +261,9 @@ bool PEVRANO::begin3D(PVCAMERA* camera)
     timeStamp += 1;
     PVELEMENT::reset();
     PVSHADER::reset();
-    // Material class step: PVMATERIAL::reset().
+    PVMATERIAL::reset();
     // Mesh class step: PVMESH::reset().
-    // Texture class step: PVTEXTURE::texturingOff(16), all units.
+    PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVOPENGL::blendingOff();
     PVOPENGL::twoSideOff();
     // Rendering a camera loads the view; without one a default camera,
@@ -301,8 +303,8 @@ bool PEVRANO::end3D(bool)
 // The skybox turns with the camera but never moves with it.
 void PEVRANO::renderSkybox()
 {
-    // Material class step: PVMATERIAL::reset().
-    // Texture class step: PVTEXTURE::texturingOff(16), all units.
+    PVMATERIAL::reset();
+    PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVLIGHT::lightingOff();
     PV_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     PV_glLoadIdentity();
@@ -327,7 +329,7 @@ bool PEVRANO::begin2D()
     adjournTimerOncePerFrame();
     PVSHADER::disable();
     PVLIGHT::lightingOff();
-    // Texture class step: PVTEXTURE::texturingOff(16), all units.
+    PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVELEMENT::reset();
     // Font class step: PVFONT::reset().
     PVOPENGL::blendingOff();

@@ -6,6 +6,7 @@
 
 #include "assets/pvanim.h"
 #include "assets/pvshader.h"
+#include "assets/pvtexture.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
 #include "foundation/kvffile.h"
@@ -263,7 +264,7 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          PVE path    : '%s'\n", pvePath);
     PVANIM::setPVAPath(pvaPath);
     kvfLog("          PVA path    : '%s'\n", pvaPath);
-    // Texture class step: PVTEXTURE::setPath(texturePath).
+    PVTEXTURE::setPath(texturePath);
     kvfLog("          Texture path: '%s'\n", texturePath);
     PVSHADER::setPath(shaderPath);
     kvfLog("          Shader path : '%s'\n", shaderPath);

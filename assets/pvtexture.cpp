@@ -1,0 +1,614 @@
+// Textures: registry, TGA decoding, upload with a CPU-built mipmap chain,
+// the video-memory account, per-unit bind cache and the garbage collector.
+#include "assets/pvtexture.h"
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "assets/pvshader.h"
+#include "core/pevrano.h"
+#include "foundation/kvffile.h"
+#include "foundation/kvfid.h"
+#include "foundation/kvflog.h"
+#include "foundation/kvfmemory.h"
+
+PVTEXTURE* PVTEXTURE::firstTexture = nullptr;
+unsigned long PVTEXTURE::usedMemory = 0;
+char PVTEXTURE::texturePath[PV_TEXTURE_NAME_SIZE] = "";
+PVTEXTURE* PVTEXTURE::channelCache[PV_TEXTURE_UNITS] = {};
+bool PVTEXTURE::channelActive[PV_TEXTURE_UNITS] = {};
+
+namespace {
+
+const unsigned int TGA_HEADER_SIZE = 18;
+const unsigned char TGA_RAW_HEADER[12] = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+const unsigned char TGA_RLE_HEADER[12] = {0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+const unsigned int DYNAMIC_FORMAT_FIRST = 3;
+const unsigned int DYNAMIC_FORMAT_LAST = 6;
+
+// Reads forward through a byte buffer; every take is checked against the
+// bytes that are actually there.
+class ByteCursor {
+public:
+    ByteCursor(const unsigned char* data, size_t length) : data_(data), end_(data + length) {}
+
+    size_t remaining() const { return size_t(end_ - data_); }
+
+    // Pointer to the next count bytes, consumed; null when fewer are left.
+    const unsigned char* take(size_t count)
+    {
+        if (count > remaining())
+            return nullptr;
+        const unsigned char* taken = data_;
+        data_ += count;
+        return taken;
+    }
+
+private:
+    const unsigned char* data_;
+    const unsigned char* end_;
+};
+
+// Copies pixels stored B,G,R(,A) into R,G,B(,A) order.
+template <unsigned int Bytes>
+void swizzlePixels(unsigned char* destination, const unsigned char* source, size_t pixels)
+{
+    for (size_t i = 0; i < pixels; i++, destination += Bytes, source += Bytes) {
+        destination[0] = source[2];
+        destination[1] = source[1];
+        destination[2] = source[0];
+        if (Bytes == 4)
+            destination[3] = source[3];
+    }
+}
+
+template <unsigned int Bytes>
+void repeatPixel(unsigned char* destination, const unsigned char* source, size_t pixels)
+{
+    unsigned char pixel[Bytes];
+    swizzlePixels<Bytes>(pixel, source, 1);
+    for (size_t i = 0; i < pixels; i++, destination += Bytes)
+        memcpy(destination, pixel, Bytes);
+}
+
+template <unsigned int Bytes> bool decodeRaw(ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
+{
+    const unsigned char* source = cursor.take(pixels * Bytes);
+    if (!source)
+        return false;
+    swizzlePixels<Bytes>(bitmap, source, pixels);
+    return true;
+}
+
+// Run-length packets until every pixel is written; a packet running past
+// the image end is cut there.
+template <unsigned int Bytes> bool decodeRunLength(ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
+{
+    size_t written = 0;
+    while (written < pixels) {
+        const unsigned char* packet = cursor.take(1);
+        if (!packet)
+            return false;
+        const bool repeat = *packet >= 128;
+        const size_t count = std::min<size_t>(repeat ? *packet - 127 : *packet + 1, pixels - written);
+        unsigned char* destination = bitmap + written * Bytes;
+        if (repeat) {
+            const unsigned char* source = cursor.take(Bytes);
+            if (!source)
+                return false;
+            repeatPixel<Bytes>(destination, source, count);
+        } else {
+            const unsigned char* source = cursor.take(count * Bytes);
+            if (!source)
+                return false;
+            swizzlePixels<Bytes>(destination, source, count);
+        }
+        written += count;
+    }
+    return true;
+}
+
+template <unsigned int Bytes>
+bool decodeBody(bool runLength, ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
+{
+    return runLength ? decodeRunLength<Bytes>(cursor, bitmap, pixels)
+                     : decodeRaw<Bytes>(cursor, bitmap, pixels);
+}
+
+// One box-filtered mipmap level, written in place over the previous one.
+// Source rows are taken to be two destination rows long; a side that is one
+// pixel long (and so not halved) samples its one row or column twice.
+void halveLevel(unsigned char* pixels, unsigned int bytes, unsigned int sourceX, unsigned int sourceY,
+                unsigned int width, unsigned int height)
+{
+    const unsigned int stride = sourceX == 1 ? 1 : 2 * width;
+    for (unsigned int y = 0; y < height; y++) {
+        const unsigned int row0 = std::min(2 * y, sourceY - 1) * stride;
+        const unsigned int row1 = std::min(2 * y + 1, sourceY - 1) * stride;
+        for (unsigned int x = 0; x < width; x++) {
+            const unsigned int column0 = std::min(2 * x, sourceX - 1);
+            const unsigned int column1 = std::min(2 * x + 1, sourceX - 1);
+            const unsigned char* a = pixels + (row0 + column0) * bytes;
+            const unsigned char* b = pixels + (row0 + column1) * bytes;
+            const unsigned char* c = pixels + (row1 + column0) * bytes;
+            const unsigned char* d = pixels + (row1 + column1) * bytes;
+            unsigned char* destination = pixels + (y * width + x) * bytes;
+            for (unsigned int channel = 0; channel < bytes; channel++)
+                destination[channel] = (a[channel] + b[channel] + c[channel] + d[channel]) >> 2;
+        }
+    }
+}
+
+GLenum glFormatOf(unsigned int format) { return format == 3 ? GL_RGB : GL_RGBA; }
+
+}  // namespace
+
+PVTEXTURE::PVTEXTURE() :
+    id(kvfNewId()),
+    timeStamp(0),
+    references(0),
+    bitmap(nullptr),
+    sizeX(0),
+    sizeY(0),
+    memorySize(0),
+    format(0),
+    cubeType(0),
+    glId(0),
+    trilinear(true),
+    mipmapped(true),
+    clamped(false),
+    mipmapCharged(false),
+    previous(nullptr),
+    next(nullptr)
+{
+    snprintf(filename, sizeof(filename), "[texture %d]", id);
+    Registry::append(this);
+}
+
+PVTEXTURE::~PVTEXTURE()
+{
+    unload(true);
+    kvfReleaseId(id);
+    Registry::remove(this);
+    // A later texture at the same address must not look bound already.
+    for (PVTEXTURE*& cached : channelCache)
+        if (cached == this)
+            cached = nullptr;
+}
+
+bool PVTEXTURE::cleanUp()
+{
+    if (!firstTexture)
+        return false;
+    const int count = Registry::deleteAll();
+    kvfLog("   %d texture(s) released\n", count);
+    return true;
+}
+
+PVTEXTURE* PVTEXTURE::findByFilename(const char* name)
+{
+    return Registry::findByText(&PVTEXTURE::filename, name);
+}
+PVTEXTURE* PVTEXTURE::findById(unsigned int wanted) { return Registry::findByValue(&PVTEXTURE::id, wanted); }
+unsigned int PVTEXTURE::getNumberOfTextures() { return Registry::count(); }
+PVTEXTURE* PVTEXTURE::getFirst() { return firstTexture; }
+PVTEXTURE* PVTEXTURE::getNext() { return next; }
+PVTEXTURE* PVTEXTURE::getPrevious() { return previous; }
+
+void PVTEXTURE::setPath(const char* path)
+{
+    snprintf(texturePath, sizeof(texturePath), "%s", path ? path : "");
+}
+
+char* PVTEXTURE::getPath() { return texturePath; }
+int PVTEXTURE::getUsedMemory() { return int(usedMemory); }
+
+unsigned int PVTEXTURE::getId() { return id; }
+char* PVTEXTURE::getFilename() { return filename; }
+long PVTEXTURE::getTimeStamp() { return timeStamp; }
+int PVTEXTURE::getReferences() { return references; }
+void PVTEXTURE::incReferences() { references++; }
+void PVTEXTURE::decReferences() { references--; }
+unsigned char* PVTEXTURE::getBitmap() { return bitmap; }
+unsigned int PVTEXTURE::getSizeX() { return sizeX; }
+unsigned int PVTEXTURE::getSizeY() { return sizeY; }
+unsigned int PVTEXTURE::getMemorySize() { return memorySize; }
+unsigned int PVTEXTURE::getFormat() { return format; }
+unsigned int PVTEXTURE::getGLId() { return glId; }
+bool PVTEXTURE::isLoaded() { return glId != 0; }
+bool PVTEXTURE::isTrilinear() { return trilinear; }
+bool PVTEXTURE::isMipmapped() { return mipmapped; }
+bool PVTEXTURE::isClamped() { return clamped; }
+void PVTEXTURE::setCubeType(unsigned int type) { cubeType = type; }
+unsigned int PVTEXTURE::getCubeType() { return cubeType; }
+
+bool PVTEXTURE::load(const char* name)
+{
+    if (!name) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+        return false;
+    }
+    if (strcmp(name, "[dynamic]") == 0)
+        return true;
+    char path[2 * PV_TEXTURE_NAME_SIZE];
+    snprintf(path, sizeof(path), "%s%s", texturePath, name);
+    FILE* file = kvfOpenReadable(path);
+    if (!file) {
+        kvfLog("   [!] Unable to open file %s @ PVTEXTURE::loadTGA\n", name);
+        return false;
+    }
+    fseek(file, 0, SEEK_END);
+    const long size = std::max(ftell(file), 0L);
+    fseek(file, 0, SEEK_SET);
+    // At least one byte, so that an empty file is not taken for a lack of memory.
+    unsigned char* buffer = static_cast<unsigned char*>(kvfMalloc(unsigned(std::max(size, 1L))));
+    if (!buffer) {
+        kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
+        fclose(file);
+        return false;
+    }
+    const bool complete = fread(buffer, 1, size_t(size), file) == size_t(size);
+    fclose(file);
+    const bool loaded = complete && loadTGA(buffer, size_t(size), name);
+    if (!complete)
+        kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
+    kvfFree(buffer);
+    return loaded;
+}
+
+bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* name)
+{
+    if (!data || !name)
+        return false;
+    if (length < TGA_HEADER_SIZE) {
+        kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
+        return false;
+    }
+    const unsigned int width = data[12] + 256u * data[13];
+    const unsigned int height = data[14] + 256u * data[15];
+    const unsigned int depth = data[16];
+    const unsigned int descriptor = data[17];
+    if ((depth != 24 && depth != 32) || width < 1 || width > PV_TEXTURE_MAX_SIZE || height < 1 ||
+        height > PV_TEXTURE_MAX_SIZE) {
+        kvfLog("   [!] Unsupported depth or sizes for %s @ PVTEXTURE::loadTGA\n", name);
+        return false;
+    }
+    const unsigned int newFormat = depth / 8;
+    if (bitmap) {
+        releaseBitmap();
+        usedMemory -= memorySize;
+    }
+    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * newFormat));
+    if (!bitmap) {
+        kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
+        return false;
+    }
+    format = newFormat;
+    const bool raw = memcmp(data, TGA_RAW_HEADER, sizeof(TGA_RAW_HEADER)) == 0;
+    const bool runLength = memcmp(data, TGA_RLE_HEADER, sizeof(TGA_RLE_HEADER)) == 0;
+    if (raw || runLength) {
+        if (!decodePixels(data, length, size_t(width) * height)) {
+            kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
+            releaseBitmap();
+            return false;
+        }
+    } else {
+        // The load goes on and reports success, with no pixels kept.
+        kvfLog("   [!] Unsupported file header for %s @ PVTEXTURE::loadTGA\n", name);
+        releaseBitmap();
+    }
+    sizeX = width;
+    sizeY = height;
+    if (descriptor >= 16 && !flipRows()) {
+        kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
+        releaseBitmap();
+        return false;
+    }
+    memorySize = sizeX * sizeY * 4;
+    usedMemory += memorySize;
+    snprintf(filename, sizeof(filename), "%s", name);
+    return true;
+}
+
+// Decodes the pixel data after the 18-byte header into the bitmap; false
+// when the data ends before every pixel is written.
+bool PVTEXTURE::decodePixels(const unsigned char* data, size_t length, size_t pixels)
+{
+    ByteCursor cursor(data, length);
+    cursor.take(TGA_HEADER_SIZE);
+    const bool runLength = data[2] == TGA_RLE_HEADER[2];
+    if (format == 3)
+        return decodeBody<3>(runLength, cursor, bitmap, pixels);
+    return decodeBody<4>(runLength, cursor, bitmap, pixels);
+}
+
+// Swaps rows top to bottom, so that the bitmap starts with the bottom row.
+bool PVTEXTURE::flipRows()
+{
+    if (!bitmap)
+        return true;
+    const unsigned int rowBytes = sizeX * format;
+    unsigned char* scratch = static_cast<unsigned char*>(kvfMalloc(rowBytes));
+    if (!scratch)
+        return false;
+    for (unsigned int i = 0; i < sizeY / 2; i++) {
+        unsigned char* top = bitmap + i * rowBytes;
+        unsigned char* bottom = bitmap + (sizeY - 1 - i) * rowBytes;
+        memcpy(scratch, top, rowBytes);
+        memcpy(top, bottom, rowBytes);
+        memcpy(bottom, scratch, rowBytes);
+    }
+    kvfFree(scratch);
+    return true;
+}
+
+void PVTEXTURE::releaseBitmap()
+{
+    kvfFree(bitmap);
+    bitmap = nullptr;
+}
+
+bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned int newFormat)
+{
+    if (newSizeX > PV_TEXTURE_MAX_SIZE || newSizeY > PV_TEXTURE_MAX_SIZE ||
+        newFormat < DYNAMIC_FORMAT_FIRST || newFormat > DYNAMIC_FORMAT_LAST) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE::create\n");
+        return false;
+    }
+    if (bitmap)
+        releaseBitmap();
+    if (glId) {
+        glDeleteTextures(1, &glId);
+        PEVRANO::popVideoMemory(memorySize);
+        glId = 0;
+    }
+    if (newFormat <= 4) {
+        const unsigned int bytes = newSizeX * newSizeY * newFormat;
+        bitmap = static_cast<unsigned char*>(kvfMalloc(bytes));
+        if (!bitmap) {
+            kvfLog("   [!] Out of memory @ PVTEXTURE::create\n");
+            return false;
+        }
+        memset(bitmap, 0, bytes);
+    }
+    sizeX = newSizeX;
+    sizeY = newSizeY;
+    format = newFormat;
+    strcpy(filename, "[dynamic]");
+    return update();
+}
+
+bool PVTEXTURE::update()
+{
+    const bool hasPixels = format <= 4;
+    if (hasPixels && !bitmap) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE::update\n");
+        return false;
+    }
+    if (glId) {
+        glDeleteTextures(1, &glId);
+        PEVRANO::popVideoMemory(memorySize);
+        glId = 0;
+    }
+    const unsigned int needed = memorySize;
+    // Every upload of a mipmapped texture doubles the charge again.
+    if (mipmapped)
+        memorySize *= 2;
+    if (PEVRANO::getFreeVideoMemory() < needed) {
+        kvfLog("   Garbage collector at %d\n", int(PEVRANO::getTimeStamp()));
+        // The collector must neither delete this texture nor drop the
+        // pixels about to be uploaded.
+        unsigned char* pixels = bitmap;
+        bitmap = nullptr;
+        references++;
+        garbageCollect(PEVRANO::getVideoMemory() - needed);
+        references--;
+        bitmap = pixels;
+    }
+    glGenTextures(1, &glId);
+    channelCache[0] = nullptr;
+    glBindTexture(GL_TEXTURE_2D, glId);
+    const GLfixed filter = trilinear ? GL_LINEAR : GL_NEAREST;
+    GLfixed minFilter = filter;
+    if (mipmapped)
+        minFilter = trilinear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_NEAREST;
+    const GLfixed wrap = clamped ? GL_CLAMP_TO_EDGE : GL_REPEAT;
+    glTexParameterx(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+    glTexParameterx(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexParameterx(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
+    glTexParameterx(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
+    if (hasPixels) {
+        const GLenum glFormat = glFormatOf(format);
+        glTexImage2D(GL_TEXTURE_2D, 0, glFormat, sizeX, sizeY, 0, glFormat, GL_UNSIGNED_BYTE, bitmap);
+        if (mipmapped)
+            buildMipmaps(glFormat);
+    }
+    mipmapCharged = mipmapped;
+    PEVRANO::pushVideoMemory(mipmapped ? memorySize * 2 : memorySize);
+    return true;
+}
+
+// Levels 1.. down to the last halving of the longer side, each built from
+// the previous one in place at the start of the bitmap and uploaded.
+void PVTEXTURE::buildMipmaps(unsigned int glFormat)
+{
+    unsigned int width = sizeX;
+    unsigned int height = sizeY;
+    for (int level = 1; std::max(width, height) > 1; level++) {
+        const unsigned int halfX = std::max(width / 2, 1u);
+        const unsigned int halfY = std::max(height / 2, 1u);
+        halveLevel(bitmap, format, width, height, halfX, halfY);
+        width = halfX;
+        height = halfY;
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+        glTexImage2D(GL_TEXTURE_2D, level, glFormat, width, height, 0, glFormat, GL_UNSIGNED_BYTE, bitmap);
+    }
+}
+
+bool PVTEXTURE::modify(const char* pixels, bool keepCopy)
+{
+    if (!pixels) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE::modify\n");
+        return false;
+    }
+    const unsigned int bytes = sizeX * sizeY * format;
+    if (keepCopy) {
+        // The first call only makes room for the copy; the next one succeeds.
+        if (!bitmap) {
+            bitmap = static_cast<unsigned char*>(kvfMalloc(bytes));
+            if (!bitmap)
+                kvfLog("   [!] Out of memory @ PVTEXTURE::modify\n");
+            return false;
+        }
+        memcpy(bitmap, pixels, bytes);
+    }
+    channelCache[0] = nullptr;
+    glBindTexture(GL_TEXTURE_2D, glId);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, sizeX, sizeY, glFormatOf(format), GL_UNSIGNED_BYTE, pixels);
+    return true;
+}
+
+bool PVTEXTURE::reload()
+{
+    if (glId)
+        return false;
+    if (!bitmap)
+        load(filename);
+    update();
+    return true;
+}
+
+bool PVTEXTURE::unload(bool freeBitmap)
+{
+    bool released = false;
+    if (freeBitmap && bitmap) {
+        releaseBitmap();
+        usedMemory -= memorySize;
+        released = true;
+    }
+    if (glId) {
+        releaseVideoMemory();
+        released = true;
+    }
+    if (released)
+        kvfLog("   %s unloaded\n", filename);
+    return released;
+}
+
+// Deletes the GL texture and gives its charge back to the video account.
+void PVTEXTURE::releaseVideoMemory()
+{
+    glDeleteTextures(1, &glId);
+    glId = 0;
+    PEVRANO::popVideoMemory(memorySize);
+    if (mipmapCharged)
+        PEVRANO::popVideoMemory(memorySize);
+    // GL unbinds a deleted texture; the cache must not claim it is bound.
+    for (PVTEXTURE*& cached : channelCache)
+        if (cached == this)
+            cached = nullptr;
+}
+
+bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)
+{
+    trilinear = newTrilinear;
+    mipmapped = newMipmapped;
+    clamped = newClamped;
+    if (glId)
+        update();
+    return true;
+}
+
+bool PVTEXTURE::render(void* param)
+{
+    const unsigned int unit = param ? *static_cast<unsigned int*>(param) : 0;
+    if (unit >= PV_TEXTURE_UNITS) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE::render\n");
+        return false;
+    }
+    timeStamp = PEVRANO::getTimeStamp();
+    if (channelCache[unit] == this)
+        return true;
+    if (!glId)
+        reload();
+    texturingOn(unit);
+    glBindTexture(GL_TEXTURE_2D, glId);
+    PVSHADER::bindTexture(unit);
+    channelCache[unit] = this;
+    return true;
+}
+
+bool PVTEXTURE::texturingOn(unsigned int unit)
+{
+    if (unit >= PV_TEXTURE_UNITS) {
+        for (unsigned int each = 0; each < PV_TEXTURE_UNITS; each++)
+            texturingOn(each);
+    } else if (!channelActive[unit]) {
+        glEnable(GL_TEXTURE_2D);
+        channelActive[unit] = true;
+    }
+    return true;
+}
+
+bool PVTEXTURE::texturingOff(unsigned int unit)
+{
+    if (unit >= PV_TEXTURE_UNITS) {
+        for (unsigned int each = 0; each < PV_TEXTURE_UNITS; each++) {
+            texturingOff(each);
+            channelCache[each] = nullptr;
+        }
+    } else if (channelActive[unit]) {
+        glDisable(GL_TEXTURE_2D);
+        channelActive[unit] = false;
+    }
+    return true;
+}
+
+bool PVTEXTURE::garbageCollect(unsigned long limit)
+{
+    const unsigned int count = getNumberOfTextures();
+    if (!count)
+        return false;
+    PVTEXTURE** sorted = static_cast<PVTEXTURE**>(kvfMalloc(count * sizeof(PVTEXTURE*)));
+    if (!sorted) {
+        kvfLog("   [!] Out of memory @ PVTEXTURE::garbageCollect()\n");
+        return false;
+    }
+    unsigned int filled = 0;
+    for (PVTEXTURE* texture = firstTexture; texture; texture = texture->next)
+        sorted[filled++] = texture;
+    // Most recently rendered first: eviction starts with the newest.
+    std::stable_sort(sorted, sorted + count,
+                     [](const PVTEXTURE* a, const PVTEXTURE* b) { return a->timeStamp > b->timeStamp; });
+    logReport(sorted, count, limit);
+    for (unsigned int i = 0; i < count; i++)
+        if (PEVRANO::getUsedVideoMemory() >= limit)
+            sorted[i]->unload(true);
+    int dead = 0;
+    for (unsigned int i = 0; i < count; i++) {
+        if (sorted[i]->references < 1) {
+            delete sorted[i];
+            dead++;
+        }
+    }
+    kvfLog("   Memory used after : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Dead textures     : %d\n", dead);
+    kvfLog("\n[END GARBAGE COLLECTOR]\n");
+    kvfFree(sorted);
+    return true;
+}
+
+void PVTEXTURE::logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit)
+{
+    kvfLog("[BEGIN GARBAGE COLLECTOR]\n\n");
+    kvfLog("   Memory used before : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Memory max. to keep: %d\n", int(limit));
+    kvfLog("   Candidates:\n");
+    for (unsigned int i = 0; i < count; i++)
+        kvfLog("      %d. %s (%d)\n", int(i), sorted[i]->filename, int(sorted[i]->timeStamp));
+}

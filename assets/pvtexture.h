@@ -1,0 +1,126 @@
+// The engine's image resource: an RGB or RGBA picture kept as a bitmap in
+// system memory (bottom row first, R,G,B(,A) bytes) and, once uploaded, as a
+// GL texture charged to the engine's video-memory account. Pictures come
+// from TGA files (uncompressed or run-length) or are created empty. Every
+// texture is registered so that it can be found by name or id, swept by the
+// garbage collector and released at shut-down. The class also keeps the
+// texturing switch and the last bound texture per texture unit.
+#ifndef PVTEXTURE_H
+#define PVTEXTURE_H
+
+#include <cstddef>
+
+#include "core/pvregistry.h"
+
+#define PV_TEXTURE_NAME_SIZE 256
+// Texture units are bookkeeping indices over the one GL texture target.
+#define PV_TEXTURE_UNITS 16
+// Largest width and height a texture may have.
+#define PV_TEXTURE_MAX_SIZE 256
+
+class PVTEXTURE {
+public:
+    PVTEXTURE();
+    ~PVTEXTURE();
+    // Copies every field as it stands (id, links and bitmap pointer too).
+    PVTEXTURE& operator=(const PVTEXTURE&) = default;
+    PVTEXTURE(const PVTEXTURE&) = delete;
+
+    // Deletes every registered texture; false (no log line) when there was none.
+    static bool cleanUp();
+    static PVTEXTURE* findByFilename(const char* name);
+    static PVTEXTURE* findById(unsigned int id);
+    static unsigned int getNumberOfTextures();
+    static PVTEXTURE* getFirst();
+    PVTEXTURE* getNext();
+    PVTEXTURE* getPrevious();
+    // Folder put before every file name load opens; null stores "".
+    static void setPath(const char* path);
+    static char* getPath();
+    // Bytes of bitmaps held in system memory.
+    static int getUsedMemory();
+
+    unsigned int getId();
+    char* getFilename();
+    long getTimeStamp();
+    int getReferences();
+    void incReferences();
+    void decReferences();
+    unsigned char* getBitmap();
+    unsigned int getSizeX();
+    unsigned int getSizeY();
+    unsigned int getMemorySize();
+    unsigned int getFormat();
+    unsigned int getGLId();
+    // Resident in video memory.
+    bool isLoaded();
+    bool isTrilinear();
+    bool isMipmapped();
+    bool isClamped();
+    void setCubeType(unsigned int type);
+    unsigned int getCubeType();
+
+    // Reads a TGA file (texture path + filename) into the bitmap; no GL call.
+    bool load(const char* filename);
+    // Decodes a whole TGA file held in memory into the bitmap; name is the
+    // one log lines show and the texture takes.
+    bool loadTGA(const unsigned char* data, size_t length, const char* name);
+    // Empty dynamic texture of format 3 (RGB), 4 (RGBA), 5 or 6 (no pixels), uploaded.
+    bool create(unsigned int newSizeX, unsigned int newSizeY, unsigned int newFormat);
+    // (Re)creates the GL texture from the bitmap, with mipmaps when asked.
+    bool update();
+    // Replaces the GL texture's pixels, and the bitmap's with keepCopy.
+    bool modify(const char* pixels, bool keepCopy);
+    // Makes a non-resident texture resident again.
+    bool reload();
+    // Releases the GL texture and, with freeBitmap, the bitmap.
+    bool unload(bool freeBitmap);
+    bool setFilter(bool newTrilinear, bool newMipmapped, bool newClamped);
+    // Binds the texture; param points to an unsigned int unit (null: unit 0).
+    bool render(void* param);
+
+    // Unit 16 or more means every unit.
+    static bool texturingOn(unsigned int unit);
+    static bool texturingOff(unsigned int unit);
+    // Evicts textures until the used video memory is below limit, deletes
+    // the unreferenced ones and logs a report.
+    static bool garbageCollect(unsigned long limit);
+
+private:
+    friend struct PVTESTACCESS;
+
+    bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
+    bool flipRows();
+    void buildMipmaps(unsigned int glFormat);
+    void releaseBitmap();
+    void releaseVideoMemory();
+    static void logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit);
+
+    unsigned int id;
+    char filename[PV_TEXTURE_NAME_SIZE];
+    long timeStamp;
+    int references;
+    unsigned char* bitmap;
+    unsigned int sizeX;
+    unsigned int sizeY;
+    unsigned int memorySize;
+    unsigned int format;
+    unsigned int cubeType;
+    unsigned int glId;
+    bool trilinear;
+    bool mipmapped;
+    bool clamped;
+    bool mipmapCharged;
+    PVTEXTURE* previous;
+    PVTEXTURE* next;
+
+    static PVTEXTURE* firstTexture;
+    static unsigned long usedMemory;
+    static char texturePath[PV_TEXTURE_NAME_SIZE];
+    static PVTEXTURE* channelCache[PV_TEXTURE_UNITS];
+    static bool channelActive[PV_TEXTURE_UNITS];
+
+    using Registry = PVREGISTRY<PVTEXTURE, &PVTEXTURE::firstTexture, &PVTEXTURE::previous, &PVTEXTURE::next>;
+};
+
+#endif
