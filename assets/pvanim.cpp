@@ -2,6 +2,7 @@
 // posing of a node tree by bone name.
 #include "assets/pvanim.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -10,6 +11,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfreader.h"
 #include "scene/pvnode.h"
 
 char PVANIM::pvaPath[PV_ANIM_NAME_SIZE] = "";
@@ -23,67 +25,10 @@ const unsigned char pvaMarker = 26;
 // Rotation and position (3 floats each) and the set flag.
 const unsigned int pvaRecordSize = 25;
 
-// Reads little-endian fields from a buffer without ever passing its end; a
-// read that does not fit fails and leaves the cursor where it was.
-class Cursor {
-public:
-    Cursor(const unsigned char* data, unsigned int size) : data(data), size(size) {}
-    unsigned int remaining() const { return size - position; }
-    bool skip(unsigned int count)
-    {
-        if (count > remaining())
-            return false;
-        position += count;
-        return true;
-    }
-    bool readU16(unsigned int& value)
-    {
-        if (remaining() < 2)
-            return false;
-        value = data[position] | (data[position + 1] << 8);
-        position += 2;
-        return true;
-    }
-    bool readFloat(float& value)
-    {
-        if (remaining() < 4)
-            return false;
-        const unsigned int bits = data[position] | (data[position + 1] << 8) | (data[position + 2] << 16) |
-                                  (unsigned(data[position + 3]) << 24);
-        std::memcpy(&value, &bits, sizeof(value));
-        position += 4;
-        return true;
-    }
-    bool readVector(K3MVECTOR3D& value)
-    {
-        return readFloat(value.x) && readFloat(value.y) && readFloat(value.z);
-    }
-    bool readByte(unsigned char& value)
-    {
-        if (remaining() < 1)
-            return false;
-        value = data[position++];
-        return true;
-    }
-    // A NUL-terminated string shorter than capacity, terminator included in the file.
-    bool readString(const char*& text, unsigned int capacity)
-    {
-        const void* end = std::memchr(data + position, 0, remaining());
-        if (!end)
-            return false;
-        const unsigned int length = static_cast<const unsigned char*>(end) - (data + position);
-        if (length >= capacity)
-            return false;
-        text = reinterpret_cast<const char*>(data + position);
-        position += length + 1;
-        return true;
-    }
-
-private:
-    const unsigned char* data;
-    unsigned int size;
-    unsigned int position = 0;
-};
+bool readVector(KVFREADER& reader, K3MVECTOR3D& value)
+{
+    return reader.readFloat(value.x) && reader.readFloat(value.y) && reader.readFloat(value.z);
+}
 
 void writeU16(std::string& out, unsigned int value)
 {
@@ -269,17 +214,18 @@ bool PVANIM::parse(const char* file, const unsigned char* data, unsigned int siz
         kvfLog("   [!] Invalid header in file %s @ PVANIM::load\n", file);
         return false;
     }
-    Cursor cursor(data, size);
-    unsigned int bones = 0, frames = 0;
-    const char* names[PV_ANIM_MAX_BONES];
-    bool intact = cursor.skip(pvaHeaderSize);
+    KVFREADER reader(data, size);
+    uint16_t bones = 0, frames = 0;
+    // Names wait here until the whole file has been checked (one rendering thread).
+    static char names[PV_ANIM_MAX_BONES][PV_ANIM_NAME_SIZE];
+    bool intact = reader.skip(pvaHeaderSize);
     if (intact)
         kvfLog("   Header: %s\n", pvaHeader);
-    intact = intact && cursor.skip(1) && cursor.readU16(bones) && cursor.readU16(frames) &&
+    intact = intact && reader.skip(1) && reader.readU16(bones) && reader.readU16(frames) &&
              bones <= PV_ANIM_MAX_BONES;
     for (unsigned int b = 0; intact && b < bones; b++)
-        intact = cursor.readString(names[b], PV_ANIM_NAME_SIZE);
-    intact = intact && cursor.remaining() / pvaRecordSize >= frames * bones;
+        intact = reader.readString(names[b], PV_ANIM_NAME_SIZE);
+    intact = intact && reader.remaining() / pvaRecordSize >= size_t(frames) * bones;
     if (!intact) {
         kvfLog("   [!] Corrupted file %s @ PVANIM::load\n", file);
         return false;
@@ -295,10 +241,10 @@ bool PVANIM::parse(const char* file, const unsigned char* data, unsigned int siz
     for (unsigned int f = 0; f < frames; f++)
         for (unsigned int b = 0; b < bones; b++) {
             PVBONEFRAME& target = record(f, b);
-            unsigned char flag = 0;
-            cursor.readVector(target.rotation);
-            cursor.readVector(target.position);
-            cursor.readByte(flag);
+            uint8_t flag = 0;
+            readVector(reader, target.rotation);
+            readVector(reader, target.position);
+            reader.readU8(flag);
             target.set = flag != 0;
         }
     return true;
