@@ -2,7 +2,8 @@
 #ifndef PEVRANO_H
 #define PEVRANO_H
 
-// Foundation: log, counted memory, timers, identifiers, key/value parser.
+// Foundation: start-up, log, counted memory, timers, identifiers, key/value parser.
+#include "foundation/kvffoundation.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvftimer.h"

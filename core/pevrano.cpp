@@ -1,9 +1,7 @@
 #include "core/pevrano.h"
 
-#include <cstdlib>
 #include <cstring>
 
-#include <EGL/egl.h>
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
 
@@ -12,6 +10,7 @@
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
+#include "core/pvdisplay.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -62,16 +61,6 @@ template <typename Filter> void renderPassedElementsWhere(Filter accept)
     }
 }
 
-// Without a window system SDL's video cannot start: unless the application
-// chose a driver, SDL then uses its dummy driver and the display is drawn
-// off-screen.
-void chooseVideoDriverWithoutWindowSystem()
-{
-    const char* display = std::getenv("DISPLAY");
-    if ((!display || !*display) && !std::getenv("SDL_VIDEODRIVER"))
-        setenv("SDL_VIDEODRIVER", "dummy", 0);
-}
-
 // Makes frame buffer `index` the render target.
 void renderOnFbo(int index)
 {
@@ -88,7 +77,7 @@ bool PEVRANO::init(PVSETTINGS* settings)
         kvfLog("   [!] PEVRANO already active\n");
         return false;
     }
-    chooseVideoDriverWithoutWindowSystem();
+    PVDISPLAY::prepareVideoDriver();
     if (SDL_Init(SDL_INIT_VIDEO) == -1) {
         kvfLog("   [!] Unable to init SDL_INIT_VIDEO (%s) @ PEVRANO::init\n", SDL_GetError());
         return false;
@@ -378,7 +367,7 @@ bool PEVRANO::swap()
     timerAdjourned = false;
     glFlush();
     glFinish();
-    return eglSwapBuffers(PVSETTINGS::glesDisplay, PVSETTINGS::glesSurface) == EGL_TRUE;
+    return PVSETTINGS::swapBuffers();
 }
 
 void PEVRANO::renderPassedElementsForSelection()

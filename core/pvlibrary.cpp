@@ -2,6 +2,7 @@
 // library is in the process and closes when it leaves, so it covers everything
 // from before PEVRANO::init to after PEVRANO::free.
 #include "core/pevrano.h"
+#include "foundation/kvffoundation.h"
 #include "foundation/kvflog.h"
 
 namespace {

@@ -2,24 +2,19 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 #include "assets/pvanim.h"
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pevrano.h"
+#include "core/pvdisplay.h"
 #include "core/pvopengl.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
 
-// Xlib last: its macros (None, Bool, Status...) stay out of the engine headers.
-#include <EGL/eglext.h>
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
-#include <SDL/SDL_syswm.h>
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
 
 bool PVSETTINGS::active = false;
 char PVSETTINGS::SDLTitle[PV_SETTINGS_STRING_SIZE] = "";
@@ -45,48 +40,18 @@ EGLNativeWindowType PVSETTINGS::window = 0;
 EGLDisplay PVSETTINGS::glesDisplay = EGL_NO_DISPLAY;
 EGLSurface PVSETTINGS::glesSurface = EGL_NO_SURFACE;
 EGLContext PVSETTINGS::glesContext = EGL_NO_CONTEXT;
-bool PVSETTINGS::offscreen = false;
+PVDISPLAY* PVSETTINGS::display = nullptr;
 
 namespace {
 
 // The video mode is always opened with these flags, whatever the settings ask.
 const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
-// Room for this many EGL configurations.
-const int maxConfigs = 32;
 
 // Copies a non-null string shorter than the field; otherwise the field stays.
 void copyIfFits(char* field, const char* value)
 {
     if (value && std::strlen(value) < PV_SETTINGS_STRING_SIZE)
         std::strcpy(field, value);
-}
-
-// Borderless at the top-left corner, above the other windows: the window is
-// moved into the corner of its parent and both the window-manager frame and
-// the full-screen window are raised and flagged "above" for the window manager.
-void placeWindowOnTop(const SDL_SysWMinfo& info, int width, int height)
-{
-    Display* display = info.info.x11.display;
-    info.info.x11.lock_func();
-    XMoveResizeWindow(display, info.info.x11.window, 0, 0, width, height);
-    Atom state = XInternAtom(display, "_NET_WM_STATE", False);
-    Atom above = XInternAtom(display, "_NET_WM_STATE_ABOVE", False);
-    for (Window top : {info.info.x11.wmwindow, info.info.x11.fswindow}) {
-        XChangeProperty(display, top, state, XA_ATOM, 32, PropModeReplace,
-                        reinterpret_cast<unsigned char*>(&above), 1);
-        XEvent event = {};
-        event.xclient.type = ClientMessage;
-        event.xclient.window = top;
-        event.xclient.message_type = state;
-        event.xclient.format = 32;
-        event.xclient.data.l[0] = 1;  // add the state
-        event.xclient.data.l[1] = static_cast<long>(above);
-        XSendEvent(display, DefaultRootWindow(display), False,
-                   SubstructureRedirectMask | SubstructureNotifyMask, &event);
-        XRaiseWindow(display, top);
-    }
-    XSync(display, False);
-    info.info.x11.unlock_func();
 }
 
 }  // namespace
@@ -223,7 +188,7 @@ bool PVSETTINGS::init()
         return false;
     }
     handPathsOn();
-    if (!openWindow() || !openEGL())
+    if (!openWindow())
         return false;
 
     std::strcpy(SDLTitle, title);
@@ -272,9 +237,8 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          Font path   : '%s'\n", fontPath);
 }
 
-// Opens the borderless video mode. Under X11 the window is kept for EGL and
-// placed on top; without a window system (SDL's dummy driver gives no window
-// information) the display is drawn off-screen.
+// Opens the borderless video mode, then the display through the back-end
+// that suits the window SDL opened.
 bool PVSETTINGS::openWindow()
 {
     // Windowed modes open at the top-left corner unless the application asked otherwise.
@@ -284,69 +248,9 @@ bool PVSETTINGS::openWindow()
         kvfLog("   [!] Unsupported video config (%s) @ PVSETTINGS::init\n", SDL_GetError());
         return false;
     }
-    SDL_SysWMinfo info;
-    info.version.major = 1;
-    info.version.minor = 2;
-    info.version.patch = 12;
-    offscreen = SDL_GetWMInfo(&info) != 1 || info.subsystem != SDL_SYSWM_X11;
-    if (offscreen) {
-        window = 0;
-        glesDisplay = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-        return true;
-    }
-    window = static_cast<EGLNativeWindowType>(info.info.x11.window);
-    placeWindowOnTop(info, windowX, windowY);
-    glesDisplay = eglGetDisplay(reinterpret_cast<EGLNativeDisplayType>(info.info.x11.display));
-    return true;
-}
-
-// Display, configuration, surface and context. The configuration must be
-// drawable through the surface kind in use: a window, or a pbuffer of the
-// window's size off-screen.
-bool PVSETTINGS::openEGL()
-{
-    EGLint major = 0;
-    EGLint minor = 0;
-    if (!eglInitialize(glesDisplay, &major, &minor)) {
-        kvfLog("   [!] Unable to initialize EGL @ PVSETTINGS::init\n");
-        return false;
-    }
-    kvfLog("      OpenGL ES %d.%d\n", major, minor);
-
-    const EGLint attributes[] = {EGL_LEVEL, 0, EGL_DEPTH_SIZE, zetaDepth, EGL_SURFACE_TYPE,
-                                 offscreen ? EGL_PBUFFER_BIT : EGL_WINDOW_BIT, EGL_NONE};
-    EGLConfig configs[maxConfigs];
-    EGLint count = 0;
-    if (!eglChooseConfig(glesDisplay, attributes, configs, maxConfigs, &count)) {
-        kvfLog("   [!] Unable to find correct EGL configurations @ PVSETTINGS::init\n");
-        return false;
-    }
-    kvfLog("      Number of available configs: %d\n", count);
-    if (count < 1) {
-        kvfLog("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init\n");
-        return false;
-    }
-    // No colour sizes are asked for: the first configuration is used, and the
-    // colour depth in force is whatever GL then reports for it.
-    const EGLConfig config = configs[0];
-
-    if (offscreen) {
-        const EGLint size[] = {EGL_WIDTH, windowX, EGL_HEIGHT, windowY, EGL_NONE};
-        glesSurface = eglCreatePbufferSurface(glesDisplay, config, size);
-    } else {
-        glesSurface = eglCreateWindowSurface(glesDisplay, config, window, nullptr);
-    }
-    if (glesSurface == EGL_NO_SURFACE) {
-        kvfLog("   [!] Unable to create EGL surface @ PVSETTINGS::init\n");
-        return false;
-    }
-    glesContext = eglCreateContext(glesDisplay, config, EGL_NO_CONTEXT, nullptr);
-    if (glesContext == EGL_NO_CONTEXT) {
-        kvfLog("   [!] Unable to create EGL rendering context\n");
-        return false;
-    }
-    eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext);
-    return true;
+    delete display;
+    display = PVDISPLAY::choose({window, glesDisplay, glesSurface, glesContext});
+    return display->open(windowX, windowY, zetaDepth);
 }
 
 // Colour, depth and stencil bits as GL reports them for the surface in use.
@@ -381,18 +285,15 @@ bool PVSETTINGS::free()
     if (!active)
         return false;
     kvfLog("   Release settings...\n");
-    if (glesDisplay != EGL_NO_DISPLAY) {
-        eglMakeCurrent(glesDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        if (glesContext != EGL_NO_CONTEXT)
-            eglDestroyContext(glesDisplay, glesContext);
-        if (glesSurface != EGL_NO_SURFACE)
-            eglDestroySurface(glesDisplay, glesSurface);
-        eglTerminate(glesDisplay);
-    }
+    display->close();
+    delete display;
+    display = nullptr;
     kvfLog("   Settings released\n");
     active = false;
     return true;
 }
+
+bool PVSETTINGS::swapBuffers() { return display && display->swap(); }
 
 bool PVSETTINGS::resize(int x, int y, int width, int height)
 {

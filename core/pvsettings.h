@@ -9,6 +9,8 @@
 
 #define PV_SETTINGS_STRING_SIZE 256
 
+class PVDISPLAY;
+
 class PVSETTINGS {
     friend class PEVRANO;
 
@@ -107,11 +109,12 @@ private:
     bool init();
     // Releases the EGL context, surface and display.
     static bool free();
+    // Presents the frame drawn; false without a display.
+    static bool swapBuffers();
 
     void logRequestedConfiguration();
     void handPathsOn();
     bool openWindow();
-    bool openEGL();
     static void readBackBitDepths();
     void logConfigurationInUse();
 
@@ -168,8 +171,8 @@ private:
     static EGLDisplay glesDisplay;
     static EGLSurface glesSurface;
     static EGLContext glesContext;
-    // True when no window system is available and EGL draws into a pbuffer.
-    static bool offscreen;
+    // The back-end that made the handles above.
+    static PVDISPLAY* display;
 };
 
 #endif

@@ -1,9 +1,8 @@
 #include "foundation/kvflog.h"
 
-#include "foundation/kvfid.h"
+#include "foundation/kvflogsink.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfplatform.h"
-#include "foundation/kvftimer.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -18,6 +17,8 @@ const size_t messageBytes = 1024;
 FILE* logFile = nullptr;
 bool htmlMode = false;
 bool consoleEcho = true;
+KVFLOGSINK logSink = nullptr;
+void* logSinkContext = nullptr;
 
 // Appends piece to out when it fits whole (terminator included).
 bool appendWhole(char* out, size_t& length, const char* piece) {
@@ -72,26 +73,6 @@ void formatClockTime(char* out, size_t capacity) {
     snprintf(out, capacity, "%u:%u:%u.%u", now.hour, now.minute, now.second, now.millisecond);
 }
 
-bool openLog(const char* logFileName) {
-    if (logFile) return false;
-    logFile = fopen(logFileName, "w");
-    if (!logFile) return false;
-    if (strstr(logFileName, ".html")) {
-        htmlMode = true;
-        kvfLog("<HTML><BODY>");
-    }
-    return true;
-}
-
-void writeStartBanner(const char* timeText) {
-    if (htmlMode)
-        kvfLog("<H4>[%s started at %s]\n<HR ALIGN=CENTER WIDTH=\"100%%\" SIZE=\"2\">\n\n</H4>",
-               KVF_VERSION_STRING, timeText);
-    else
-        kvfLog("[%s started at %s]\n-------------------------------------------------------\n\n",
-               KVF_VERSION_STRING, timeText);
-}
-
 void writeSummary() {
     char timeText[64];
     formatDateTime(timeText, sizeof timeText);
@@ -116,25 +97,33 @@ void writeSummary() {
 
 }  // namespace
 
-bool kvfInit(const char* logFileName) {
-    if (logFileName && !openLog(logFileName)) return false;
-    kvfResetPeakMemory();
-    char timeText[64];
-    formatDateTime(timeText, sizeof timeText);
-    kvfCreateIdTable();
-    kvfResetTimers();
-    writeStartBanner(timeText);
+bool kvfOpenLog(const char* logFileName) {
+    if (logFile || !logFileName) return false;
+    logFile = fopen(logFileName, "w");
+    if (!logFile) return false;
+    if (strstr(logFileName, ".html")) {
+        htmlMode = true;
+        kvfLog("<HTML><BODY>");
+    }
     return true;
 }
 
-bool kvfShutdown() {
-    kvfDestroyIdTable();
-    if (logFile) {
-        writeSummary();
-        fclose(logFile);
-        logFile = nullptr;
-    }
-    return true;
+void kvfLogStartBanner() {
+    char timeText[64];
+    formatDateTime(timeText, sizeof timeText);
+    if (htmlMode)
+        kvfLog("<H4>[%s started at %s]\n<HR ALIGN=CENTER WIDTH=\"100%%\" SIZE=\"2\">\n\n</H4>",
+               KVF_VERSION_STRING, timeText);
+    else
+        kvfLog("[%s started at %s]\n-------------------------------------------------------\n\n",
+               KVF_VERSION_STRING, timeText);
+}
+
+void kvfCloseLog() {
+    if (!logFile) return;
+    writeSummary();
+    fclose(logFile);
+    logFile = nullptr;
 }
 
 bool kvfLog(const char* format, ...) {
@@ -146,6 +135,7 @@ bool kvfLog(const char* format, ...) {
     va_end(arguments);
     echoToConsole(message);
     writeText(message);
+    if (logSink) logSink(message, logSinkContext);
     return true;
 }
 
@@ -181,3 +171,8 @@ bool kvfError(const char* from, const char* detail, const char* format, ...) {
 }
 
 void kvfSetConsoleEcho(bool on) { consoleEcho = on; }
+
+void kvfSetLogSink(KVFLOGSINK sink, void* context) {
+    logSink = sink;
+    logSinkContext = context;
+}

@@ -6,12 +6,13 @@
 // Name the foundation gives itself in the start and end banners.
 #define KVF_VERSION_STRING "Kolvane foundation 0.4"
 
-// Starts the foundation (memory baseline, identifier table, timers) and opens
-// the log; a name containing ".html" selects HTML mode. A null name starts the
-// tables without a log. False if a log is already open or cannot be created.
-bool kvfInit(const char* logFileName);
-// Releases the identifier table, writes the memory summary and closes the log.
-bool kvfShutdown();
+// Opens the log file; a name containing ".html" selects HTML mode. False if a
+// log is already open or the file cannot be created.
+bool kvfOpenLog(const char* logFileName);
+// Writes the start banner with the current date and time.
+void kvfLogStartBanner();
+// Writes the memory summary and the end banner, then closes the log.
+void kvfCloseLog();
 // printf-style message; false when no log is open.
 bool kvfLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // Writes an error record (time, source, message); always returns false.

@@ -15,7 +15,7 @@ build_and_test() {
 }
 
 echo "== tests, off-screen"
-build_and_test "$root/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo
+build_and_test "$root/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DPEVRANO_WERROR=ON
 
 echo "== display tests, under Xvfb"
 # -noreset: by default the server resets whenever its last client leaves and
@@ -27,5 +27,5 @@ echo "== tests with AddressSanitizer and UndefinedBehaviorSanitizer"
 export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:suppressions=$root/tools/asan.supp"
 export LSAN_OPTIONS="suppressions=$root/tools/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
-build_and_test "$root/build-asan" -DCMAKE_BUILD_TYPE=Debug -DPEVRANO_SANITIZE=ON \
+build_and_test "$root/build-asan" -DCMAKE_BUILD_TYPE=Debug -DPEVRANO_SANITIZE=ON -DPEVRANO_WERROR=ON \
   -DPEVRANO_BENCH=OFF -DPEVRANO_EXAMPLES=OFF

@@ -58,56 +58,13 @@ TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
     EXPECT_EQ(PVSHADER::pplOmni, nullptr);
 }
 
-TEST_F(Shaders, NewShaderIsEmptyAndNeverOperative)
+TEST_F(Shaders, NewShaderDefaults)
 {
     PVSHADER shader;
     EXPECT_EQ(shader.getName(), defaultName(shader.getId()));
     EXPECT_STREQ(shader.getVSFilename(), "[none]");
     EXPECT_STREQ(shader.getPSFilename(), "[none]");
-    for (unsigned int slot = 0; slot <= 28; slot++)
-        EXPECT_EQ(shader.getParam(slot), 0u) << slot;
-
-    char vertex[] = "rockVS.glsl";
-    char fragment[] = "rockPS.glsl";
-    EXPECT_TRUE(shader.load(vertex, fragment, false));
-    EXPECT_TRUE(shader.load(nullptr, nullptr, false));
-    EXPECT_TRUE(shader.load(vertex, fragment, true));
     EXPECT_FALSE(shader.isOperative());
-    EXPECT_STREQ(shader.getVSFilename(), "[none]");
-    EXPECT_STREQ(shader.getPSFilename(), "[none]");
-    EXPECT_TRUE(shader.loadVertexShader(vertex, nullptr));
-    EXPECT_TRUE(shader.loadPixelShader(fragment, nullptr));
-    EXPECT_TRUE(shader.render(nullptr));
-    shader.forceDeactivation();
-    EXPECT_FALSE(shader.isOperative());
-    EXPECT_EQ(log.text(), "");
-}
-
-// Cleaning up an empty registry is silent.
-TEST_F(Shaders, RegistryAppendsAtTailAndUnlinks)
-{
-    EXPECT_FALSE(PVSHADER::cleanUp());
-    EXPECT_EQ(PVSHADER::getNumberOfShaders(), 0);
-    EXPECT_EQ(PVSHADER::findByName("[shader 1]"), nullptr);
-    PVSHADER* a = new PVSHADER();
-    PVSHADER* b = new PVSHADER();
-    PVSHADER* c = new PVSHADER();
-    EXPECT_EQ(registry(), (std::vector<PVSHADER*>{a, b, c}));
-    EXPECT_EQ(c->getPrevious(), b);
-    EXPECT_EQ(b->getId(), a->getId() + 1);
-
-    delete b;
-    EXPECT_EQ(registry(), (std::vector<PVSHADER*>{a, c}));
-    EXPECT_EQ(c->getPrevious(), a);
-    delete a;
-    EXPECT_EQ(PVSHADER::getFirst(), c);
-    EXPECT_EQ(c->getPrevious(), nullptr);
-    // Released ids are given out again, lowest first.
-    PVSHADER* d = new PVSHADER();
-    EXPECT_EQ(registry(), (std::vector<PVSHADER*>{c, d}));
-    EXPECT_LT(d->getId(), c->getId());
-    EXPECT_TRUE(PVSHADER::cleanUp());
-    EXPECT_EQ(log.text(), "   2 shader(s) released\n");
 }
 
 TEST_F(Shaders, FindByWholeNameAndById)
@@ -157,29 +114,6 @@ TEST_F(Shaders, EnableDisableAndReset)
     PVSHADER::enable();
     PVSHADER::reset();
     EXPECT_FALSE(PVTESTACCESS::shaderEnabled());
-}
-
-TEST_F(Shaders, NoProgrammablePipelineOnThisTarget)
-{
-    int capability = 0;
-    for (bool (*use)() : {PVSHADER::useSkinning, PVSHADER::usePPL, PVSHADER::useBloom, PVSHADER::useShadows,
-                          PVSHADER::usePassthrough, PVSHADER::useEmitter, PVSHADER::useDOF, PVSHADER::useSkydome,
-                          PVSHADER::useWater, PVSHADER::useTerrain})
-        EXPECT_FALSE(use()) << "capability " << capability++;
-    EXPECT_FALSE(PVTESTACCESS::shaderIsActive());
-
-    PVSHADER shader;
-    char param[] = "lightPos";
-    float values[16] = {};
-    EXPECT_FALSE(shader.bindParam(0, param, false));
-    EXPECT_FALSE(PVSHADER::bindTexture(1));
-    EXPECT_FALSE(PVSHADER::bindBones(4, values, values, 4, 0));
-    EXPECT_FALSE(PVSHADER::unbindBones());
-    EXPECT_FALSE(PVSHADER::bindSizes(1024, 1024));
-    EXPECT_FALSE(PVSHADER::bindLuminanceAndExposure(1.0f, 1.0f));
-    EXPECT_FALSE(PVSHADER::bindFocusAndRange(1.0f, 2.0f));
-    EXPECT_FALSE(PVSHADER::bindNearAndFarPlane(1.0f, 1024.0f));
-    EXPECT_EQ(log.text(), "");
 }
 
 TEST_F(Shaders, PathDefaultsEmptyAndNullClearsIt)

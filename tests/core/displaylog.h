@@ -1,64 +1,16 @@
-// Helpers of the display tests: expected log lines, some literal and some
-// matched by a pattern (what depends on the platform: GL strings, EGL version,
+// Expected log lines of the display tests, some literal and some matched by
+// a pattern (what depends on the platform: GL strings, EGL version,
 // the colour bits of the surface chosen), and the engine's start/stop lines.
 #ifndef PEVRANO_TESTS_CORE_DISPLAYLOG_H
 #define PEVRANO_TESTS_CORE_DISPLAYLOG_H
 
 #include <cstdlib>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include "support/logmatch.h"
 
 namespace pvtest {
-
-struct LogLine {
-    enum Kind { EXACT, PATTERN, PREFIX } kind;
-    std::string text;
-};
-inline LogLine exact(const std::string& text) { return {LogLine::EXACT, text}; }
-inline LogLine like(const std::string& pattern) { return {LogLine::PATTERN, pattern}; }
-inline LogLine startingWith(const std::string& prefix) { return {LogLine::PREFIX, prefix}; }
-
-inline std::vector<std::string> splitLines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    std::string line;
-    while (std::getline(stream, line))
-        lines.push_back(line);
-    return lines;
-}
-
-// The log text, line by line, against the expected lines (nothing more, nothing less).
-inline void expectLog(const std::string& text, const std::vector<LogLine>& expected)
-{
-    const std::vector<std::string> lines = splitLines(text);
-    ASSERT_EQ(lines.size(), expected.size()) << text;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const LogLine& want = expected[i];
-        switch (want.kind) {
-        case LogLine::EXACT:
-            EXPECT_EQ(lines[i], want.text) << "line " << i;
-            break;
-        case LogLine::PATTERN:
-            EXPECT_TRUE(std::regex_match(lines[i], std::regex(want.text)))
-                << "line " << i << ": '" << lines[i] << "' against " << want.text;
-            break;
-        case LogLine::PREFIX:
-            EXPECT_EQ(lines[i].compare(0, want.text.size(), want.text), 0) << "line " << i << ": " << lines[i];
-            break;
-        }
-    }
-    EXPECT_EQ(text.empty() ? '\n' : text.back(), '\n');
-}
-
-inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
-{
-    to.insert(to.end(), lines.begin(), lines.end());
-}
 
 // True when the tests run against an X server (SDL's X11 window path).
 inline bool onX11()

@@ -15,6 +15,7 @@
 #include "core/pvopengl.h"
 #include "enginefixture.h"
 #include "scene/pvlight.h"
+#include "support/pixels.h"
 #include "support/testaccess.h"
 
 namespace {
@@ -27,47 +28,31 @@ const std::string W = "15728640";
 const std::string H = "20971520";
 const std::string ninety = "5898240";
 
-struct Rgba {
-    int r, g, b;
-};
+using pvtest::Rgb;
 
-Rgba pixelAt(int x, int y)
+void expectColour(int x, int y, const Rgb& want)
 {
-    GLubyte p[4] = {0, 0, 0, 0};
-    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p);
-    return {p[0], p[1], p[2]};
-}
-
-// A 5-6-5 surface keeps 5 or 6 bits per channel: a few levels of tolerance.
-bool near(const Rgba& got, const Rgba& want)
-{
-    return std::abs(got.r - want.r) <= 8 && std::abs(got.g - want.g) <= 8 && std::abs(got.b - want.b) <= 8;
-}
-
-void expectColour(int x, int y, const Rgba& want)
-{
-    const Rgba got = pixelAt(x, y);
-    EXPECT_TRUE(near(got, want)) << "(" << x << ", " << y << "): " << got.r << ", " << got.g << ", " << got.b;
+    pvtest::expectColour(want, pvtest::pixelAt(x, y), "(" + std::to_string(x) + ", " + std::to_string(y) + ")");
 }
 
 // Every pixel of the 240 x 320 window has the colour, except the one at (x, y)
 // that has the other colour.
-void expectWindow(const Rgba& colour, int x = -1, int y = -1, const Rgba& other = {})
+void expectWindow(const Rgb& colour, int x = -1, int y = -1, const Rgb& other = {})
 {
     std::vector<GLubyte> p(240 * 320 * 4);
     glReadPixels(0, 0, 240, 320, GL_RGBA, GL_UNSIGNED_BYTE, p.data());
     int wrong = 0;
     for (int i = 0; i < 240 * 320; ++i) {
-        const Rgba want = (i == y * 240 + x) ? other : colour;
-        wrong += !near({p[4 * i], p[4 * i + 1], p[4 * i + 2]}, want);
+        const Rgb want = (i == y * 240 + x) ? other : colour;
+        wrong += !pvtest::colourNear(want, {p[4 * i] / 255.0, p[4 * i + 1] / 255.0, p[4 * i + 2] / 255.0});
     }
     EXPECT_EQ(wrong, 0);
 }
 
-const Rgba red = {255, 0, 0};
-const Rgba blue = {0, 0, 255};
-const Rgba yellow = {255, 255, 0};
-const Rgba black = {0, 0, 0};
+const Rgb red = {1, 0, 0};
+const Rgb blue = {0, 0, 1};
+const Rgb yellow = {1, 1, 0};
+const Rgb black = {0, 0, 0};
 
 // Draws an axis-aligned red rectangle in the current (2D) projection.
 void drawRectangle(float left, float top, float right, float bottom)
@@ -157,7 +142,7 @@ TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
     PVOPENGL::setBackgroundColor(0.25f, 0.5f, 0.75f, 1.0f);
     EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, true, true)); }),
               Calls{"glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)"});
-    expectWindow({64, 128, 191});
+    expectWindow({0.25, 0.5, 0.75});
 
     PVOPENGL::setBackgroundColor(1.0f, 1.0f, 1.0f, 1.0f);
     EXPECT_EQ(record([] {
@@ -166,9 +151,9 @@ TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
                   EXPECT_TRUE(PEVRANO::clear(false, false, true));
               }),
               (Calls{"glClear(GL_DEPTH_BUFFER_BIT)", "glClear(GL_STENCIL_BUFFER_BIT)"}));
-    expectWindow({64, 128, 191});
+    expectWindow({0.25, 0.5, 0.75});
     EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, false, false)); }), Calls{"glClear(GL_COLOR_BUFFER_BIT)"});
-    expectWindow({255, 255, 255});
+    expectWindow({1, 1, 1});
 }
 
 // begin2D sets the interface state and a projection of one unit per pixel

@@ -11,54 +11,14 @@
 
 #include "core/pvgl.h"
 #include "support/glfixture.h"
+#include "support/viewmath.h"
 
 namespace {
 
 using Matrix = std::array<float, 16>;
 using pvtest::Calls;
 
-Matrix identity()
-{
-    Matrix m{};
-    m[0] = m[5] = m[10] = m[15] = 1.0f;
-    return m;
-}
-
-// The engine's product order: C[4c + r] = sum over k of A[4c + k] * B[4k + r].
-Matrix product(const Matrix& a, const Matrix& b)
-{
-    Matrix c{};
-    for (int col = 0; col < 4; col++)
-        for (int row = 0; row < 4; row++) {
-            double sum = 0.0;
-            for (int k = 0; k < 4; k++)
-                sum += double(a[4 * col + k]) * b[4 * k + row];
-            c[4 * col + row] = float(sum);
-        }
-    return c;
-}
-
-Matrix translation(float x, float y, float z)
-{
-    Matrix m = identity();
-    m[12] = x;
-    m[13] = y;
-    m[14] = z;
-    return m;
-}
-
-// Rotation about a unit axis a as the GL reference pages define it:
-// (1 - c) a a^T + c I + s [a]x, element (row, col) stored at 4 * col + row.
-Matrix rotation(double degrees, double x, double y, double z)
-{
-    const double r = degrees * M_PI / 180.0, c = cos(r), s = sin(r), a[3] = {x, y, z};
-    const double cross[3][3] = {{0, -z, y}, {z, 0, -x}, {-y, x, 0}};
-    Matrix m = identity();
-    for (int row = 0; row < 3; row++)
-        for (int col = 0; col < 3; col++)
-            m[4 * col + row] = float(a[row] * a[col] * (1 - c) + (row == col ? c : 0) + s * cross[row][col]);
-    return m;
-}
+using pvtest::Mat4;
 
 Matrix shadow(int which)
 {
@@ -75,10 +35,9 @@ Matrix glMatrix(GLenum which)
     return m;
 }
 
-void expectMatrixNear(const Matrix& actual, const Matrix& expected, float tolerance, const char* what)
+void expectMatrixNear(const Matrix& actual, const Mat4& expected, double tolerance, const char* what)
 {
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(actual[i], expected[i], tolerance) << what << ", element " << i;
+    pvtest::expectMatrixNear(expected, actual.data(), what, tolerance);
 }
 
 using GlWrapper = pvtest::GlContextTest;
@@ -129,7 +88,7 @@ TEST_F(GlWrapper, LoadMatrixSendsFixedValuesAndKeepsFloats)
               (Calls{"glMatrixMode(GL_MODELVIEW)",
                      "glLoadMatrixx({32768,-98304,131071,0,65536,131072,-16384,0,196608,0,65536,0,655360,-1310720,"
                      "1998848,65536})"}));
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), m, 0.0f, "shadow keeps the floats");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::fromGl(m.data()), 0.0f, "shadow keeps the floats");
 }
 
 TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
@@ -149,7 +108,7 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
                             "glMultMatrixx({131072,0,0,0,0,32768,0,0,0,16384,65536,0,-81920,262144,0,65536})"}));
 
     // Each operation X makes the top X * top.
-    Matrix expected = product(m, product(rotation(30.0, 0.6, 0.0, 0.8), translation(1, -2, 3)));
+    const Mat4 expected = Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
     expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
     // GL, fed the same operations in fixed point, holds the same matrix.
     expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
@@ -161,9 +120,9 @@ TEST_F(GlWrapper, OrthoShadowMatchesGl)
     PV_glLoadIdentity();
     PV_glOrtho(0.0f, 240.0f, 320.0f, 0.0f, -1.0f, 1.0f);
 
-    const Matrix expected = {2.0f / 240, 0, 0, 0, 0, -2.0f / 320, 0, 0, 0, 0, -1, 0, -1, 1, 0, 1};
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), expected, 1e-6f, "shadow");
-    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), expected, 1e-5f, "GL projection");
+    const float expected[16] = {2.0f / 240, 0, 0, 0, 0, -2.0f / 320, 0, 0, 0, 0, -1, 0, -1, 1, 0, 1};
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(expected), 1e-6f, "shadow");
+    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::fromGl(expected), 1e-5f, "GL projection");
 }
 
 TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
@@ -176,11 +135,11 @@ TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
     // Shadow: no factor n on the diagonal, off-diagonal terms in 2, 6 and 11:
     // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
     // -(f+n)/(f-n) = -12/8, -2fn/(f-n) = -40/8, -1 in 14.
-    const Matrix shadowExpected = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), shadowExpected, 1e-6f, "shadow");
+    const float shadowExpected[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f, "shadow");
     // GL's own frustum: 2n/(r-l), 2n/(t-b), (r+l)/(r-l) in 8, -1 in 11, -2fn/(f-n) in 14.
-    const Matrix glExpected = {4.0f / 3, 0, 0, 0, 0, 2, 0, 0, 1.0f / 3, 0, -1.5f, -1, 0, 0, -5, 0};
-    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), glExpected, 1e-4f, "GL projection");
+    const float glExpected[16] = {4.0f / 3, 0, 0, 0, 0, 2, 0, 0, 1.0f / 3, 0, -1.5f, -1, 0, 0, -5, 0};
+    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::fromGl(glExpected), 1e-4f, "GL projection");
 }
 
 TEST_F(GlWrapper, PushCopiesTopAndPopRestoresIt)
@@ -189,11 +148,11 @@ TEST_F(GlWrapper, PushCopiesTopAndPopRestoresIt)
     PV_glLoadIdentity();
     PV_glTranslatef(1.0f, 2.0f, 3.0f);
     PV_glPushMatrix();
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), translation(1, 2, 3), 0.0f, "after push");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(1, 2, 3), 0.0f, "after push");
     PV_glTranslatef(1.0f, 0.0f, 0.0f);
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), translation(2, 2, 3), 0.0f, "changed copy");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(2, 2, 3), 0.0f, "changed copy");
     PV_glPopMatrix();
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), translation(1, 2, 3), 0.0f, "after pop");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(1, 2, 3), 0.0f, "after pop");
     EXPECT_EQ(log.text(), "");
 }
 
@@ -212,8 +171,8 @@ TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
               Calls(32, "glPushMatrix()"));
     EXPECT_EQ(log.text(), "   [!] Stack overflow in glWrapper\n");
     // The deepest push leaves the projection stack alone.
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), translation(7, 8, 9), 0.0f, "projection");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), identity(), 0.0f, "model-view top");
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(7, 8, 9), 0.0f, "projection");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
 
     // The last pop finds the stack at depth zero: only a warning.
     EXPECT_EQ(record([] {
@@ -236,16 +195,16 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
                   PV_glTranslatef(5.0f, 0.0f, 0.0f);
               }),
               (Calls{"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), translation(5, 0, 0), 0.0f, "projection follows");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), identity(), 0.0f, "model-view untouched");
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f, "projection follows");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
-    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), identity(), 0.0f, "GL projection");
+    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
 }
 
 TEST_F(GlWrapper, ShadowStacksStartZeroedAndAreReadByStackIndexOnly)
 {
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Matrix{}, 0.0f, "model-view");
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Matrix{}, 0.0f, "projection");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4{}, 0.0f, "model-view");
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4{}, 0.0f, "projection");
     PV_glMatrixMode(GL_MODELVIEW);
     PV_glLoadIdentity();
     Matrix untouched;
@@ -255,7 +214,7 @@ TEST_F(GlWrapper, ShadowStacksStartZeroedAndAreReadByStackIndexOnly)
         PV_glGetFloatv(which, out.data());
         EXPECT_EQ(out, untouched) << which;
     }
-    EXPECT_EQ(shadow(PV_GL_MODELVIEW_STACK), identity());
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view");
 }
 
 }  // namespace

@@ -47,48 +47,19 @@ TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
     EXPECT_EQ(describe(settings), defaults);
 }
 
-TEST(Settings, SettersStoreEveryFieldAndIgnoreStringsThatDoNotFit)
+TEST(Settings, StringsThatDoNotFitAreIgnored)
 {
     PVSETTINGS s;
     s.setTitle("Game");
-    s.setWindowX(480);
-    s.setWindowY(640);
-    s.setColorDepth(24);
-    s.setZetaDepth(24);
-    s.setStencilDepth(8);
-    s.setFullScreen(false);
-    s.setResizable(true);
-    s.setLandscape(true);
-    s.setCAVESplashScreen(true);
-    s.setAudioChannels(1);
-    s.setAudioBuffers(2);
-    s.setAudioElements(3);
-    s.setRenderingElements(4);
-    s.setShaders(true);
-    s.setShadowMapSize(5);
-    s.setFBOSizeX(6);
-    s.setFBOSizeY(7);
-    s.setWaterSize(8);
-    s.setForceFBO(true);
     s.setPVEPath("a/");
-    s.setPVAPath("b/");
-    s.setMPGPath("c/");
-    s.setTexturePath("d/");
-    s.setShaderPath("e/");
-    s.setFontPath("f/");
-    const std::string expected =
-        "title=Game x=480 y=640 depth=24 zeta=24 stencil=8 full=0 resizable=1 landscape=1 cave=1 "
-        "audio=1,2,3 elems=4 shaders=1 shadow=5 fbo=6,7 water=8 forceFBO=1 "
-        "pve=a/ pva=b/ mpg=c/ texture=d/ shader=e/ font=f/";
-    EXPECT_EQ(describe(s), expected);
-
+    const std::string before = describe(s);
     const std::string tooLong(300, 'x');
     const std::string longest(255, 'y');
     s.setTitle(tooLong.c_str());
     s.setPVEPath(tooLong.c_str());
     s.setFontPath(std::string(256, 'z').c_str());
     s.setPVAPath(nullptr);
-    EXPECT_EQ(describe(s), expected);
+    EXPECT_EQ(describe(s), before);
     s.setTexturePath(longest.c_str());
     EXPECT_EQ(std::string(s.getTexturePath()), longest);
 }
@@ -142,8 +113,8 @@ TEST_F(SettingsFile, KeysFollowTheParserRules)
               "pve=models/ pva= mpg= texture=textures/ shader=a\"b font=\"fonts/");
 }
 
-// The file's values reach the display: the requested block of the log, the
-// configuration in force, and the folders handed on to the engine and shaders.
+// The file's values reach the display: the configuration in force, and the
+// folders handed on to the engine and shaders.
 TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
 {
     pvtest::writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
@@ -152,16 +123,6 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
     PVSETTINGS s;
     ASSERT_TRUE(s.load("small.cfg"));
     start(s);
-    const std::string text = log.text();
-    EXPECT_NE(text.find("      Configuration to set:\n          X: 160, Y: 120\n"
-                        "          depth: 24, zeta: 16, stencil: 0\n          title: 'Small'\n"
-                        "          fullscreen: 1\n          resizable : 0\n          landscape : 1\n"
-                        "          shaders: 0\n          max elems: 64\n"),
-              std::string::npos) << text;
-    EXPECT_NE(text.find("          PVE path    : 'scenes/'\n          PVA path    : ''\n"
-                        "          Texture path: ''\n          Shader path : 'shaders/'\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("      Configuration used:\n          SizeX: 160, SizeY: 120\n"), std::string::npos);
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
     EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
@@ -207,17 +168,7 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_TRUE(PVSETTINGS::isSDLResizable());
     EXPECT_FALSE(PVSETTINGS::isSDLLandscape());
     EXPECT_TRUE(PVSETTINGS::getSDLShaders());
-    PVSETTINGS::forceShadersOff();
-    EXPECT_FALSE(PVSETTINGS::getSDLShaders());
-    PVSETTINGS::forceShadersOn();
-    EXPECT_TRUE(PVSETTINGS::getSDLShaders());
-
     EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
-    EXPECT_EQ((std::vector<int>{PVSETTINGS::getSDLShadowMapSize(), PVSETTINGS::getSDLFBOSizeX(),
-                                PVSETTINGS::getSDLFBOSizeY(), PVSETTINGS::getSDLWaterSize(),
-                                PVSETTINGS::getKVAAudioChannels(), PVSETTINGS::getKVAAudioBuffers(),
-                                PVSETTINGS::getKVAAudioElements()}),
-              std::vector<int>(7, 0));
     EXPECT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PVSETTINGS::isActive());
 }

@@ -78,9 +78,9 @@ TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen) {
 
 TEST(Log, ClosedLogWritesNothingAnywhere) {
     ScratchDir dir;
-    LogCapture capture;
+    restartLog("closed.txt");
     kvfShutdown();
-    std::string closedLog = capture.whole();
+    std::string closedLog = readFile("closed.txt");
     StdoutCapture out;
     kvfSetConsoleEcho(true);
     EXPECT_FALSE(kvfLog("lost %d\n", 1));
@@ -88,7 +88,7 @@ TEST(Log, ClosedLogWritesNothingAnywhere) {
     EXPECT_FALSE(kvfError("PVTEXTURE::load", "", "bad header"));
     kvfSetConsoleEcho(false);
     EXPECT_EQ(out.text(), "ERROR\n   from: PVTEXTURE::load - Error\n   text: bad header\n");
-    EXPECT_EQ(capture.whole(), closedLog);
+    EXPECT_EQ(readFile("closed.txt"), closedLog);
 }
 
 TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem) {

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "support/logmatch.h"
 #include "support/scratch.h"
 
 using namespace pvtest;

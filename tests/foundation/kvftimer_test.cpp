@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "support/logmatch.h"
 #include "support/scratch.h"
 
 using namespace pvtest;

@@ -12,20 +12,10 @@
 #include <string>
 #include <unistd.h>
 
+#include "support/logmatch.h"
 #include "support/scratch.h"
 
 namespace pvtest {
-
-// The text as a regular expression matching exactly itself.
-inline std::string literal(const std::string& text) {
-    static const std::string special = "\\^$.|?*+()[]{}";
-    std::string out;
-    for (char c : text) {
-        if (special.find(c) != std::string::npos) out += '\\';
-        out += c;
-    }
-    return out;
-}
 
 // Date and time as the banners print them: day/month/year h:m:s.ms, no zeros added.
 const std::string dateTimePattern =
@@ -91,10 +81,6 @@ inline void restartLog(const char* name) {
     kvfShutdown();
     kvfSetConsoleEcho(false);
     ASSERT_TRUE(kvfInit(name));
-}
-
-inline bool matchesWhole(const std::string& text, const std::string& pattern) {
-    return std::regex_match(text, std::regex(pattern));
 }
 
 // Redirects standard output into a file for its lifetime.

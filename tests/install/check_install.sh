@@ -17,6 +17,23 @@ cmake --build "$build" --target pevrano >/dev/null
 cmake --install "$build" --prefix "$prefix" >/dev/null
 [ -f "$prefix/include/pevrano/pevrano.h" ] || fail "pevrano.h not installed"
 
+# The installed headers are exactly pevrano.h and what it includes, directly or
+# not: internal headers stay out, and nothing it needs is missing.
+include_dir="$prefix/include/pevrano"
+declare -A reached=()
+pending=(pevrano.h)
+while [ ${#pending[@]} -gt 0 ]; do
+  header=${pending[0]}
+  pending=("${pending[@]:1}")
+  [ -z "${reached[$header]:-}" ] || continue
+  reached[$header]=1
+  [ -f "$include_dir/$header" ] || fail "$header is included but not installed"
+  while IFS= read -r next; do pending+=("$next"); done < <(sed -n 's/^#include "\(.*\)"$/\1/p' "$include_dir/$header")
+done
+installed=$(cd "$include_dir" && find . -type f | sed 's|^\./||' | sort)
+wanted=$(printf '%s\n' "${!reached[@]}" | sort)
+[ "$installed" = "$wanted" ] || fail "installed headers are not those pevrano.h reaches: $(diff <(echo "$wanted") <(echo "$installed") || true)"
+
 mkdir -p "$work/app"
 cat > "$work/app/main.cpp" <<'CPP'
 #include <pevrano.h>

@@ -1,13 +1,16 @@
 // Matrix: storage order, product order, inverse, rotations, quaternion and
-// Euler conversions. References are written here in plain row/column terms
-// or taken from closed forms; element m[4c + r] is row r, column c.
+// Euler conversions, against the textbook transforms or closed forms;
+// element m[4c + r] is row r, column c.
 #include "math/k3mmatrix.h"
 #include "math_expect.h"
+#include "support/viewmath.h"
 
 #include <cmath>
 
 using mathtest::axisAngle;
 using mathtest::RAD;
+using pvtest::expectMatrixNear;
+using pvtest::Mat4;
 
 namespace {
 
@@ -18,32 +21,6 @@ K3MMATRIX counting(float first)
     for (int i = 0; i < 16; i++)
         v[i] = first + float(i);
     return K3MMATRIX(v);
-}
-
-// GL-style product X.Y of column-major matrices: (XY)[r][c] = sum_k X[r][k] Y[k][c].
-void columnMajorProduct(const float *x, const float *y, float *out)
-{
-    for (int r = 0; r < 4; r++)
-        for (int c = 0; c < 4; c++) {
-            double sum = 0;
-            for (int k = 0; k < 4; k++)
-                sum += double(x[4 * k + r]) * y[4 * c + k];
-            out[4 * c + r] = float(sum);
-        }
-}
-
-// Column-major rotation of angle radians about a unit axis (Rodrigues).
-void rodrigues(double angle, double x, double y, double z, float *out)
-{
-    double c = std::cos(angle), s = std::sin(angle), t = 1 - c;
-    double rows[3][3] = {{t * x * x + c, t * x * y - s * z, t * x * z + s * y},
-                         {t * x * y + s * z, t * y * y + c, t * y * z - s * x},
-                         {t * x * z - s * y, t * y * z + s * x, t * z * z + c}};
-    for (int i = 0; i < 16; i++)
-        out[i] = (i == 15) ? 1.0f : 0.0f;
-    for (int r = 0; r < 3; r++)
-        for (int col = 0; col < 3; col++)
-            out[4 * col + r] = float(rows[r][col]);
 }
 
 }  // namespace
@@ -96,12 +73,9 @@ TEST(Matrix, ProductAppliesRightOperandAfterLeft)
     EXPECT_EQ(696.0f, c.m[7]);
     EXPECT_EQ(1412.0f, c.m[13]);
     // Whole product: B.A in GL terms.
-    float expected[16];
-    columnMajorProduct(b.m, a.m, expected);
-    EXPECT_TRUE(mathtest::nearArray(c.m, expected, 16, 0.0));
-    K3MMATRIX other = b * a;
-    columnMajorProduct(a.m, b.m, expected);
-    EXPECT_TRUE(mathtest::nearArray(other.m, expected, 16, 0.0));
+    const Mat4 ga = Mat4::fromGl(a.m), gb = Mat4::fromGl(b.m);
+    expectMatrixNear(gb * ga, c.m, "a * b", 0.0);
+    expectMatrixNear(ga * gb, (b * a).m, "b * a", 0.0);
 
     // A child translation followed by its parent's rotation of 90 degrees about z.
     K3MMATRIX child, parent;
@@ -198,10 +172,8 @@ TEST(Matrix, AxisAngleRotation)
     const double ax = 2 / len, ay = -3 / len, az = 4 / len;
     K3MMATRIX m = counting(1);
     m.setRotation(-70, float(ax), float(ay), float(az));
-    float expected[16];
-    rodrigues(-70 * RAD, ax, ay, az, expected);
     // Translation and bottom row are cleared, m[15] = 1.
-    EXPECT_TRUE(mathtest::nearArray(m.m, expected, 16, 1e-6));
+    expectMatrixNear(Mat4::rotation(-70, ax, ay, az), m.m, "axis-angle", 1e-6);
 
     // (1, 1, 1) turned by 120 degrees cycles the axes.
     const float k = float(1 / std::sqrt(3.0));
@@ -240,9 +212,7 @@ TEST(MatrixQuaternion, FromQuaternionIsTheInverseRotation)
     const double ax = 1 / len, ay = 2 / len, az = -1 / len;
     K3MMATRIX m = counting(1);
     K3MMATRIX returned = m.fromQuaternion(axisAngle(50 * RAD, ax, ay, az));
-    float expected[16];
-    rodrigues(-50 * RAD, ax, ay, az, expected);
-    EXPECT_TRUE(mathtest::nearArray(m.m, expected, 16, 1e-6));
+    expectMatrixNear(Mat4::rotation(-50, ax, ay, az), m.m, "from quaternion", 1e-6);
     EXPECT_TRUE(mathtest::nearArray(returned.m, m.m, 16, 0.0));
 
     // By the formula, exactly: (1, 2, 3, 4) unnormalised.

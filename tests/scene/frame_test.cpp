@@ -69,7 +69,7 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
     PEVRANO::end3D(false);
     EXPECT_EQ(before + 1, mesh->getTimeStamp());
     EXPECT_EQ((std::vector<PVNODE*>{light, mesh, glass}), drawn);
-    expectMatrixNear(Mat4::translation(1, 2, -13), drawnMatrices[1], "mesh seen from (0, 0, 10)", 1e-5);
+    expectMatrixNear(Mat4::translation(1, 2, -13), drawnMatrices[1].m, "mesh seen from (0, 0, 10)", 1e-5);
 
     // The next frame starts an empty list; without a camera a default one
     // (at the origin) gives the view.
@@ -118,7 +118,7 @@ TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
     PEVRANO::end3D(false);
     ASSERT_EQ((std::vector<PVNODE*>{dome}), drawn);
     // The camera's inverse rotation, then the sky's own; no translation.
-    expectMatrixNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0], "skybox", 1e-5);
+    expectMatrixNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0].m, "skybox", 1e-5);
     PEVRANO::setSkybox(nullptr);
 }
 

@@ -108,10 +108,8 @@ protected:
     void start(unsigned int n)
     {
         ASSERT_TRUE(PVELEMENT::init(n));
-        consume();
+        log.fresh();
     }
-
-    pvtest::NewLogLines consume{log};
 };
 
 TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
@@ -135,7 +133,7 @@ TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
               "   [!] Already active @ PVELEMENT::init\n"
               "   1024 elements allocated\n"
               "   7 elements allocated\n",
-              consume());
+              log.fresh());
 }
 
 TEST_F(RenderList, AFullListStopsTheSubtree)
@@ -149,7 +147,7 @@ TEST_F(RenderList, AFullListStopsTheSubtree)
     EXPECT_TRUE(root->pass(false));
     EXPECT_EQ((std::vector<PVNODE*>{m1, m2}), passedNodes());
     EXPECT_EQ(nullptr, PVELEMENT::getPassedElement(2));
-    EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n", consume());
+    EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n", log.fresh());
     EXPECT_EQ(PEVRANO::getTimeStamp(), m3->getTimeStamp());
     EXPECT_EQ(0, below->getTimeStamp());  // never visited
 
@@ -157,7 +155,7 @@ TEST_F(RenderList, AFullListStopsTheSubtree)
     EXPECT_FALSE(PVELEMENT::pass(nullptr, false));
     EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n"
               "   [!] Invalid params @ PVELEMENT::pass\n",
-              consume());
+              log.fresh());
 
     PVELEMENT::reset();
     EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
@@ -187,19 +185,19 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     const Mat4 meshView = view * pvtest::localTransform(rootPos, {0, 0, 0}, rootRot) *
                           pvtest::localTransform(meshPos, meshOrigin, meshRot);
     PVELEMENT* record = PVELEMENT::getPassedElement(0);
-    expectMatrixNear(meshView, *record->getMatrix(), "mesh record");
-    expectMatrixNear(meshView, *mesh->getCachedMatrix(), "mesh cached matrix");
+    expectMatrixNear(meshView, record->getMatrix()->m, "mesh record");
+    expectMatrixNear(meshView, mesh->getCachedMatrix()->m, "mesh cached matrix");
     EXPECT_EQ(4242u, record->getAuxId());
     EXPECT_EQ(nullptr, record->getNearestLight(0));
     expectMatrixNear(meshView * Mat4::translation(0, 0, 5),
-                     *PVELEMENT::getPassedElement(1)->getMatrix(), "leaf under a plain node");
+                     PVELEMENT::getPassedElement(1)->getMatrix()->m, "leaf under a plain node");
     for (TestNode* node : {root, mesh, plain, leaf})
         EXPECT_EQ(PEVRANO::getTimeStamp(), node->getTimeStamp()) << node->getName();
 
     K3MMATRIX after;
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, after.m);
-    expectMatrixNear(view, after, "current matrix after the pass");
-    EXPECT_EQ("", consume());
+    expectMatrixNear(view, after.m, "current matrix after the pass");
+    EXPECT_EQ("", log.fresh());
 }
 
 TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
@@ -227,7 +225,7 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
     EXPECT_EQ(" (clipped) far at distance 200.00\n"
               " (clipped) edge at distance 334.52\n"
               " (clipped) helper at distance 149.00\n",
-              consume());
+              log.fresh());
 
     PVELEMENT::reset();
     PVELEMENT::setClippingRadius(400);
@@ -240,7 +238,7 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
     EXPECT_FALSE(PVELEMENT::isClipping());
     root->pass(false);
     EXPECT_EQ(7u, PVELEMENT::getNumberOfPassedElements());
-    EXPECT_EQ("", consume());
+    EXPECT_EQ("", log.fresh());
 }
 
 TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
@@ -266,7 +264,7 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     window->pass(false);
     EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
     EXPECT_EQ(0, body->getTimeStamp());
-    expectMatrixNear(Mat4::translation(12, 22, 0), *PVELEMENT::getPassedElement(2)->getMatrix(),
+    expectMatrixNear(Mat4::translation(12, 22, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m,
                      "icon");
 
     PVELEMENT::reset();
@@ -280,7 +278,7 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     window->minimized = true;
     EXPECT_TRUE(window->pass(false));  // no first child to pass
     EXPECT_EQ((std::vector<PVNODE*>{window}), passedNodes());
-    EXPECT_EQ("", consume());
+    EXPECT_EQ("", log.fresh());
 }
 
 TEST_F(RenderList, CountsLightsAndTransparencies)
@@ -530,7 +528,7 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
     for (size_t i = 1; i < order.size(); i++)
         ASSERT_LT(static_cast<TestNode*>(order[i - 1])->foremost, static_cast<TestNode*>(order[i])->foremost)
             << "at " << i;
-    EXPECT_EQ("", consume());
+    EXPECT_EQ("", log.fresh());
 }
 
 // A depth that is not a number (here a broken radius) leaves the sorts

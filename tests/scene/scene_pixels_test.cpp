@@ -12,6 +12,7 @@
 #include <pevrano.h>
 
 #include "scene/scenefixture.h"
+#include "scene/scenetestnode.h"
 #include "support/quadnode.h"
 
 using namespace pvtest;
@@ -57,22 +58,27 @@ protected:
         pvtest::expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
     }
 
-    // The quad covers the projection of its centre and the points 80% of the
-    // way to each projected corner; 125% of the way lies outside it.
-    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour, const std::string& what)
+    // The quad placed by model covers the projection of its centre and the
+    // points 80% of the way to each projected corner; 125% of the way lies
+    // outside it.
+    void expectPlacedQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
+                            const std::string& what)
     {
-        const ScreenPoint mid = project(view, centre);
+        const ScreenPoint mid = project(view, model.transformPoint({0, 0, 0}));
         expectColour(colour, mid, what + ", centre");
         const double corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
         for (const auto& c : corners) {
-            const ScreenPoint corner =
-                project(view, {centre.x + c[0] * halfSize, centre.y + c[1] * halfSize, centre.z});
+            const ScreenPoint corner = project(view, model.transformPoint({c[0] * halfSize, c[1] * halfSize, 0}));
             const ScreenPoint inside = {mid.x + 0.8 * (corner.x - mid.x), mid.y + 0.8 * (corner.y - mid.y)};
             const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x), mid.y + 1.25 * (corner.y - mid.y)};
             ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
             expectColour(colour, inside, what + ", inside a corner");
             expectColour({0, 0, 0}, outside, what + ", beyond a corner");
         }
+    }
+    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour, const std::string& what)
+    {
+        expectPlacedQuadOnScreen(view, Mat4::translation(centre.x, centre.y, centre.z), halfSize, colour, what);
     }
 
     PVNODE* root = nullptr;
@@ -130,20 +136,25 @@ TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
     PVOPENGL::setGlobalAmbientLight(0.1f, 0.15f, 0.05f, 1.0f);
     PVLIGHT* light = new PVLIGHT();
     light->setLightType(PV_LIGHT_DIRECTIONAL);
-    light->setDirection(0, -0.6f, -0.8f);
+    light->setDirection(0.48f, -0.6f, -0.64f);
     light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
     light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
     light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
     light->link(root);
+    // The quad is tilted, so that each component of the light's direction
+    // and its sign changes the shade.
     QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
+    quad->setRotation(20, -35, 0);
     quad->setLit(true);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 12);
     drawFrame(root, camera);
 
-    // Towards the light: (0, 0.6, 0.8); the quad's normal is +z.
-    const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, 0.8});
-    expectQuadOnScreen(Mat4::translation(0, 0, -12), {0, 0, 0}, 2.0, expected, "directional light");
+    const Mat4 model = localTransform({0, 0, 0}, {0, 0, 0}, {20, -35, 0});
+    const Vec3 normal = model.transformPoint({0, 0, 1});
+    const double nDotL = dot(normal, {-0.48, 0.6, 0.64});
+    const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
+    expectPlacedQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, "directional light");
     EXPECT_TRUE(PVLIGHT::getLighting());
 }
 

@@ -26,13 +26,13 @@ EGLint configValue(EGLDisplay display, EGLConfig config, EGLint attribute)
 
 }  // namespace
 
-GlContext::GlContext(int width, int height, Format format) : width_(width), height_(height)
+GlContext::GlContext(int width, int height) : width_(width), height_(height)
 {
     display_ = surfacelessDisplay();
     if (display_ == EGL_NO_DISPLAY || !eglInitialize(display_, nullptr, nullptr))
         return;
     EGLConfig config;
-    if (!eglBindAPI(EGL_OPENGL_ES_API) || !chooseConfig(format, &config))
+    if (!eglBindAPI(EGL_OPENGL_ES_API) || !chooseConfig(&config))
         return;
     const EGLint surfaceAttributes[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
     surface_ = eglCreatePbufferSurface(display_, config, surfaceAttributes);
@@ -63,11 +63,11 @@ GlContext::~GlContext()
     // leaks would then no longer be attributable to it.
 }
 
-// The first pbuffer configuration with exactly the wanted colour sizes.
-bool GlContext::chooseConfig(Format format, EGLConfig* config)
+// The first pbuffer configuration with exactly 5-6-5 colour.
+bool GlContext::chooseConfig(EGLConfig* config)
 {
-    const EGLint red = format == RGB565 ? 5 : 8;
-    const EGLint green = format == RGB565 ? 6 : 8;
+    const EGLint red = 5;
+    const EGLint green = 6;
     const EGLint attributes[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_ES_BIT,
                                  EGL_RED_SIZE, red, EGL_GREEN_SIZE, green, EGL_BLUE_SIZE, red,
                                  EGL_DEPTH_SIZE, 16, EGL_NONE};
@@ -81,20 +81,9 @@ bool GlContext::chooseConfig(Format format, EGLConfig* config)
             configValue(display_, configs[i], EGL_BLUE_SIZE) != red)
             continue;
         *config = configs[i];
-        redBits_ = red;
-        greenBits_ = green;
-        blueBits_ = red;
         return true;
     }
     return false;
-}
-
-uint32_t GlContext::readPixel(int x, int y) const
-{
-    GLubyte rgba[4] = {0, 0, 0, 0};
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-    return rgba[0] | (rgba[1] << 8) | (rgba[2] << 16) | (static_cast<uint32_t>(rgba[3]) << 24);
 }
 
 }  // namespace pvtest

@@ -10,6 +10,7 @@
 
 #include "support/glcontext.h"
 #include "support/glrecorder.h"
+#include "support/logmatch.h"
 #include "support/scratch.h"
 
 namespace pvtest {

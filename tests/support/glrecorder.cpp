@@ -41,57 +41,34 @@ const std::map<GLenum, const char*>& enumNames()
     static const std::map<GLenum, const char*> names = {
         // Capabilities and client arrays.
         PV_ENUM(GL_BLEND), PV_ENUM(GL_CULL_FACE), PV_ENUM(GL_DEPTH_TEST), PV_ENUM(GL_SCISSOR_TEST),
-        PV_ENUM(GL_STENCIL_TEST), PV_ENUM(GL_ALPHA_TEST), PV_ENUM(GL_DITHER), PV_ENUM(GL_FOG),
-        PV_ENUM(GL_LIGHTING), PV_ENUM(GL_TEXTURE_2D), PV_ENUM(GL_NORMALIZE), PV_ENUM(GL_RESCALE_NORMAL),
-        PV_ENUM(GL_COLOR_MATERIAL), PV_ENUM(GL_POLYGON_OFFSET_FILL), PV_ENUM(GL_MULTISAMPLE),
-        PV_ENUM(GL_POINT_SMOOTH), PV_ENUM(GL_LINE_SMOOTH), PV_ENUM(GL_COLOR_LOGIC_OP),
-        PV_ENUM(GL_SAMPLE_ALPHA_TO_COVERAGE), PV_ENUM(GL_SAMPLE_ALPHA_TO_ONE), PV_ENUM(GL_SAMPLE_COVERAGE),
-        PV_ENUM(GL_VERTEX_ARRAY), PV_ENUM(GL_NORMAL_ARRAY), PV_ENUM(GL_COLOR_ARRAY),
-        PV_ENUM(GL_TEXTURE_COORD_ARRAY), PV_ENUM(GL_POINT_SIZE_ARRAY_OES),
-        PV_ENUM(GL_LIGHT0), PV_ENUM(GL_LIGHT1), PV_ENUM(GL_LIGHT2), PV_ENUM(GL_LIGHT3),
-        PV_ENUM(GL_LIGHT4), PV_ENUM(GL_LIGHT5), PV_ENUM(GL_LIGHT6), PV_ENUM(GL_LIGHT7),
+        PV_ENUM(GL_ALPHA_TEST), PV_ENUM(GL_DITHER), PV_ENUM(GL_LIGHTING), PV_ENUM(GL_TEXTURE_2D), PV_ENUM(GL_NORMALIZE),
+        PV_ENUM(GL_COLOR_MATERIAL), PV_ENUM(GL_VERTEX_ARRAY), PV_ENUM(GL_NORMAL_ARRAY), PV_ENUM(GL_COLOR_ARRAY),
+        PV_ENUM(GL_TEXTURE_COORD_ARRAY), PV_ENUM(GL_LIGHT0), PV_ENUM(GL_LIGHT1), PV_ENUM(GL_LIGHT2),
+        PV_ENUM(GL_LIGHT3), PV_ENUM(GL_LIGHT4), PV_ENUM(GL_LIGHT5), PV_ENUM(GL_LIGHT6), PV_ENUM(GL_LIGHT7),
         // Matrices.
         PV_ENUM(GL_MODELVIEW), PV_ENUM(GL_PROJECTION), PV_ENUM(GL_TEXTURE),
         // Comparison functions.
         PV_ENUM(GL_NEVER), PV_ENUM(GL_LESS), PV_ENUM(GL_EQUAL), PV_ENUM(GL_LEQUAL),
         PV_ENUM(GL_GREATER), PV_ENUM(GL_NOTEQUAL), PV_ENUM(GL_GEQUAL), PV_ENUM(GL_ALWAYS),
-        // Blend factors (GL_ZERO and GL_ONE are written by blendFactor).
+        // Blend factors (GL_ZERO and GL_ONE are written by blendFactorText).
         PV_ENUM(GL_SRC_COLOR), PV_ENUM(GL_ONE_MINUS_SRC_COLOR), PV_ENUM(GL_SRC_ALPHA),
         PV_ENUM(GL_ONE_MINUS_SRC_ALPHA), PV_ENUM(GL_DST_ALPHA), PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
         PV_ENUM(GL_DST_COLOR), PV_ENUM(GL_ONE_MINUS_DST_COLOR), PV_ENUM(GL_SRC_ALPHA_SATURATE),
         // Faces, shading, hints.
-        PV_ENUM(GL_FRONT), PV_ENUM(GL_BACK), PV_ENUM(GL_FRONT_AND_BACK), PV_ENUM(GL_CW), PV_ENUM(GL_CCW),
-        PV_ENUM(GL_FLAT), PV_ENUM(GL_SMOOTH), PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT),
-        PV_ENUM(GL_POINT_SMOOTH_HINT), PV_ENUM(GL_LINE_SMOOTH_HINT), PV_ENUM(GL_FOG_HINT),
-        PV_ENUM(GL_GENERATE_MIPMAP_HINT), PV_ENUM(GL_DONT_CARE), PV_ENUM(GL_FASTEST), PV_ENUM(GL_NICEST),
-        // Lights, materials, light model, fog.
+        PV_ENUM(GL_FRONT), PV_ENUM(GL_BACK), PV_ENUM(GL_FRONT_AND_BACK), PV_ENUM(GL_FLAT), PV_ENUM(GL_SMOOTH),
+        PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT), PV_ENUM(GL_DONT_CARE), PV_ENUM(GL_FASTEST), PV_ENUM(GL_NICEST),
+        // Lights, materials, light model.
         PV_ENUM(GL_AMBIENT), PV_ENUM(GL_DIFFUSE), PV_ENUM(GL_SPECULAR), PV_ENUM(GL_POSITION),
         PV_ENUM(GL_SPOT_DIRECTION), PV_ENUM(GL_SPOT_EXPONENT), PV_ENUM(GL_SPOT_CUTOFF),
         PV_ENUM(GL_CONSTANT_ATTENUATION), PV_ENUM(GL_LINEAR_ATTENUATION), PV_ENUM(GL_QUADRATIC_ATTENUATION),
         PV_ENUM(GL_EMISSION), PV_ENUM(GL_SHININESS), PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
-        PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT), PV_ENUM(GL_FOG_MODE),
-        PV_ENUM(GL_FOG_DENSITY), PV_ENUM(GL_FOG_START), PV_ENUM(GL_FOG_END), PV_ENUM(GL_FOG_COLOR),
-        PV_ENUM(GL_EXP), PV_ENUM(GL_EXP2),
-        // Data types and pixel formats.
-        PV_ENUM(GL_BYTE), PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_SHORT), PV_ENUM(GL_UNSIGNED_SHORT),
-        PV_ENUM(GL_FLOAT), PV_ENUM(GL_FIXED), PV_ENUM(GL_ALPHA), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA),
-        PV_ENUM(GL_LUMINANCE), PV_ENUM(GL_LUMINANCE_ALPHA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
-        PV_ENUM(GL_UNSIGNED_SHORT_4_4_4_4), PV_ENUM(GL_UNSIGNED_SHORT_5_5_5_1),
-        PV_ENUM(GL_UNPACK_ALIGNMENT), PV_ENUM(GL_PACK_ALIGNMENT),
-        // Textures.
-        PV_ENUM(GL_TEXTURE_ENV), PV_ENUM(GL_TEXTURE_ENV_MODE), PV_ENUM(GL_TEXTURE_ENV_COLOR),
-        PV_ENUM(GL_MODULATE), PV_ENUM(GL_DECAL), PV_ENUM(GL_ADD), PV_ENUM(GL_REPLACE), PV_ENUM(GL_COMBINE),
-        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST),
-        PV_ENUM(GL_LINEAR_MIPMAP_NEAREST), PV_ENUM(GL_NEAREST_MIPMAP_LINEAR), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
-        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
-        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_GENERATE_MIPMAP), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE),
-        PV_ENUM(GL_TEXTURE0), PV_ENUM(GL_TEXTURE1), PV_ENUM(GL_TEXTURE2), PV_ENUM(GL_TEXTURE3),
-        // Stencil operations and queries.
-        PV_ENUM(GL_KEEP), PV_ENUM(GL_INCR), PV_ENUM(GL_DECR), PV_ENUM(GL_INVERT),
+        PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT),
+        // Pixel formats and queries.
+        PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
         PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
         PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
         PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
-        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS), PV_ENUM(GL_MATRIX_MODE),
+        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS),
     };
 #undef PV_ENUM
     return names;
@@ -108,22 +85,6 @@ std::string enumText(GLenum value)
 {
     auto found = enumNames().find(value);
     return found != enumNames().end() ? found->second : hex(value);
-}
-
-// Parameters that hold either an enumeration or a number.
-std::string paramText(GLint value)
-{
-    auto found = enumNames().find(static_cast<GLenum>(value));
-    if (value >= 0x100 && found != enumNames().end())
-        return found->second;
-    return std::to_string(value);
-}
-
-std::string primitiveText(GLenum mode)
-{
-    static const char* const names[] = {"GL_POINTS", "GL_LINES", "GL_LINE_LOOP", "GL_LINE_STRIP",
-                                        "GL_TRIANGLES", "GL_TRIANGLE_STRIP", "GL_TRIANGLE_FAN"};
-    return mode < 7 ? names[mode] : hex(mode);
 }
 
 std::string blendFactorText(GLenum factor)
@@ -163,8 +124,6 @@ int lightValueCount(GLenum pname)
 
 int materialValueCount(GLenum pname) { return pname == GL_SHININESS ? 1 : 4; }
 int lightModelValueCount(GLenum pname) { return pname == GL_LIGHT_MODEL_AMBIENT ? 4 : 1; }
-int fogValueCount(GLenum pname) { return pname == GL_FOG_COLOR ? 4 : 1; }
-int texEnvValueCount(GLenum pname) { return pname == GL_TEXTURE_ENV_COLOR ? 4 : 1; }
 
 // Builds "name(arg,arg,...)".
 class CallText {
@@ -179,7 +138,6 @@ public:
     }
     CallText& en(GLenum value) { return raw(enumText(value)); }
     CallText& num(long long value) { return raw(std::to_string(value)); }
-    CallText& param(GLint value) { return raw(paramText(value)); }
     template <typename T>
     CallText& values(const T* data, int count)
     {
@@ -293,29 +251,12 @@ PV_INTERPOSE(void, glEnable, (GLenum cap), (cap), .en(cap))
 PV_INTERPOSE(void, glDisable, (GLenum cap), (cap), .en(cap))
 PV_INTERPOSE(void, glEnableClientState, (GLenum array), (array), .en(array))
 PV_INTERPOSE(void, glDisableClientState, (GLenum array), (array), .en(array))
-PV_INTERPOSE(GLboolean, glIsEnabled, (GLenum cap), (cap), .en(cap))
 PV_INTERPOSE(void, glHint, (GLenum target, GLenum mode), (target, mode), .en(target).en(mode))
 PV_INTERPOSE(void, glShadeModel, (GLenum mode), (mode), .en(mode))
-PV_INTERPOSE(void, glCullFace, (GLenum mode), (mode), .en(mode))
-PV_INTERPOSE(void, glFrontFace, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glDepthFunc, (GLenum func), (func), .en(func))
-PV_INTERPOSE(void, glDepthMask, (GLboolean flag), (flag), .num(flag))
-PV_INTERPOSE(void, glDepthRangex, (GLfixed n, GLfixed f), (n, f), .num(n).num(f))
-PV_INTERPOSE(void, glColorMask, (GLboolean r, GLboolean g, GLboolean b, GLboolean a), (r, g, b, a),
-             .num(r).num(g).num(b).num(a))
 PV_INTERPOSE(void, glBlendFunc, (GLenum sfactor, GLenum dfactor), (sfactor, dfactor),
              .raw(pvtest::blendFactorText(sfactor)).raw(pvtest::blendFactorText(dfactor)))
 PV_INTERPOSE(void, glAlphaFuncx, (GLenum func, GLfixed ref), (func, ref), .en(func).num(ref))
-PV_INTERPOSE(void, glLogicOp, (GLenum opcode), (opcode), .en(opcode))
-PV_INTERPOSE(void, glStencilFunc, (GLenum func, GLint ref, GLuint mask), (func, ref, mask),
-             .en(func).num(ref).num(mask))
-PV_INTERPOSE(void, glStencilOp, (GLenum fail, GLenum zfail, GLenum zpass), (fail, zfail, zpass),
-             .en(fail).en(zfail).en(zpass))
-PV_INTERPOSE(void, glStencilMask, (GLuint mask), (mask), .num(mask))
-PV_INTERPOSE(void, glPolygonOffsetx, (GLfixed factor, GLfixed units), (factor, units), .num(factor).num(units))
-PV_INTERPOSE(void, glLineWidthx, (GLfixed width), (width), .num(width))
-PV_INTERPOSE(void, glPointSizex, (GLfixed size), (size), .num(size))
-
 // Clearing, viewport, scissor, pixels.
 PV_INTERPOSE(void, glClearColorx, (GLfixed r, GLfixed g, GLfixed b, GLfixed a), (r, g, b, a),
              .num(r).num(g).num(b).num(a))
@@ -329,18 +270,12 @@ PV_INTERPOSE(void, glScissor, (GLint x, GLint y, GLsizei width, GLsizei height),
 PV_INTERPOSE(void, glReadPixels,
              (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels),
              (x, y, width, height, format, type, pixels), .num(x).num(y).num(width).num(height).en(format).en(type))
-PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
 PV_INTERPOSE(void, glFlush, (), (), )
 PV_INTERPOSE(void, glFinish, (), (), )
 
-// Colour, normal, lights, materials, fog.
+// Colour, lights, materials.
 PV_INTERPOSE(void, glColor4x, (GLfixed r, GLfixed g, GLfixed b, GLfixed a), (r, g, b, a),
              .num(r).num(g).num(b).num(a))
-PV_INTERPOSE(void, glColor4ub, (GLubyte r, GLubyte g, GLubyte b, GLubyte a), (r, g, b, a),
-             .num(r).num(g).num(b).num(a))
-PV_INTERPOSE(void, glColor4f, (GLfloat r, GLfloat g, GLfloat b, GLfloat a), (r, g, b, a),
-             .raw(std::to_string(r)).raw(std::to_string(g)).raw(std::to_string(b)).raw(std::to_string(a)))
-PV_INTERPOSE(void, glNormal3x, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
 PV_INTERPOSE(void, glLightx, (GLenum light, GLenum pname, GLfixed param), (light, pname, param),
              .en(light).en(pname).num(param))
 PV_INTERPOSE(void, glLightxv, (GLenum light, GLenum pname, const GLfixed* params), (light, pname, params),
@@ -352,10 +287,6 @@ PV_INTERPOSE(void, glMaterialx, (GLenum face, GLenum pname, GLfixed param), (fac
              .en(face).en(pname).num(param))
 PV_INTERPOSE(void, glMaterialxv, (GLenum face, GLenum pname, const GLfixed* param), (face, pname, param),
              .en(face).en(pname).values(param, pvtest::materialValueCount(pname)))
-PV_INTERPOSE(void, glFogx, (GLenum pname, GLfixed param), (pname, param), .en(pname).param(param))
-PV_INTERPOSE(void, glFogxv, (GLenum pname, const GLfixed* param), (pname, param),
-             .en(pname).values(param, pvtest::fogValueCount(pname)))
-
 // Matrices.
 PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glLoadIdentity, (), (), )
@@ -366,66 +297,11 @@ PV_INTERPOSE(void, glPopMatrix, (), (), )
 PV_INTERPOSE(void, glRotatex, (GLfixed angle, GLfixed x, GLfixed y, GLfixed z), (angle, x, y, z),
              .num(angle).num(x).num(y).num(z))
 PV_INTERPOSE(void, glTranslatex, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
-PV_INTERPOSE(void, glScalex, (GLfixed x, GLfixed y, GLfixed z), (x, y, z), .num(x).num(y).num(z))
 PV_INTERPOSE(void, glFrustumx, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 
-// Arrays and drawing.
-PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
-             (size, type, stride, pointer), .num(size).en(type).num(stride))
-PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
-             .en(type).num(stride))
-PV_INTERPOSE(void, glColorPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
-             (size, type, stride, pointer), .num(size).en(type).num(stride))
-PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
-             (size, type, stride, pointer), .num(size).en(type).num(stride))
-PV_INTERPOSE(void, glDrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count),
-             .raw(pvtest::primitiveText(mode)).num(first).num(count))
-PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
-             (mode, count, type, indices), .raw(pvtest::primitiveText(mode)).num(count).en(type))
-
-// Textures.
-PV_INTERPOSE(void, glActiveTexture, (GLenum texture), (texture), .en(texture))
-PV_INTERPOSE(void, glClientActiveTexture, (GLenum texture), (texture), .en(texture))
-PV_INTERPOSE(void, glMultiTexCoord4x, (GLenum texture, GLfixed s, GLfixed t, GLfixed r, GLfixed q),
-             (texture, s, t, r, q), .en(texture).num(s).num(t).num(r).num(q))
-PV_INTERPOSE(void, glGenTextures, (GLsizei n, GLuint* textures), (n, textures), .num(n))
-PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures),
-             .num(n).values(textures, n))
-PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture), .en(target).num(texture))
-PV_INTERPOSE(void, glTexImage2D,
-             (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
-              GLenum format, GLenum type, const void* pixels),
-             (target, level, internalformat, width, height, border, format, type, pixels),
-             .en(target).num(level).param(internalformat).num(width).num(height).num(border).en(format).en(type))
-PV_INTERPOSE(void, glTexSubImage2D,
-             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
-              GLenum format, GLenum type, const void* pixels),
-             (target, level, xoffset, yoffset, width, height, format, type, pixels),
-             .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
-PV_INTERPOSE(void, glCopyTexImage2D,
-             (GLenum target, GLint level, GLenum internalformat, GLint x, GLint y, GLsizei width, GLsizei height,
-              GLint border),
-             (target, level, internalformat, x, y, width, height, border),
-             .en(target).num(level).en(internalformat).num(x).num(y).num(width).num(height).num(border))
-PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
-             .en(target).en(pname).param(param))
-PV_INTERPOSE(void, glTexParameteri, (GLenum target, GLenum pname, GLint param), (target, pname, param),
-             .en(target).en(pname).param(param))
-PV_INTERPOSE(void, glTexParameterf, (GLenum target, GLenum pname, GLfloat param), (target, pname, param),
-             .en(target).en(pname).param(static_cast<GLint>(param)))
-PV_INTERPOSE(void, glTexEnvx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
-             .en(target).en(pname).param(param))
-PV_INTERPOSE(void, glTexEnvi, (GLenum target, GLenum pname, GLint param), (target, pname, param),
-             .en(target).en(pname).param(param))
-PV_INTERPOSE(void, glTexEnvxv, (GLenum target, GLenum pname, const GLfixed* params), (target, pname, params),
-             .en(target).en(pname).values(params, pvtest::texEnvValueCount(pname)))
-
 // Queries.
 PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))
-PV_INTERPOSE(void, glGetFixedv, (GLenum pname, GLfixed* params), (pname, params), .en(pname))
-PV_INTERPOSE(void, glGetBooleanv, (GLenum pname, GLboolean* data), (pname, data), .en(pname))
 PV_INTERPOSE(const GLubyte*, glGetString, (GLenum name), (name), .en(name))
-PV_INTERPOSE(GLenum, glGetError, (), (), )

@@ -1,11 +1,13 @@
 // Records the GL calls a test causes. The test executable defines the GL
-// entry points the engine uses (executables are linked with -rdynamic, so the
+// entry points the engine calls (executables are linked with -rdynamic, so the
 // library's calls bind to these definitions); each one forwards to the real
 // GL function and, while a recorder is started, appends a text form of the
 // call: "glEnable(GL_BLEND)", "glColor4x(65536,0,32768,65536)",
 // "glLightxv(GL_LIGHT0,GL_AMBIENT,{0,0,0,65536})". Enumerations are written
 // by name (hex when unknown), fixed-point and integer values in decimal,
-// arrays in braces; data pointers are left out.
+// arrays in braces; data pointers are left out. Only the entry points the
+// engine calls are interposed: a class that calls a new one adds it with one
+// PV_INTERPOSE line in glrecorder.cpp (and its enumerations to the name table).
 #ifndef PEVRANO_TESTS_GLRECORDER_H
 #define PEVRANO_TESTS_GLRECORDER_H
 

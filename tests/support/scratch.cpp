@@ -1,7 +1,5 @@
 #include "support/scratch.h"
 
-#include <pevrano.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -39,18 +37,5 @@ void writeFile(const std::string& path, const std::string& contents) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << contents;
 }
-
-LogCapture::LogCapture() {
-    char cwd[PATH_MAX];
-    path_ = std::string(getcwd(cwd, sizeof cwd) ? cwd : ".") + "/pevrano_log.txt";
-    kvfShutdown();
-    kvfSetConsoleEcho(false);
-    kvfInit("pevrano_log.txt");
-    bannerLength_ = readFile(path_).size();
-}
-
-std::string LogCapture::text() const { return whole().substr(bannerLength_); }
-
-std::string LogCapture::whole() const { return readFile(path_); }
 
 }  // namespace pvtest

@@ -1,5 +1,5 @@
-// Test helpers: each case works in a scratch directory of its own and reads
-// the engine's log back from there.
+// A scratch working directory of its own for each case, and whole files
+// read and written at once.
 #ifndef PEVRANO_TESTS_SCRATCH_H
 #define PEVRANO_TESTS_SCRATCH_H
 
@@ -27,24 +27,6 @@ private:
 std::string readFile(const std::string& path);
 // Writes a file, creating or truncating it.
 void writeFile(const std::string& path, const std::string& contents);
-
-// Closes the log the library opened at load and opens "pevrano_log.txt" anew
-// in the current working directory, without echo to the console. Returns the
-// length of what the new log holds right after opening (its start banner), so
-// that logSince() returns only what the test itself caused.
-class LogCapture {
-public:
-    LogCapture();
-    // Everything written to the log after the start banner.
-    std::string text() const;
-    // The whole file, banner included.
-    std::string whole() const;
-
-private:
-    std::string path_;
-    size_t bannerLength_ = 0;
-};
-
 }  // namespace pvtest
 
 #endif

@@ -1,10 +1,14 @@
-// Reference transforms for tests, written the textbook way (double
-// precision, row-major, column vectors) so that they check the engine's own
-// column-major float code instead of repeating it.
+// The one matrix reference of the tests: transforms written the textbook way
+// (double precision, row-major, column vectors) so that they check the
+// engine's own column-major float code instead of repeating it, and the
+// comparison of an engine matrix (16 floats, column-major) with one.
 #ifndef PEVRANO_TESTS_VIEWMATH_H
 #define PEVRANO_TESTS_VIEWMATH_H
 
+#include <gtest/gtest.h>
+
 #include <cmath>
+#include <string>
 
 namespace pvtest {
 
@@ -59,6 +63,28 @@ struct Mat4 {
         m.a[j][i] = s; m.a[j][j] = c;
         return m;
     }
+    // Right-handed rotation of deg degrees about the axis (x, y, z), unit
+    // length (Rodrigues' formula).
+    static Mat4 rotation(double deg, double x, double y, double z)
+    {
+        const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r), t = 1.0 - c;
+        const double rows[3][3] = {{t * x * x + c, t * x * y - s * z, t * x * z + s * y},
+                                   {t * x * y + s * z, t * y * y + c, t * y * z - s * x},
+                                   {t * x * z - s * y, t * y * z + s * x, t * z * z + c}};
+        Mat4 m = identity();
+        for (int i = 0; i < 3; i++)
+            for (int j = 0; j < 3; j++)
+                m.a[i][j] = rows[i][j];
+        return m;
+    }
+    // From 16 values in GL's column-major order.
+    static Mat4 fromGl(const float* v)
+    {
+        Mat4 m{};
+        for (int i = 0; i < 16; i++)
+            m.a[i % 4][i / 4] = v[i];
+        return m;
+    }
     // The classic look-at view: forward F = centre - eye, side S = F x up,
     // true up U = S x F; rows S, U, -F, then a move of the eye to the origin.
     static Mat4 lookAt(Vec3 eye, Vec3 centre, Vec3 up)
@@ -111,7 +137,21 @@ struct Mat4 {
     }
     // Element in GL's column-major storage order.
     double gl(int i) const { return a[i % 4][i / 4]; }
+    // All 16 in that order, as an engine matrix stores them.
+    void toGl(float* out) const
+    {
+        for (int i = 0; i < 16; i++)
+            out[i] = float(gl(i));
+    }
 };
+
+// The 16 floats of an engine matrix (column-major) against the reference.
+inline void expectMatrixNear(const Mat4& expected, const float* actual, const std::string& what,
+                             double tolerance = 1e-4)
+{
+    for (int i = 0; i < 16; i++)
+        EXPECT_NEAR(expected.gl(i), actual[i], tolerance) << what << ", element " << i;
+}
 
 }  // namespace pvtest
 

@@ -1,0 +1,53 @@
+// The engine's way onto the screen: a back-end makes the EGL display, surface
+// and context once SDL has set the video mode, presents the frames and
+// releases them again. Each back-end lives in a source file of its own and
+// is listed once in PVDISPLAY::choose.
+#ifndef PV_DISPLAY_H
+#define PV_DISPLAY_H
+
+#include <EGL/egl.h>
+
+struct SDL_SysWMinfo;
+
+// The handles of the display in use. PVSETTINGS keeps them; a back-end fills
+// them as it opens and leaves their stale values behind when it closes.
+struct PVDISPLAYHANDLES {
+    EGLNativeWindowType& window;
+    EGLDisplay& display;
+    EGLSurface& surface;
+    EGLContext& context;
+};
+
+class PVDISPLAY {
+public:
+    virtual ~PVDISPLAY() = default;
+
+    // Before SDL's video starts: without a window system, and unless the
+    // application chose a driver, SDL uses its dummy driver.
+    static void prepareVideoDriver();
+    // After the video mode is set: the first back-end that can draw for the
+    // window SDL opened. Never null: the last one draws off-screen.
+    static PVDISPLAY* choose(const PVDISPLAYHANDLES& handles);
+
+    // Display, a configuration with zetaDepth depth bits, a width x height
+    // surface and a context, made current. False after its log line, leaving
+    // what was made in the handles.
+    virtual bool open(int width, int height, int zetaDepth);
+    // Releases the context, the surface and the display.
+    virtual void close();
+    // Presents the frame drawn.
+    virtual bool swap();
+
+protected:
+    explicit PVDISPLAY(const PVDISPLAYHANDLES& handles) : handles(handles) {}
+
+    // The back-end's EGL display (its window placed first, if it has one).
+    virtual EGLDisplay openDisplay(int width, int height) = 0;
+    // EGL_WINDOW_BIT, EGL_PBUFFER_BIT...: what the configuration must draw on.
+    virtual EGLint surfaceType() const = 0;
+    virtual EGLSurface createSurface(EGLConfig config, int width, int height) = 0;
+
+    PVDISPLAYHANDLES handles;
+};
+
+#endif

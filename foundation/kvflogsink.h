@@ -1,0 +1,13 @@
+// A second reader of the log: every message written to the log file is also
+// handed to one function set by the caller (tests, tools).
+#ifndef KVF_LOG_SINK_H
+#define KVF_LOG_SINK_H
+
+// Receives the message as written to the text log: formatted and cut to 1023
+// characters, before any HTML expansion.
+typedef void (*KVFLOGSINK)(const char* message, void* context);
+
+// Sets the function (null for none) and the context passed back to it.
+void kvfSetLogSink(KVFLOGSINK sink, void* context);
+
+#endif

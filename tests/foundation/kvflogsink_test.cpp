@@ -1,0 +1,63 @@
+#include <pevrano.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/kvflogsink.h"
+#include "foundation/logpattern.h"
+#include "support/scratch.h"
+
+using namespace pvtest;
+
+namespace {
+
+void collect(const char* message, void* context)
+{
+    static_cast<std::vector<std::string>*>(context)->push_back(message);
+}
+
+std::string joined(const std::vector<std::string>& messages)
+{
+    std::string all;
+    for (const std::string& message : messages)
+        all += message;
+    return all;
+}
+
+}  // namespace
+
+TEST(LogSink, ReceivesTheTextLogMessageByMessageUntilRemoved)
+{
+    ScratchDir dir;
+    kvfShutdown();
+    kvfSetConsoleEcho(false);
+    std::vector<std::string> messages;
+    kvfSetLogSink(collect, &messages);
+    ASSERT_TRUE(kvfInit("sink.txt"));
+    kvfLog("   Progress %d%%\n", 50);
+    kvfLog("%s", std::string(3000, 'z').c_str());
+    kvfError("PVMESH::render", "", "broken");
+    kvfShutdown();
+    kvfSetLogSink(nullptr, nullptr);
+    EXPECT_EQ(joined(messages), readFile("sink.txt"));
+    EXPECT_EQ(messages[1], "   Progress 50%\n");
+    EXPECT_EQ(messages[2], std::string(1023, 'z'));
+
+    const size_t seen = messages.size();
+    ASSERT_TRUE(kvfInit("after.txt"));
+    kvfLog("unseen\n");
+    EXPECT_EQ(messages.size(), seen);
+}
+
+TEST(LogSink, HtmlLogsHandOverTheTextBeforeExpansion)
+{
+    ScratchDir dir;
+    restartLog("sink.html");
+    std::vector<std::string> messages;
+    kvfSetLogSink(collect, &messages);
+    kvfLog("  a\nb");
+    kvfSetLogSink(nullptr, nullptr);
+    EXPECT_EQ(messages, std::vector<std::string> {"  a\nb"});
+}

@@ -1,0 +1,54 @@
+// The engine's log as the tests see it. LogCapture collects what the engine
+// logs from its construction on; fresh() returns only what came since its
+// previous call. expectLog compares a log text with the expected lines, each
+// one exact, a regular expression or a prefix: nothing more, nothing less.
+// Log texts are byte-exact: expect whole lines, never fragments.
+#ifndef PEVRANO_TESTS_LOGMATCH_H
+#define PEVRANO_TESTS_LOGMATCH_H
+
+#include <string>
+#include <vector>
+
+namespace pvtest {
+
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    // Everything logged since the capture started.
+    std::string text() const;
+    // What was logged since the previous call.
+    std::string fresh();
+
+private:
+    std::string path_;
+    size_t start_ = 0;
+    size_t seen_ = 0;
+};
+
+struct LogLine {
+    enum Kind { EXACT, PATTERN, PREFIX } kind;
+    std::string text;
+};
+inline LogLine exact(const std::string& text) { return {LogLine::EXACT, text}; }
+inline LogLine like(const std::string& pattern) { return {LogLine::PATTERN, pattern}; }
+inline LogLine startingWith(const std::string& prefix) { return {LogLine::PREFIX, prefix}; }
+inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
+{
+    to.insert(to.end(), lines.begin(), lines.end());
+}
+
+std::vector<std::string> splitLines(const std::string& text);
+// The text, line by line, against the expected lines; the text ends with a line feed.
+void expectLog(const std::string& text, const std::vector<LogLine>& expected);
+
+// The text as a regular expression matching exactly itself.
+std::string literal(const std::string& text);
+bool matchesWhole(const std::string& text, const std::string& pattern);
+
+}  // namespace pvtest
+
+#endif
