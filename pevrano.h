@@ -10,6 +10,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfreader.h"
 
 // Math: vectors, quaternions, matrix, plane.
 #include "math/k3mvector2d.h"
@@ -29,12 +30,14 @@
 #include "scene/pvelement.h"
 #include "scene/pvcamera.h"
 #include "scene/pvlight.h"
+#include "scene/pvhelper.h"
 
 // Assets: textures, materials, shaders, frame buffers and animations.
 #include "assets/pvtexture.h"
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
+#include "assets/pvmesh.h"
 #include "assets/pvboneframe.h"
 #include "assets/pvanim.h"
 

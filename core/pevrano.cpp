@@ -8,6 +8,7 @@
 #include "assets/pvanim.h"
 #include "assets/pvfbo.h"
 #include "assets/pvmaterial.h"
+#include "assets/pvmesh.h"
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pvdisplay.h"
@@ -113,8 +114,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
         return failStartUp("   [!] Rendering elements failed to initialize @ PEVRANO::init\n", SHADERS_STARTED);
     // Font class step: PVFONT::init(); on failure
     // "   [!] Unable to initialize font class @ PEVRANO::init\n", unwinding ELEMENTS_STARTED.
-    // Mesh class step: PVMESH::init(); on failure
-    // "   [!] Unable to initialize mesh class @ PEVRANO::init\n", unwinding FONTS_STARTED.
+    if (!PVMESH::init())
+        return failStartUp("   [!] Unable to initialize mesh class @ PEVRANO::init\n", FONTS_STARTED);
     // Emitter class step: PVEMITTER::init(); on failure
     // "   [!] Unable to initialize emitter class @ PEVRANO::init\n", unwinding MESHES_STARTED.
     return true;
@@ -125,7 +126,7 @@ void PEVRANO::releaseStartUpSteps(int succeeded)
 {
     switch (succeeded) {
     case MESHES_STARTED:
-        // Mesh class step: PVMESH::free().
+        PVMESH::free();
         [[fallthrough]];
     case FONTS_STARTED:
         // Font class step: PVFONT::free().
@@ -185,7 +186,7 @@ bool PEVRANO::free()
     // Class-wide state.
     // Emitter class step: PVEMITTER::free().
     // Font class step: PVFONT::free().
-    // Mesh class step: PVMESH::free().
+    PVMESH::free();
     PVELEMENT::free();
     PVSHADER::free();
     PVOPENGL::free();
@@ -251,7 +252,7 @@ bool PEVRANO::begin3D(PVCAMERA* camera)
     PVELEMENT::reset();
     PVSHADER::reset();
     PVMATERIAL::reset();
-    // Mesh class step: PVMESH::reset().
+    PVMESH::reset();
     PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVOPENGL::blendingOff();
     PVOPENGL::twoSideOff();

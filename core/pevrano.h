@@ -9,9 +9,12 @@
 
 #define PEVRANO_PATH_SIZE 256
 
+#include <cstddef>
+
 class PVSETTINGS;
 class PVNODE;
 class PVCAMERA;
+class KVFREADER;
 
 class PEVRANO {
 public:
@@ -47,6 +50,16 @@ public:
     // Folder prefix of scene files; callers keep paths below 256 characters.
     static void setPVEPath(const char* path);
     static char* getPVEPath() { return pvePath; }
+    // Scene files: the root of the tree read from the file (the PVE path
+    // prefix followed by fileName), or null.
+    static PVNODE* load(const char* fileName);
+    // The same from a file already in memory; fileName is only logged.
+    static PVNODE* loadBuffer(const char* buffer, size_t size, const char* fileName);
+    // Reads one node record and its children below parent.
+    static PVNODE* recursiveLoad(KVFREADER& reader, PVNODE* parent, unsigned int depth);
+    // Binds the bones of every skinned mesh under node to nodes under root.
+    static bool recursiveInitBones(PVNODE* root, PVNODE* node);
+
     static void setSkybox(PVNODE* node) { skybox = node; }
     static PVNODE* getSkybox() { return skybox; }
 
@@ -90,6 +103,7 @@ private:
     static void renderPassedElements();
     static void renderPassedElementsForSelection();
     static unsigned int readPixelCode(int x, int y);
+    static bool readHeader(KVFREADER& reader, const char* fileName);
 
     static bool active;
     static int timer;
@@ -111,6 +125,9 @@ private:
     static char pvePath[PEVRANO_PATH_SIZE];
     static PVNODE* skybox;
     static bool timerAdjourned;
+    // Per scene file: the obsolete layout flag and the nodes read.
+    static bool obsoleteFile;
+    static unsigned int loadedNodes;
 };
 
 #endif

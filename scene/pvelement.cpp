@@ -4,16 +4,15 @@
 #include <cmath>
 #include <new>
 
+#include "assets/pvmaterial.h"
+#include "assets/pvmesh.h"
 #include "core/pvgl.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "scene/pvlight.h"
 #include "scene/pvnode.h"
 
-// Answers used until the node classes that know better install theirs.
-static float noRadius(PVNODE *) { return 0.0f; }
-static bool notHidden(PVNODE *) { return false; }
-static bool opaqueMaterial(PVNODE *) { return false; }
+// Answers used until the widget classes install theirs.
 static long noForemostStamp(PVNODE *) { return 0; }
 static bool notMinimized(PVNODE *) { return false; }
 
@@ -26,8 +25,7 @@ unsigned int PVELEMENT::numberOfLights = 0;
 unsigned int PVELEMENT::numberOfTransparencies = 0;
 PVELEMENT *PVELEMENT::element = nullptr;
 PVELEMENT **PVELEMENT::elementPointer = nullptr;
-PVELEMENT::QUERIES PVELEMENT::queries = {noRadius, notHidden, opaqueMaterial, noForemostStamp,
-                                         notMinimized};
+PVELEMENT::QUERIES PVELEMENT::queries = {noForemostStamp, notMinimized};
 
 PVELEMENT *PVELEMENT::getNearestLight(unsigned int slot) const
 {
@@ -42,12 +40,6 @@ void PVELEMENT::setNearestLight(unsigned int slot, PVELEMENT *light)
 
 void PVELEMENT::setQueries(const QUERIES &answers)
 {
-    if (answers.radius)
-        queries.radius = answers.radius;
-    if (answers.isHiddenMesh)
-        queries.isHiddenMesh = answers.isHiddenMesh;
-    if (answers.hasTransparentMaterial)
-        queries.hasTransparentMaterial = answers.hasTransparentMaterial;
     if (answers.foremostTimeStamp)
         queries.foremostTimeStamp = answers.foremostTimeStamp;
     if (answers.isMinimizedWindow)
@@ -126,9 +118,7 @@ bool PVELEMENT::passNode(PVNODE *node, bool)
     node->applyLocalTransform();
 
     const PV_NODE_TYPE type = node->getType();
-    const bool recorded = type != PV_TYPE_NODE &&
-                          !(type == PV_TYPE_MESH && queries.isHiddenMesh(node)) &&
-                          !isClipped(node);
+    const bool recorded = type != PV_TYPE_NODE && !isHiddenMesh(node) && !isClipped(node);
     if (recorded)
         addRecord(node);
 
@@ -148,6 +138,11 @@ void PVELEMENT::passChildren(PVNODE *node)
         node->getChild(i)->pass(false);
 }
 
+bool PVELEMENT::isHiddenMesh(PVNODE *node)
+{
+    return node->getType() == PV_TYPE_MESH && static_cast<PVMESH *>(node)->isHidden();
+}
+
 // Distance culling of mesh-like nodes against the eye at the origin of the
 // current model-view space.
 bool PVELEMENT::isClipped(PVNODE *node)
@@ -155,7 +150,7 @@ bool PVELEMENT::isClipped(PVNODE *node)
     const PV_NODE_TYPE type = node->getType();
     if (!clipping || (type != PV_TYPE_MESH && type != PV_TYPE_TERRAIN && type != PV_TYPE_HELPER))
         return false;
-    const float limit = clippingRadius + 2.0f * queries.radius(node);
+    const float limit = clippingRadius + 2.0f * PVMESH::radiusOf(node);
     K3MMATRIX modelView;
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, modelView.m);
     const float distance = modelView.getTranslation().length();
@@ -176,10 +171,49 @@ void PVELEMENT::addRecord(PVNODE *node)
     for (PVELEMENT *&light : record.nearestLight)
         light = nullptr;
     elementPointer[numberOfPassedElements] = &record;
-    // A skinned mesh takes its slot in the mesh class's skeleton cache here
-    // (param1 = slot, or 16 with a log line when the cache is full).
+    if (node->getType() == PV_TYPE_MESH && static_cast<PVMESH *>(node)->isSkinned())
+        record.param1 = takeSkeletonSlot(static_cast<PVMESH *>(node));
     numberOfPassedElements++;
     countRecord(node);
+}
+
+// The bones' matrices, relative to the mesh's parent, go into the next slot
+// of the skeleton cache; a full cache leaves the mesh with slot 16.
+unsigned int PVELEMENT::takeSkeletonSlot(PVMESH *mesh)
+{
+    if (PVMESH::getNumberOfSkeletons() >= PV_MESH_SKELETONS) {
+        kvfLog("   [!] Skeleton cache full @ PVELEMENT::pass\n");
+        return PV_MESH_SKELETONS;
+    }
+    PV_glPushMatrix();
+    PV_glLoadIdentity();
+    passSkeleton(mesh->getParent(), mesh);
+    const unsigned int slot = PVMESH::claimSkeleton(mesh);
+    PV_glPopMatrix();
+    return slot;
+}
+
+bool PVELEMENT::passSkeleton(PVNODE *node, PVMESH *mesh)
+{
+    if (!node) {
+        kvfLog("   [!] Invalid params @ PVELEMENT::skeletonPass\n");
+        return false;
+    }
+    PV_glPushMatrix();
+    node->applyLocalTransform();
+    K3MMATRIX *skeleton = PVMESH::nextSkeleton();
+    if (node->getType() == PV_TYPE_MESH && skeleton) {
+        for (unsigned int b = 0; b < mesh->getNumberOfBones(); b++) {
+            if (mesh->getBone(b)->node == node) {
+                PV_glGetFloatv(PV_GL_MODELVIEW_STACK, skeleton[b].m);
+                break;
+            }
+        }
+    }
+    for (unsigned int i = 0; i < node->getNumberOfChildren(); i++)
+        passSkeleton(node->getChild(i), mesh);
+    PV_glPopMatrix();
+    return true;
 }
 
 void PVELEMENT::countRecord(PVNODE *node)
@@ -197,8 +231,10 @@ bool PVELEMENT::isTransparent(PVNODE *node)
     case PV_TYPE_EMITTER:
     case PV_TYPE_HELPER:
         return true;
-    case PV_TYPE_MESH:
-        return queries.hasTransparentMaterial(node);
+    case PV_TYPE_MESH: {
+        PVMATERIAL *material = static_cast<PVMESH *>(node)->getMaterial();
+        return material && material->isTransparent();
+    }
     default:
         return false;
     }
@@ -227,7 +263,7 @@ bool PVELEMENT::before3D(const PVELEMENT *a, const PVELEMENT *b)
 // Eye-space z of the element's nearest side: the most negative is farthest.
 float PVELEMENT::sortDepth(const PVELEMENT *record)
 {
-    return record->matrix.m[14] - queries.radius(record->node);
+    return record->matrix.m[14] - PVMESH::radiusOf(record->node);
 }
 
 bool PVELEMENT::fartherBefore(const PVELEMENT *a, const PVELEMENT *b)

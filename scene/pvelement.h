@@ -9,6 +9,7 @@
 #include "math/k3mvector3d.h"
 
 class PVNODE;
+class PVMESH;
 
 // Largest number of records the list holds.
 #define PV_ELEMENT_MAX 1024
@@ -17,18 +18,10 @@ class PVNODE;
 
 class PVELEMENT {
 public:
-    // What the list needs to know about node classes that build on PVNODE
-    // (meshes, terrains, helpers, widgets). Those classes install their own
-    // answers with setQueries; until then every node answers with the
-    // defaults: radius 0, shown, opaque, stamp 0, not minimised.
+    // What the list needs to know about the widget classes that build on
+    // PVNODE. Those classes install their own answers with setQueries; until
+    // then every node answers with the defaults: stamp 0, not minimised.
     struct QUERIES {
-        // Bounding radius of a mesh-like node (mesh, terrain, helper), used by
-        // distance clipping and by the back-to-front sort.
-        float (*radius)(PVNODE *node);
-        // A hidden mesh gets no record.
-        bool (*isHiddenMesh)(PVNODE *node);
-        // A mesh whose material is transparent.
-        bool (*hasTransparentMaterial)(PVNODE *node);
         // Drawing order of 2D widgets; the greatest stamp is drawn last.
         long (*foremostTimeStamp)(PVNODE *node);
         // A minimised window passes only its first child (its title bar).
@@ -65,6 +58,9 @@ public:
     // Records node and its subtree, depth first; false for a null node or a
     // full list (the rest of that subtree is then left out).
     static bool pass(PVNODE *node, bool flag);
+    // Fills the next skeleton cache slot with the model-view matrices of
+    // mesh's bones found under node (relative to the current matrix).
+    static bool passSkeleton(PVNODE *node, PVMESH *mesh);
 
     static bool sort3D();
     static bool sort2D();
@@ -95,9 +91,11 @@ private:
     static bool passNode(PVNODE *node, bool flag);
     static bool isClipped(PVNODE *node);
     static void addRecord(PVNODE *node);
+    static unsigned int takeSkeletonSlot(PVMESH *mesh);
     static void countRecord(PVNODE *node);
     static void passChildren(PVNODE *node);
     static bool isTransparent(PVNODE *node);
+    static bool isHiddenMesh(PVNODE *node);
     static int drawingRank(PVNODE *node);
     static float sortDepth(const PVELEMENT *record);
     // Strict orderings for the sorts: true when a is drawn (or chosen) before b.

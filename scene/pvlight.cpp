@@ -2,10 +2,16 @@
 #include "scene/pvlight.h"
 
 #include "core/pvgl.h"
+#include "core/pevrano.h"
 #include "foundation/kvflog.h"
+#include "foundation/kvfreader.h"
+
+#include <cstring>
+#include <new>
 #include "scene/pvelement.h"
 
 bool PVLIGHT::lighting = false;
+PVLIGHT::SLOTSTATE PVLIGHT::programmed[PV_ELEMENT_LIGHTS];
 
 PVLIGHT::PVLIGHT()
     : lightType(PV_LIGHT_OMNI),
@@ -23,6 +29,8 @@ PVLIGHT::PVLIGHT()
     type = PV_TYPE_LIGHT;
     setDefaultName("[light %d]");
 }
+
+PVLIGHT::~PVLIGHT() { }
 
 void PVLIGHT::lightingOn()
 {
@@ -42,7 +50,30 @@ void PVLIGHT::lightingOff()
 
 bool PVLIGHT::getLighting() { return lighting; }
 
-void PVLIGHT::forgetLighting() { lighting = false; }
+void PVLIGHT::forgetLighting()
+{
+    lighting = false;
+    std::memset(static_cast<void*>(programmed), 0, sizeof programmed);
+}
+
+void PVLIGHT::forgetSlots()
+{
+    for (SLOTSTATE& slot : programmed)
+        if (slot.light == this)
+            std::memset(static_cast<void*>(&slot), 0, sizeof slot);
+}
+
+// Rotation about x, then y, then z; a zero angle changes nothing and costs
+// no GL call.
+static void rotateNonZero(const K3MVECTOR3D& angles)
+{
+    if (angles.x != 0.0f)
+        PV_glRotatef(angles.x, 1.0f, 0.0f, 0.0f);
+    if (angles.y != 0.0f)
+        PV_glRotatef(angles.y, 0.0f, 1.0f, 0.0f);
+    if (angles.z != 0.0f)
+        PV_glRotatef(angles.z, 0.0f, 0.0f, 1.0f);
+}
 
 bool PVLIGHT::activateNearest(PVELEMENT* element)
 {
@@ -87,6 +118,7 @@ bool PVLIGHT::render(void* element)
         return false;
     }
     PVELEMENT* record = static_cast<PVELEMENT*>(element);
+    const unsigned int slotIndex = record->getParam1();
     aim();
 
     float glPosition[4] = {0.0f, 0.0f, 0.0f, 1.0f};
@@ -115,7 +147,25 @@ bool PVLIGHT::render(void* element)
     }
 
     lightingOn();
-    const GLenum slot = GL_LIGHT0 + record->getParam1();
+    SLOTSTATE state;
+    std::memset(static_cast<void*>(&state), 0, sizeof state);
+    state.light = this;
+    state.record = record;
+    state.stamp = PEVRANO::getTimeStamp();
+    state.matrix = *record->getMatrix();
+    state.rotation = rotation;
+    std::memcpy(state.position, glPosition, sizeof glPosition);
+    std::memcpy(state.spotDirection, spotDirection, sizeof spotDirection);
+    state.cutOff = cut;
+    state.exponent = exponent;
+    state.ambient = ambient;
+    state.diffuse = diffuse;
+    state.specular = specular;
+    state.attenuation = attenuation;
+    if (slotIndex < PV_ELEMENT_LIGHTS && std::memcmp(&programmed[slotIndex], &state, sizeof state) == 0)
+        return true;
+
+    const GLenum slot = GL_LIGHT0 + slotIndex;
     glEnable(slot);
     PV_glLightfv(slot, GL_AMBIENT, ambient);
     PV_glLightfv(slot, GL_DIFFUSE, diffuse);
@@ -128,9 +178,11 @@ bool PVLIGHT::render(void* element)
 
     // Position and spot direction are taken in the light's own frame.
     PV_glLoadMatrixf(record->getMatrix()->m);
-    applyRotation(rotation);
+    rotateNonZero(rotation);
     PV_glLightfv(slot, GL_POSITION, glPosition);
     PV_glLightfv(slot, GL_SPOT_DIRECTION, spotDirection);
+    if (slotIndex < PV_ELEMENT_LIGHTS)
+        programmed[slotIndex] = state;
     return true;
 }
 
@@ -162,3 +214,32 @@ void PVLIGHT::setShadowNearPlane(float distance) { shadowNearPlane = distance; }
 float PVLIGHT::getShadowNearPlane() { return shadowNearPlane; }
 void PVLIGHT::setShadowFarPlane(float distance) { shadowFarPlane = distance; }
 float PVLIGHT::getShadowFarPlane() { return shadowFarPlane; }
+
+PVNODE* PVLIGHT::load(KVFREADER& reader, uint16_t& children)
+{
+    PVLIGHT* light = new (std::nothrow) PVLIGHT();
+    if (light && light->readBody(reader, children))
+        return light;
+    delete light;
+    return nullptr;
+}
+
+// Type, name, position, direction (aimed from the position), cut-off and
+// one colour from which the three light colours derive.
+bool PVLIGHT::readBody(KVFREADER& reader, uint16_t& children)
+{
+    uint8_t kind;
+    float cut;
+    float colour[3];
+    if (!reader.readU8(kind) || !readName(reader) || !readVector(reader, position) ||
+        !readVector(reader, direction) || !reader.readFloat(cut) || !reader.readFloats(colour, 3) ||
+        !reader.readU16(children))
+        return false;
+    lightType = static_cast<PV_LIGHT_TYPE>(kind);
+    target = position + direction;
+    setCutOff(cut);
+    setAmbient(colour[0] / 5.0f, colour[1] / 5.0f, colour[2] / 5.0f, 1.0f);
+    setDiffuse(colour[0], colour[1], colour[2], 1.0f);
+    setSpecular(colour[0] / 10.0f, colour[1] / 10.0f, colour[2] / 10.0f, 1.0f);
+    return true;
+}

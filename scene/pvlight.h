@@ -5,11 +5,13 @@
 
 #include <cstdint>
 
+#include "math/k3mmatrix.h"
 #include "math/k3mvector3d.h"
 #include "math/k3mvector4d.h"
 #include "scene/pvnode.h"
 
 class PVELEMENT;
+class KVFREADER;
 
 enum PV_LIGHT_TYPE : int32_t {
     PV_LIGHT_OMNI = 0,
@@ -22,7 +24,7 @@ public:
     PVLIGHT();
     PVLIGHT(const PVLIGHT& other) = default;
     PVLIGHT& operator=(const PVLIGHT& other) = default;
-    ~PVLIGHT() override = default;
+    ~PVLIGHT() override;
 
     // Programs the GL slot named by the light's own render-list record
     // (its param1). False for a null record.
@@ -39,6 +41,11 @@ public:
     static void lightingOn();
     static void lightingOff();
     static bool getLighting();
+
+    // Reads a light's scene-file record at the reader's position; its
+    // children count goes to children. Null (the light deleted again) when
+    // the record is cut short.
+    static PVNODE* load(KVFREADER& reader, uint16_t& children);
 
     void setLightType(PV_LIGHT_TYPE type);
     PV_LIGHT_TYPE getLightType();
@@ -72,10 +79,14 @@ private:
     friend class PEVRANO;
 
     // The GL context goes away at shut-down, and lighting with it: the next
-    // context starts with lighting off.
+    // context starts with lighting off and no slot programmed.
     static void forgetLighting();
 
+    // A destroyed light leaves the slots it held.
+    void forgetSlots();
+
     void aim();
+    bool readBody(KVFREADER& reader, uint16_t& children);
 
     PV_LIGHT_TYPE lightType;
     K3MVECTOR4D ambient;
@@ -90,6 +101,25 @@ private:
     float shadowFarPlane;
 
     static bool lighting;
+    // Everything a render programs into a slot, with the light, its record
+    // and the frame: within a frame a slot whose state would come out the
+    // same is not programmed again (compared bytewise, so zeroed first).
+    struct SLOTSTATE {
+        const PVLIGHT* light;
+        const PVELEMENT* record;
+        long stamp;
+        K3MMATRIX matrix;
+        K3MVECTOR3D rotation;
+        float position[4];
+        float spotDirection[4];
+        float cutOff;
+        float exponent;
+        K3MVECTOR4D ambient;
+        K3MVECTOR4D diffuse;
+        K3MVECTOR4D specular;
+        K3MVECTOR3D attenuation;
+    };
+    static SLOTSTATE programmed[4];
 };
 
 #endif

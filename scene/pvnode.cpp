@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "core/pevrano.h"
@@ -9,6 +10,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfreader.h"
 #include "scene/pvelement.h"
 
 PVNODE *PVNODE::firstNode = nullptr;
@@ -288,5 +290,40 @@ PVNODE *PVNODE::displayTreeRecursive(PVNODE *node, int indent)
     kvfLog("%*s+ %s [id: %d]\n", indent, "", node->name, static_cast<int>(node->id));
     for (unsigned int i = 0; node->children && i < node->numberOfChildren; i++)
         displayTreeRecursive(node->children[i], indent + 2);
+    return nullptr;
+}
+
+bool PVNODE::readName(KVFREADER &reader)
+{
+    char text[PV_NODE_NAME_SIZE];
+    if (!reader.readString(text, sizeof text))
+        return false;
+    setName(text);
+    return true;
+}
+
+bool PVNODE::readVector(KVFREADER &reader, K3MVECTOR3D &vector)
+{
+    float v[3];
+    if (!reader.readFloats(v, 3))
+        return false;
+    vector = K3MVECTOR3D(v[0], v[1], v[2]);
+    return true;
+}
+
+PVNODE *PVNODE::load(KVFREADER &reader, uint16_t &children)
+{
+    PVNODE *node = new (std::nothrow) PVNODE();
+    if (!node) {
+        kvfLog("   [!] Consistency error: node == NULL @ PVNODE::load\n");
+        return nullptr;
+    }
+    uint32_t aux;
+    if (reader.readU32(aux) && node->readName(reader) && readVector(reader, node->position) &&
+        readVector(reader, node->origin) && reader.readU16(children)) {
+        node->auxId = aux;
+        return node;
+    }
+    delete node;
     return nullptr;
 }

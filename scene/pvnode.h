@@ -11,6 +11,8 @@
 #include "math/k3mmatrix.h"
 #include "math/k3mvector3d.h"
 
+class KVFREADER;
+
 #define PV_NODE_NAME_SIZE 256
 #define PV_NODE_TYPE_COUNT 19
 // Deepest ancestor chain getFinalMatrix accepts is one less than this.
@@ -148,6 +150,10 @@ public:
     static PVNODE *findById(unsigned int wanted);
     // Deletes every live node; false (and no log line) for an empty registry.
     static bool cleanUp();
+    // Reads a plain node's scene-file record at the reader's position; its
+    // children count goes to children. Null (the node deleted again) when the
+    // record is cut short.
+    static PVNODE *load(KVFREADER &reader, uint16_t &children);
     // Logs the hierarchy under root, one indented line per node.
     static bool displayTree(PVNODE *root);
     static PVNODE *displayTreeRecursive(PVNODE *node, int indent);
@@ -166,6 +172,9 @@ protected:
     // Rotates the wrapper's current matrix about x, then y, then z (degrees),
     // the order every node rotation uses.
     static void applyRotation(const K3MVECTOR3D &angles);
+    // Reads a name and three vectors, as scene-file records store them.
+    bool readName(KVFREADER &reader);
+    static bool readVector(KVFREADER &reader, K3MVECTOR3D &vector);
 
     unsigned int id;
     unsigned int auxId;

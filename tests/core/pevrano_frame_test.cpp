@@ -227,16 +227,18 @@ TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
     EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
 }
 
-// The per-frame resets come before the camera loads its view.
+// The per-frame resets (the mesh class's client arrays, blending, two-sided
+// lighting) come before the camera loads its view.
 TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
 {
     start();
     PVOPENGL::blendingOn();
     PVOPENGL::twoSideOn();
     const Calls calls = record([] { EXPECT_TRUE(PEVRANO::begin3D(nullptr)); });
-    ASSERT_GT(calls.size(), 2u);
-    EXPECT_EQ(Calls(calls.begin(), calls.begin() + 2),
-              (Calls{"glDisable(GL_BLEND)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
+    ASSERT_GT(calls.size(), 4u);
+    EXPECT_EQ(Calls(calls.begin(), calls.begin() + 4),
+              (Calls{"glDisableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
+                     "glDisable(GL_BLEND)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
         << recorder.text();
     EXPECT_EQ(recorder.count("glDisable"), 1u);
     EXPECT_EQ(recorder.count("glLightModelx"), 1u);

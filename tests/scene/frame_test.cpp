@@ -20,18 +20,6 @@ namespace {
 std::vector<PVNODE*> drawn;
 std::vector<K3MMATRIX> drawnMatrices;
 
-// Remembers the order it is drawn in and the matrix of its record.
-class DrawnNode : public TestNode {
-public:
-    using TestNode::TestNode;
-    bool render(void* element) override
-    {
-        drawn.push_back(this);
-        drawnMatrices.push_back(*static_cast<PVELEMENT*>(element)->getMatrix());
-        return true;
-    }
-};
-
 class Frame : public pvtest::RecordingTest {
 protected:
     void SetUp() override
@@ -40,12 +28,26 @@ protected:
         TestNode::installQueries();
         drawn.clear();
         drawnMatrices.clear();
+        // Every test object remembers the order it is drawn in and the
+        // matrix of its record.
+        pvtest::onRender = [](PVNODE* node, void* element) {
+            drawn.push_back(node);
+            drawnMatrices.push_back(*static_cast<PVELEMENT*>(element)->getMatrix());
+        };
     }
-    void TearDown() override { PEVRANO::free(); }
-
-    static DrawnNode* make(const char* name, PV_NODE_TYPE type, PVNODE* parent)
+    void TearDown() override
     {
-        DrawnNode* node = new DrawnNode(name, type);
+        pvtest::onRender = nullptr;
+        PEVRANO::free();
+    }
+
+    static TestNode* widget(const char* name, PV_NODE_TYPE type, PVNODE* parent)
+    {
+        return static_cast<TestNode*>(make(name, type, parent));
+    }
+    static PVNODE* make(const char* name, PV_NODE_TYPE type, PVNODE* parent)
+    {
+        PVNODE* node = pvtest::makeOfType(name, type);
         if (parent)
             node->link(parent);
         return node;
@@ -56,9 +58,9 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 {
     EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
     PVNODE* root = new PVNODE();
-    DrawnNode* glass = make("glass", PV_TYPE_HELPER, root);
-    DrawnNode* mesh = make("mesh", PV_TYPE_MESH, root);
-    DrawnNode* light = make("light", PV_TYPE_LIGHT, root);
+    PVNODE* glass = make("glass", PV_TYPE_HELPER, root);
+    PVNODE* mesh = make("mesh", PV_TYPE_MESH, root);
+    PVNODE* light = make("light", PV_TYPE_LIGHT, root);
     mesh->setPosition(1, 2, -3);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 10);
@@ -85,11 +87,11 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 
 TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
 {
-    DrawnNode* window = make("window", PV_TYPE_WINDOW, nullptr);
+    TestNode* window = widget("window", PV_TYPE_WINDOW, nullptr);
     window->foremost = 5;
-    DrawnNode* label = make("label", PV_TYPE_LABEL, window);
+    TestNode* label = widget("label", PV_TYPE_LABEL, window);
     label->foremost = 9;
-    DrawnNode* box = make("box", PV_TYPE_BOX, window);
+    TestNode* box = widget("box", PV_TYPE_BOX, window);
     box->foremost = 1;
     make("mesh", PV_TYPE_MESH, window);
     make("light", PV_TYPE_LIGHT, window);
@@ -108,7 +110,7 @@ TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
 {
     PVNODE* sky = new PVNODE();
     sky->setRotation(0, 0, 90);
-    DrawnNode* dome = make("dome", PV_TYPE_MESH, sky);
+    PVNODE* dome = make("dome", PV_TYPE_MESH, sky);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(5, 6, 7);
     camera->setRotation(0, 30, 0);

@@ -85,17 +85,24 @@ protected:
     {
         PVELEMENT::free();
         PVNODE::cleanUp();
+        PVMATERIAL::cleanUp();
     }
 
     // A registry-owned node at a position, optionally linked under parent.
-    static TestNode* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
-                          PVNODE* parent = nullptr)
+    static PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
+                        PVNODE* parent = nullptr)
     {
-        TestNode* node = new TestNode(name, type);
+        PVNODE* node = pvtest::makeOfType(name, type);
         node->setPosition(float(position.x), float(position.y), float(position.z));
         if (parent)
             node->link(parent);
         return node;
+    }
+    // A widget: a TestNode, whose stamp and minimised state the queries read.
+    static TestNode* widget(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
+                            PVNODE* parent = nullptr)
+    {
+        return static_cast<TestNode*>(make(name, type, position, parent));
     }
     static std::vector<PVNODE*> passedNodes()
     {
@@ -139,11 +146,11 @@ TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
 TEST_F(RenderList, AFullListStopsTheSubtree)
 {
     start(2);
-    TestNode* root = make("root", PV_TYPE_NODE);
-    TestNode* m1 = make("m1", PV_TYPE_MESH, {}, root);
-    TestNode* m2 = make("m2", PV_TYPE_MESH, {}, root);
-    TestNode* m3 = make("m3", PV_TYPE_MESH, {}, root);
-    TestNode* below = make("below", PV_TYPE_MESH, {}, m3);
+    PVNODE* root = make("root", PV_TYPE_NODE);
+    PVNODE* m1 = make("m1", PV_TYPE_MESH, {}, root);
+    PVNODE* m2 = make("m2", PV_TYPE_MESH, {}, root);
+    PVNODE* m3 = make("m3", PV_TYPE_MESH, {}, root);
+    PVNODE* below = make("below", PV_TYPE_MESH, {}, m3);
     EXPECT_TRUE(root->pass(false));
     EXPECT_EQ((std::vector<PVNODE*>{m1, m2}), passedNodes());
     EXPECT_EQ(nullptr, PVELEMENT::getPassedElement(2));
@@ -168,13 +175,13 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     start(16);
     const Vec3 rootPos{1, 2, 3}, rootRot{0, 90, 0};
     const Vec3 meshPos{4, 0, -2}, meshOrigin{0, 1, 0}, meshRot{30, 0, 45};
-    TestNode* root = make("root", PV_TYPE_NODE);
+    PVNODE* root = make("root", PV_TYPE_NODE);
     pvtest::place(*root, rootPos, {0, 0, 0}, rootRot);
-    TestNode* mesh = make("mesh", PV_TYPE_MESH, {}, root);
+    PVNODE* mesh = make("mesh", PV_TYPE_MESH, {}, root);
     pvtest::place(*mesh, meshPos, meshOrigin, meshRot);
     mesh->setAuxId(4242);
-    TestNode* plain = make("plain", PV_TYPE_NODE, {0, 0, 5}, mesh);
-    TestNode* leaf = make("leaf", PV_TYPE_CAMERA, {0, 0, 0}, plain);
+    PVNODE* plain = make("plain", PV_TYPE_NODE, {0, 0, 5}, mesh);
+    PVNODE* leaf = make("leaf", PV_TYPE_CAMERA, {0, 0, 0}, plain);
 
     // A view as a camera would leave it.
     PV_glTranslatef(0, 0, -10);
@@ -191,7 +198,7 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     EXPECT_EQ(nullptr, record->getNearestLight(0));
     expectMatrixNear(meshView * Mat4::translation(0, 0, 5),
                      PVELEMENT::getPassedElement(1)->getMatrix()->m, "leaf under a plain node");
-    for (TestNode* node : {root, mesh, plain, leaf})
+    for (PVNODE* node : {root, mesh, plain, leaf})
         EXPECT_EQ(PEVRANO::getTimeStamp(), node->getTimeStamp()) << node->getName();
 
     K3MMATRIX after;
@@ -203,21 +210,21 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
 TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
 {
     start(16);
-    TestNode* root = make("root", PV_TYPE_NODE, {0, 0, -100});
+    PVNODE* root = make("root", PV_TYPE_NODE, {0, 0, -100});
     // Eye distances: far 200 (limit 148 with its radius 10); edge, a child of
     // the clipped far, is still visited at |(0, 148, -300)| = 334.52; near 53;
     // limit exactly 148 (kept); helper 149; a light or an emitter is never clipped.
-    TestNode* far = make("far", PV_TYPE_MESH, {0, 0, -100}, root);
-    far->radius = 10;
-    TestNode* edge = make("edge", PV_TYPE_MESH, {0, 148, -100}, far);
-    edge->radius = 10;
-    TestNode* near = make("near", PV_TYPE_TERRAIN, {0, 0, 47}, root);
-    TestNode* limit = make("limit", PV_TYPE_HELPER, {0, 0, -48}, root);
-    limit->radius = 10;
-    TestNode* helper = make("helper", PV_TYPE_HELPER, {0, 0, -49}, root);
-    helper->radius = 10;
-    TestNode* light = make("light", PV_TYPE_LIGHT, {0, 0, -900}, root);
-    TestNode* emitter = make("emitter", PV_TYPE_EMITTER, {0, 0, -900}, root);
+    PVNODE* far = make("far", PV_TYPE_MESH, {0, 0, -100}, root);
+    pvtest::setRadius(far, 10);
+    PVNODE* edge = make("edge", PV_TYPE_MESH, {0, 148, -100}, far);
+    pvtest::setRadius(edge, 10);
+    PVNODE* near = make("near", PV_TYPE_TERRAIN, {0, 0, 47}, root);
+    PVNODE* limit = make("limit", PV_TYPE_HELPER, {0, 0, -48}, root);
+    pvtest::setRadius(limit, 10);
+    PVNODE* helper = make("helper", PV_TYPE_HELPER, {0, 0, -49}, root);
+    pvtest::setRadius(helper, 10);
+    PVNODE* light = make("light", PV_TYPE_LIGHT, {0, 0, -900}, root);
+    PVNODE* emitter = make("emitter", PV_TYPE_EMITTER, {0, 0, -900}, root);
 
     PVELEMENT::clippingOn();
     root->pass(false);
@@ -244,11 +251,10 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
 TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
 {
     start(16);
-    TestNode* hidden = make("hidden", PV_TYPE_MESH);
-    hidden->hidden = true;
-    TestNode* child = make("child", PV_TYPE_MESH, {1, 0, 0}, hidden);
-    TestNode* notMesh = make("notMesh", PV_TYPE_HELPER, {}, hidden);
-    notMesh->hidden = true;  // only meshes are asked
+    PVNODE* hidden = make("hidden", PV_TYPE_MESH);
+    static_cast<PVMESH*>(hidden)->setDisplayStatus(false);
+    PVNODE* child = make("child", PV_TYPE_MESH, {1, 0, 0}, hidden);
+    PVNODE* notMesh = make("notMesh", PV_TYPE_HELPER, {}, hidden);
     hidden->pass(false);
     EXPECT_EQ((std::vector<PVNODE*>{child, notMesh}), passedNodes());
 }
@@ -256,10 +262,10 @@ TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
 TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
 {
     start(16);
-    TestNode* window = make("window", PV_TYPE_WINDOW, {10, 20, 0});
-    TestNode* title = make("title", PV_TYPE_BUTTON, {0, 0, 0}, window);
-    TestNode* icon = make("icon", PV_TYPE_BOX, {2, 2, 0}, title);
-    TestNode* body = make("body", PV_TYPE_LABEL, {0, 16, 0}, window);
+    TestNode* window = widget("window", PV_TYPE_WINDOW, {10, 20, 0});
+    PVNODE* title = make("title", PV_TYPE_BUTTON, {0, 0, 0}, window);
+    PVNODE* icon = make("icon", PV_TYPE_BOX, {2, 2, 0}, title);
+    PVNODE* body = make("body", PV_TYPE_LABEL, {0, 16, 0}, window);
     window->minimized = true;
     window->pass(false);
     EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
@@ -284,14 +290,14 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
 TEST_F(RenderList, CountsLightsAndTransparencies)
 {
     start(16);
-    TestNode* root = make("root", PV_TYPE_NODE);
+    PVNODE* root = make("root", PV_TYPE_NODE);
     make("light1", PV_TYPE_LIGHT, {}, root);
     make("light2", PV_TYPE_LIGHT, {}, root);
     make("opaque", PV_TYPE_MESH, {}, root);
-    make("glass", PV_TYPE_MESH, {}, root)->transparent = true;
+    pvtest::makeTransparent(make("glass", PV_TYPE_MESH, {}, root));
     make("emitter", PV_TYPE_EMITTER, {}, root);
     make("helper", PV_TYPE_HELPER, {}, root);
-    make("box", PV_TYPE_BOX, {}, root)->transparent = true;  // only meshes are asked
+    make("box", PV_TYPE_BOX, {}, root);
     root->pass(false);
     EXPECT_EQ(7u, PVELEMENT::getNumberOfPassedElements());
     EXPECT_EQ(2u, PVELEMENT::getNumberOfLights());
@@ -308,12 +314,12 @@ TEST_F(RenderList, Sort3DPutsLightsFirstThenOpaqueThenTransparent)
 {
     start(16);
     EXPECT_FALSE(PVELEMENT::sort3D());
-    TestNode* root = make("root", PV_TYPE_NODE);
-    TestNode* glass = make("glass", PV_TYPE_MESH, {}, root);
-    glass->transparent = true;
-    TestNode* opaque = make("opaque", PV_TYPE_MESH, {}, root);
-    TestNode* light1 = make("light1", PV_TYPE_LIGHT, {}, root);
-    TestNode* light2 = make("light2", PV_TYPE_LIGHT, {}, root);
+    PVNODE* root = make("root", PV_TYPE_NODE);
+    PVNODE* glass = make("glass", PV_TYPE_MESH, {}, root);
+    pvtest::makeTransparent(glass);
+    PVNODE* opaque = make("opaque", PV_TYPE_MESH, {}, root);
+    PVNODE* light1 = make("light1", PV_TYPE_LIGHT, {}, root);
+    PVNODE* light2 = make("light2", PV_TYPE_LIGHT, {}, root);
     root->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
     const std::vector<PVNODE*> order = passedNodes();
@@ -326,14 +332,14 @@ TEST_F(RenderList, Sort3DPutsLightsFirstThenOpaqueThenTransparent)
 TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
 {
     start(16);
-    TestNode* root = make("root", PV_TYPE_NODE);
-    TestNode* near = make("near", PV_TYPE_HELPER, {0, 0, -5}, root);
-    TestNode* far = make("far", PV_TYPE_MESH, {0, 0, -20}, root);
-    far->transparent = true;
-    TestNode* wide = make("wide", PV_TYPE_HELPER, {0, 0, -10}, root);
-    wide->radius = 15;  // its far side at -25 is the farthest
-    TestNode* spark = make("spark", PV_TYPE_EMITTER, {0, 0, -1}, root);
-    TestNode* wall = make("wall", PV_TYPE_MESH, {0, 0, -100}, root);
+    PVNODE* root = make("root", PV_TYPE_NODE);
+    PVNODE* near = make("near", PV_TYPE_HELPER, {0, 0, -5}, root);
+    PVNODE* far = make("far", PV_TYPE_MESH, {0, 0, -20}, root);
+    pvtest::makeTransparent(far);
+    PVNODE* wide = make("wide", PV_TYPE_HELPER, {0, 0, -10}, root);
+    pvtest::setRadius(wide, 15);  // its far side at -25 is the farthest
+    PVNODE* spark = make("spark", PV_TYPE_EMITTER, {0, 0, -1}, root);
+    PVNODE* wall = make("wall", PV_TYPE_MESH, {0, 0, -100}, root);
     root->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
     EXPECT_EQ((std::vector<PVNODE*>{wall, wide, far, near, spark}), passedNodes());
@@ -342,7 +348,7 @@ TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
 TEST_F(RenderList, Sort3DLeavesAnAllOpaqueListAlone)
 {
     start(16);
-    TestNode* root = make("root", PV_TYPE_NODE);
+    PVNODE* root = make("root", PV_TYPE_NODE);
     std::vector<PVNODE*> meshes;
     for (int i = 0; i < 6; i++)
         meshes.push_back(make("mesh", PV_TYPE_MESH, {0, 0, float(-i)}, root));
@@ -355,13 +361,13 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
 {
     start(16);
     EXPECT_FALSE(PVELEMENT::sort2D());
-    TestNode* desk = make("desk", PV_TYPE_WINDOW);
+    TestNode* desk = widget("desk", PV_TYPE_WINDOW);
     desk->foremost = 3;
-    TestNode* back = make("back", PV_TYPE_BOX, {}, desk);
+    TestNode* back = widget("back", PV_TYPE_BOX, {}, desk);
     back->foremost = 1;
-    TestNode* middle = make("middle", PV_TYPE_LABEL, {}, desk);
+    TestNode* middle = widget("middle", PV_TYPE_LABEL, {}, desk);
     middle->foremost = 2;
-    TestNode* top = make("top", PV_TYPE_BUTTON, {}, desk);
+    TestNode* top = widget("top", PV_TYPE_BUTTON, {}, desk);
     top->foremost = 7;
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
@@ -406,12 +412,12 @@ TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
 }
 
 // True for the node kinds the 3D sort draws after the opaque ones (every
-// node but the lights is a TestNode here).
+// node but the lights is a TestNode, a mesh or a helper here).
 bool drawnAsTransparent(PVNODE* node)
 {
     const PV_NODE_TYPE type = node->getType();
     return type == PV_TYPE_EMITTER || type == PV_TYPE_HELPER ||
-           (type == PV_TYPE_MESH && static_cast<TestNode*>(node)->transparent);
+           (type == PV_TYPE_MESH && static_cast<PVMESH*>(node)->getMaterial());
 }
 
 int rank3D(PVNODE* node)
@@ -421,10 +427,10 @@ int rank3D(PVNODE* node)
     return drawnAsTransparent(node) ? 2 : 1;
 }
 
-// Eye-space z of a transparent TestNode's near side, from its placement.
+// Eye-space z of a transparent node's near side, from its placement.
 float nearSide(PVNODE* node)
 {
-    return node->getPosition().z - static_cast<TestNode*>(node)->radius;
+    return node->getPosition().z - PVMESH::radiusOf(node);
 }
 
 // A frame of several hundred records, well past the size at which the C
@@ -449,15 +455,17 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         } else {
             const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT, PV_TYPE_HELPER, PV_TYPE_MESH,
                                           PV_TYPE_EMITTER, PV_TYPE_NODE};
-            TestNode* node = new TestNode("n", kinds[i % 6]);
-            node->transparent = (i / 6) % 2 == 0;
-            node->radius = float(i % 4);
+            PVNODE* node = pvtest::makeOfType("n", kinds[i % 6]);
+            if (kinds[i % 6] == PV_TYPE_MESH && (i / 6) % 2 == 0)
+                pvtest::makeTransparent(node);
+            if (kinds[i % 6] == PV_TYPE_MESH || kinds[i % 6] == PV_TYPE_HELPER)
+                pvtest::setRadius(node, float(i % 4));
             placed = node;
         }
         placed->setPosition(x, 0, z);
         placed->link(scene);
-        TestNode* widget = make("w", PV_TYPE_BOX, {x, 0, 0}, desk);
-        widget->foremost = (i * 131) % count;
+        TestNode* box = widget("w", PV_TYPE_BOX, {x, 0, 0}, desk);
+        box->foremost = (i * 131) % count;
     }
     PVELEMENT::clippingOn();
     PVELEMENT::setClippingRadius(10000.0f);
@@ -537,19 +545,19 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
 TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
 {
     start(64);
-    TestNode* root = make("root", PV_TYPE_NODE);
-    std::vector<TestNode*> helpers;
+    PVNODE* root = make("root", PV_TYPE_NODE);
+    std::vector<PVNODE*> helpers;
     for (int i = 0; i < 40; i++)
         helpers.push_back(make("h", PV_TYPE_HELPER, {0, 0, -float((i * 17) % 40)}, root));
-    helpers[13]->radius = std::numeric_limits<float>::quiet_NaN();
-    helpers[29]->radius = std::numeric_limits<float>::quiet_NaN();
+    pvtest::setRadius(helpers[13], std::numeric_limits<float>::quiet_NaN());
+    pvtest::setRadius(helpers[29], std::numeric_limits<float>::quiet_NaN());
     root->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
     std::vector<PVNODE*> order = passedNodes();
     EXPECT_EQ(std::set<PVNODE*>(helpers.begin(), helpers.end()),
               std::set<PVNODE*>(order.begin(), order.end()));
     order.erase(std::remove_if(order.begin(), order.end(),
-                               [](PVNODE* node) { return std::isnan(static_cast<TestNode*>(node)->radius); }),
+                               [](PVNODE* node) { return std::isnan(PVMESH::radiusOf(node)); }),
                 order.end());
     ASSERT_EQ(38u, order.size());
     for (size_t i = 1; i < order.size(); i++)
@@ -559,9 +567,9 @@ TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
 TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
 {
     start(16);
-    TestNode* root = make("root", PV_TYPE_NODE, {1, 2, 3});
+    PVNODE* root = make("root", PV_TYPE_NODE, {1, 2, 3});
     root->setRotation(90, 0, -45);
-    TestNode* child = make("child", PV_TYPE_MESH, {}, root);
+    PVNODE* child = make("child", PV_TYPE_MESH, {}, root);
     K3MMATRIX m;
     m.m[12] = 0.5f;
     child->setMatrix(m);

@@ -58,12 +58,14 @@ struct SlotSetUp {
                    "glLightx(" + s + ",GL_CONSTANT_ATTENUATION," + fx(attenuation[0]) + ")",
                    "glLightx(" + s + ",GL_LINEAR_ATTENUATION," + fx(attenuation[1]) + ")",
                    "glLightx(" + s + ",GL_QUADRATIC_ATTENUATION," + fx(attenuation[2]) + ")",
-                   "glLoadMatrixx(" + matrix + ")",
-                   "glRotatex(" + fx(rotation[0]) + ",65536,0,0)",
-                   "glRotatex(" + fx(rotation[1]) + ",0,65536,0)",
-                   "glRotatex(" + fx(rotation[2]) + ",0,0,65536)",
-                   "glLightxv(" + s + ",GL_POSITION," + position + ")",
-                   "glLightxv(" + s + ",GL_SPOT_DIRECTION," + spotDirection + ")"};
+                   "glLoadMatrixx(" + matrix + ")"};
+        // Rotations by zero degrees make no call.
+        const char* axes[3] = {",65536,0,0)", ",0,65536,0)", ",0,0,65536)"};
+        for (int i = 0; i < 3; i++)
+            if (rotation[i] != 0)
+                c.push_back("glRotatex(" + fx(rotation[i]) + axes[i]);
+        c.push_back("glLightxv(" + s + ",GL_POSITION," + position + ")");
+        c.push_back("glLightxv(" + s + ",GL_SPOT_DIRECTION," + spotDirection + ")");
         return c;
     }
 };
@@ -101,7 +103,12 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
     EXPECT_TRUE(PVLIGHT::getLighting());
 
-    // Lighting is already on: the second time only the slot is programmed.
+    // The slot already holds this light's record in this frame: no call.
+    EXPECT_EQ(Calls{}, renderCalls(light, record));
+    // A changed value forgets the slot: it is programmed again, lighting
+    // being on already.
+    light.setExponent(2);
+    expected.exponent = 2;
     EXPECT_EQ(expected.calls(), renderCalls(light, record));
     EXPECT_EQ("", log.text());
 }

@@ -4,12 +4,22 @@
 #ifndef PEVRANO_TESTS_SCENETESTNODE_H
 #define PEVRANO_TESTS_SCENETESTNODE_H
 
+#include <functional>
+
 #include <pevrano.h>
 
 #include "support/viewmath.h"
 
 namespace pvtest {
 
+// Called by every test object's render, when set (to record draw order).
+inline std::function<void(PVNODE*, void*)> onRender;
+
+// A node of any type with the properties the render list asks widgets for
+// (foremost stamp, minimised), plus the textbook local transform the tests
+// compare to. Meshes and helpers are real objects of their classes
+// (Recorded<PVMESH>, Recorded<PVHELPER>): the render list asks those
+// classes directly.
 class TestNode : public PVNODE {
 public:
     explicit TestNode(const char* nodeName = nullptr, PV_NODE_TYPE nodeType = PV_TYPE_NODE)
@@ -23,33 +33,72 @@ public:
     {
         lastElement = element;
         ++renders;
+        if (onRender)
+            onRender(this, element);
         return true;
     }
     // Breaks the hierarchy on purpose: a parent that does not list this node.
     void forceParent(PVNODE* node) { parent = node; }
 
-    float radius = 0.0f;
-    bool hidden = false;
-    bool transparent = false;
     long foremost = 0;
     bool minimized = false;
     int renders = 0;
     void* lastElement = nullptr;
     static int destroyed;
 
-    // Installs answers that read the fields above; every node the render
+    // Installs answers that read the fields above; every widget the render
     // list asks about in these tests is a TestNode.
     static void installQueries()
     {
-        PVELEMENT::QUERIES queries = {
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->radius; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->hidden; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->transparent; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->foremost; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->minimized; }};
+        PVELEMENT::QUERIES queries = {[](PVNODE* n) { return static_cast<TestNode*>(n)->foremost; },
+                                      [](PVNODE* n) { return static_cast<TestNode*>(n)->minimized; }};
         PVELEMENT::setQueries(queries);
     }
 };
+
+// A mesh or helper whose drawing is only recorded.
+template <class Base>
+class Recorded : public Base {
+public:
+    explicit Recorded(const char* nodeName)
+    {
+        if (nodeName)
+            this->setName(nodeName);
+    }
+    bool render(void* element) override
+    {
+        if (onRender)
+            onRender(this, element);
+        return true;
+    }
+};
+
+// A registry-owned node of the class its type calls for.
+inline PVNODE* makeOfType(const char* name, PV_NODE_TYPE type)
+{
+    if (type == PV_TYPE_MESH)
+        return new Recorded<PVMESH>(name);
+    if (type == PV_TYPE_HELPER)
+        return new Recorded<PVHELPER>(name);
+    return new TestNode(name, type);
+}
+
+// Radius of a mesh or helper made by makeOfType.
+inline void setRadius(PVNODE* node, float radius)
+{
+    if (node->getType() == PV_TYPE_MESH)
+        static_cast<PVMESH*>(node)->setRadius(radius);
+    else
+        static_cast<PVHELPER*>(node)->setRadius(radius);
+}
+
+// Gives a mesh a half-transparent material of its own.
+inline void makeTransparent(PVNODE* mesh)
+{
+    PVMATERIAL* glass = new PVMATERIAL();
+    glass->setTransparency(0.5f);
+    static_cast<PVMESH*>(mesh)->setMaterial(glass);
+}
 
 // Local transform of a node placed by its vectors: translate by position +
 // origin, then rotate about X, Y and Z (each applied in the node's own frame).

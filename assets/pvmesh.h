@@ -1,0 +1,173 @@
+// Mesh: a node that carries triangle geometry in 16.16 fixed point (vertices,
+// vertex normals, texture coordinates, faces) plus face normals in floats, an
+// optional skin (bone influences per vertex and a bone table), and the
+// class-wide skeleton cache the render list fills with bone matrices each
+// frame. Skinned meshes are deformed on the CPU in 16.16 before drawing.
+#ifndef PV_MESH_H
+#define PV_MESH_H
+
+#include <cstdint>
+
+#include <GLES/gl.h>
+
+#include "math/k3mmatrix.h"
+#include "math/k3mvector3d.h"
+#include "scene/pvnode.h"
+
+class PVMATERIAL;
+class KVFREADER;
+
+// Skeletons the cache holds per frame; a render-list slot of this value
+// means the cache was full.
+#define PV_MESH_SKELETONS 16
+// Bone matrices per skeleton, and so the largest bone count of a mesh.
+#define PV_MESH_BONES 100
+// The node a skinned mesh's world matrix is taken relative to.
+#define PV_MESH_SKELETON_ROOT "HumanoidRoot"
+
+struct PVFACE {
+    uint16_t index[3];
+};
+
+struct PVBONE {
+    char name[PV_NODE_NAME_SIZE];
+    PVNODE* node;
+    K3MMATRIX inverseBind;
+};
+
+class PVMESH : public PVNODE {
+public:
+    PVMESH();
+    // Copies share nothing with the original: geometry, skin and bones are
+    // duplicated and the material gains a reference.
+    PVMESH(const PVMESH& other);
+    PVMESH& operator=(const PVMESH& other);
+    ~PVMESH() override;
+
+    // Draws the mesh for one render-list record.
+    bool render(void* element) override;
+    // Deforms the vertices and normals with the bone matrices of skeleton
+    // cache slot `slot`, in 16.16.
+    bool animate(unsigned int slot);
+    // Binds every bone record to the node of its name under root.
+    bool resetBones(PVNODE* root);
+
+    // Class-wide skeleton cache.
+    static bool init();
+    static bool free();
+    // Starts a frame: no skeleton used, client arrays off.
+    static void reset();
+    static unsigned int getNumberOfSkeletons() { return numberOfSkeletons; }
+    // Bone matrices of the slot the next skinned mesh will take; null when
+    // the cache is full or missing.
+    static K3MMATRIX* nextSkeleton();
+    // Gives the next slot to owner and returns its number.
+    static unsigned int claimSkeleton(PVMESH* owner);
+    static K3MMATRIX* getSkeleton(unsigned int slot);
+    static PVMESH* getSkeletonOwner(unsigned int slot);
+    static void showNormals() { normalsShown = true; }
+    static void hideNormals() { normalsShown = false; }
+
+    // Reads a mesh body from a scene file at the reader's position; null,
+    // with the mesh deleted again, when the body is cut short or
+    // inconsistent (the caller logs the corruption).
+    // The body's children count is stored in children.
+    static PVNODE* load(KVFREADER& reader, bool obsolete, uint16_t& children);
+
+    GLfixed* getVertexPtr() { return vertices; }
+    GLfixed* getVertexNormalPtr() { return normals; }
+    float* getFaceNormalPtr() { return faceNormals; }
+    GLfixed* getUVPtr() { return uvs; }
+    PVFACE* getFacePtr() { return faces; }
+    GLfixed* getSkinnedVertexPtr() { return skinnedVertices; }
+    GLfixed* getSkinnedNormalPtr() { return skinnedNormals; }
+    uint8_t* getBoneIndexPtr() { return boneIndex; }
+    float* getBoneWeightPtr() { return boneWeight; }
+    PVBONE* getBone(unsigned int i) { return i < nbBones ? &bones[i] : nullptr; }
+    unsigned int getNumberOfVertices() const { return nbVertices; }
+    unsigned int getNumberOfUVs() const { return nbUVs; }
+    unsigned int getNumberOfFaces() const { return nbFaces; }
+    unsigned int getNumberOfBones() const { return nbBones; }
+    unsigned int getBonesPerVertex() const { return bonesPerVertex; }
+    K3MVECTOR3D getMinimum() const { return minimum; }
+    K3MVECTOR3D getMaximum() const { return maximum; }
+    float getRadius() const { return radius; }
+    void setRadius(float value) { radius = value; }
+    PVMATERIAL* getMaterial() const { return material; }
+    void setMaterial(PVMATERIAL* newMaterial);
+
+    void setDisplayStatus(bool shown) { hidden = !shown; }
+    bool isHidden() const { return hidden; }
+    bool isClosed() const { return closed; }
+    bool isSkinned() const { return bonesPerVertex != 0; }
+    void setShadowCaster(bool caster) { shadowCaster = caster; }
+    bool getShadowCaster() const { return shadowCaster; }
+
+    // Geometry given by the application (positions, normals, UVs and faces
+    // in 16.16, as a scene file would give them once converted); uvs and
+    // normals may be null. False when a face index is out of range.
+    bool setGeometry(unsigned int vertexCount, const GLfixed* newVertices, const GLfixed* newNormals,
+                     const GLfixed* newUVs, unsigned int faceCount, const PVFACE* newFaces);
+    // A skin of `perVertex` influences per vertex over `boneCount` bones
+    // named `names`; false when a count or a bone index is out of range.
+    bool setSkin(unsigned int perVertex, const uint8_t* indices, const float* weights, unsigned int boneCount,
+                 const char* const* names);
+
+    // Radius of any node the render list clips or sorts: a mesh's or a
+    // helper's own, 0 for other types.
+    static float radiusOf(PVNODE* node);
+
+private:
+    bool readBody(KVFREADER& reader, bool obsolete, uint16_t& children);
+    bool readMaterial(KVFREADER& reader);
+    bool readGeometry(KVFREADER& reader, bool obsolete, uint16_t& children);
+    bool readSkin(KVFREADER& reader, unsigned int perVertex);
+    void finishSkin();
+    bool allocateGeometry(unsigned int vertexCount, unsigned int uvCount, unsigned int faceCount);
+    bool allocateInfluences(unsigned int perVertex);
+    bool allocateBones(unsigned int boneCount);
+    bool facesInRange() const;
+    bool boneIndicesInRange() const;
+    void convertToFixed(const float* positions, const float* vertexNormals, const float* coordinates);
+    void releaseGeometry();
+    void releaseSkin();
+    void copyArraysFrom(const PVMESH& other);
+    void drawArrays(bool textured);
+    void setSelectionColour(const void* element);
+    void computeBoneMatrices(unsigned int slot, GLfixed (*fixed)[16]);
+
+    float radius;
+    K3MVECTOR3D minimum;
+    K3MVECTOR3D maximum;
+    PVMATERIAL* material;
+    bool shadowCaster;
+    bool closed;
+    bool hidden;
+    uint16_t nbVertices;
+    uint16_t nbUVs;
+    uint16_t nbFaces;
+    uint16_t bonesPerVertex;
+    uint16_t nbBones;
+    void* geometry;
+    GLfixed* vertices;
+    GLfixed* normals;
+    float* faceNormals;
+    GLfixed* uvs;
+    PVFACE* faces;
+    uint8_t* boneIndex;
+    float* boneWeight;
+    float* boneIndexFloat;
+    PVBONE* bones;
+    GLfixed* skinnedVertices;
+    GLfixed* skinnedNormals;
+
+    struct SKELETON {
+        K3MMATRIX bone[PV_MESH_BONES];
+        PVMESH* owner;
+    };
+    static SKELETON* skeletons;
+    static unsigned int numberOfSkeletons;
+    static bool normalsShown;
+};
+
+#endif

@@ -1,0 +1,26 @@
+// Helper: a placeholder object exported with a scene (a dummy, a point of
+// interest). It has a bounding radius, used by the render list's clipping
+// and sorting, and draws nothing.
+#ifndef PV_HELPER_H
+#define PV_HELPER_H
+
+#include "scene/pvnode.h"
+
+class PVHELPER : public PVNODE {
+public:
+    PVHELPER();
+    PVHELPER(const PVHELPER& other) = default;
+    PVHELPER& operator=(const PVHELPER& other) = default;
+    ~PVHELPER() override = default;
+
+    // Nothing to draw; true for a record, false for a null one.
+    bool render(void* element) override;
+
+    void setRadius(float value) { radius = value; }
+    float getRadius() const { return radius; }
+
+private:
+    float radius;
+};
+
+#endif
