@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "assets/pvmesh.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
@@ -418,5 +419,19 @@ bool PVANIM::apply(unsigned int frame, PVNODE* root)
         if (translating)
             node->setPosition(record(frame, b).position);
     }
+    return true;
+}
+
+bool PVANIM::acquireStructure(PVMESH* mesh)
+{
+    if (!mesh) {
+        kvfLog("   [!] Invalid params @ PVANIM::acquireStructure\n");
+        return false;
+    }
+    const unsigned int count = mesh->getNumberOfBones();
+    if (count == 0 || !setNumberOfBones(count))
+        return false;
+    for (unsigned int b = 0; b < count; b++)
+        setBoneName(b, mesh->getBone(b)->name);
     return true;
 }

@@ -2,8 +2,6 @@
 // animation files, read back through the engine's own loaders.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -14,6 +12,7 @@
 #include "assets/pvtexture.h"
 #include "modelconverter.h"
 #include "support/glfixture.h"
+#include "tools/runtool.h"
 
 namespace {
 
@@ -24,12 +23,10 @@ protected:
     // Runs the converter with arguments; keeps its output and error text.
     int run(const std::string& arguments)
     {
-        const std::string command = std::string(PEVRANO_CONVERT) + " " + arguments + " >" +
-                                    dir.file("out.txt") + " 2>" + dir.file("err.txt");
-        const int status = std::system(command.c_str());
-        output = pvtest::readFile(dir.file("out.txt"));
-        error = pvtest::readFile(dir.file("err.txt"));
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        const pvtest::ToolRun result = pvtest::runTool(PEVRANO_CONVERT, arguments, dir);
+        output = result.output;
+        error = result.error;
+        return result.status;
     }
 
     std::string output;

@@ -221,7 +221,10 @@ void ModelConverter::writeMaterials(PveFile& file)
         const aiMaterial* material = scene->mMaterials[m];
         aiString wanted;
         material->Get(AI_MATKEY_NAME, wanted);
-        std::string base = wanted.length ? std::string(wanted.C_Str()).substr(0, 240) : "material";
+        // Materials are found by name engine-wide: the model's name keeps
+        // those of different models apart.
+        std::string base = stemOf(options.output).substr(0, 100) + ":" +
+                           (wanted.length ? std::string(wanted.C_Str()).substr(0, 140) : "material");
         std::string name = base;
         for (int suffix = 1; used.count(name); suffix++)
             name = base + "#" + std::to_string(suffix);
