@@ -6,6 +6,8 @@
 #include <string>
 
 #include "assets/pvanim.h"
+#include "core/pevrano.h"
+#include "core/pvsettings.h"
 #include "scene/pvnode.h"
 #include "support/glfixture.h"
 
@@ -271,6 +273,28 @@ TEST_F(Anims, RegistryNamesFindsAndReleases)
     EXPECT_FALSE(PVANIM::cleanUp());
     EXPECT_EQ(PVANIM::getFirst(), nullptr);
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVANIM::findBoneByName\n   2 animation(s) released\n");
+}
+
+}  // namespace
+
+namespace {
+
+// The engine hands the settings' folder to the animations at start-up and
+// releases the animations left at shut-down.
+TEST_F(Anims, EngineSetsThePathAndReleasesAnimationsAtShutDown)
+{
+    PVSETTINGS settings;
+    settings.setPVAPath("anims/");
+    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    EXPECT_STREQ(PVANIM::getPVAPath(), "anims/");
+    new PVANIM;
+    new PVANIM;
+    ASSERT_TRUE(PEVRANO::free());
+    PVANIM::setPVAPath(nullptr);
+    EXPECT_EQ(PVANIM::getNumberOfAnims(), 0);
+    const std::string text = log.text();
+    EXPECT_NE(text.find("          PVA path    : 'anims/'\n"), std::string::npos);
+    EXPECT_NE(text.find("   2 animation(s) released\n"), std::string::npos);
 }
 
 }  // namespace
