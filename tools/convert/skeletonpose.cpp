@@ -8,6 +8,18 @@ namespace {
 // Engine names hold 255 characters; room is left for a "#n" suffix.
 const size_t longestName = 240;
 
+aiVector3D blend(const aiVector3D& from, const aiVector3D& to, float factor)
+{
+    return from + (to - from) * factor;
+}
+
+aiQuaternion blend(const aiQuaternion& from, const aiQuaternion& to, float factor)
+{
+    aiQuaternion result;
+    aiQuaternion::Interpolate(result, from, to, factor);
+    return result.Normalize();
+}
+
 const aiNodeAnim* channelOf(const aiAnimation& animation, const aiString& name)
 {
     for (unsigned int c = 0; c < animation.mNumChannels; c++)
@@ -16,10 +28,10 @@ const aiNodeAnim* channelOf(const aiAnimation& animation, const aiString& name)
     return nullptr;
 }
 
-// Value at ticks, blended linearly between the keys around it and held
-// beyond the first and last keys.
-template <class Key>
-aiVector3D sampleVector(const Key* keys, unsigned int count, double ticks, const aiVector3D& fallback)
+// Value at ticks, blended between the keys around it and held beyond the
+// first and last keys.
+template <class Key, class Value>
+Value sample(const Key* keys, unsigned int count, double ticks, const Value& fallback)
 {
     if (count == 0)
         return fallback;
@@ -28,26 +40,8 @@ aiVector3D sampleVector(const Key* keys, unsigned int count, double ticks, const
     for (unsigned int k = 0; k + 1 < count; k++)
         if (ticks < keys[k + 1].mTime) {
             const double span = keys[k + 1].mTime - keys[k].mTime;
-            const float blend = span > 0 ? float((ticks - keys[k].mTime) / span) : 0.0f;
-            return keys[k].mValue + (keys[k + 1].mValue - keys[k].mValue) * blend;
-        }
-    return keys[count - 1].mValue;
-}
-
-aiQuaternion sampleRotation(const aiQuatKey* keys, unsigned int count, double ticks,
-                            const aiQuaternion& fallback)
-{
-    if (count == 0)
-        return fallback;
-    if (ticks <= keys[0].mTime)
-        return keys[0].mValue;
-    for (unsigned int k = 0; k + 1 < count; k++)
-        if (ticks < keys[k + 1].mTime) {
-            const double span = keys[k + 1].mTime - keys[k].mTime;
-            const float blend = span > 0 ? float((ticks - keys[k].mTime) / span) : 0.0f;
-            aiQuaternion result;
-            aiQuaternion::Interpolate(result, keys[k].mValue, keys[k + 1].mValue, blend);
-            return result.Normalize();
+            return blend(keys[k].mValue, keys[k + 1].mValue,
+                         span > 0 ? float((ticks - keys[k].mTime) / span) : 0.0f);
         }
     return keys[count - 1].mValue;
 }
@@ -59,9 +53,9 @@ aiMatrix4x4 localAt(const aiNode* node, const aiNodeAnim* channel, double ticks)
     aiVector3D scaling, position;
     aiQuaternion rotation;
     node->mTransformation.Decompose(scaling, rotation, position);
-    return aiMatrix4x4(sampleVector(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scaling),
-                       sampleRotation(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation),
-                       sampleVector(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position));
+    return aiMatrix4x4(sample(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scaling),
+                       sample(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation),
+                       sample(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position));
 }
 
 }  // namespace
