@@ -213,8 +213,9 @@ bool ModelConverter::convert(std::string& error)
 
 void ModelConverter::writeMaterials(PveFile& file)
 {
-    TextureExport textures(scene, folderOf(options.input), folderOf(options.output), stemOf(options.output),
-                           options.textureSize);
+    // Texture names stay well below the engine's 256 characters.
+    TextureExport textures(scene, folderOf(options.input), folderOf(options.output),
+                           stemOf(options.output).substr(0, 200), options.textureSize);
     std::set<std::string> used;
     file.u16(scene->mNumMaterials);
     for (unsigned int m = 0; m < scene->mNumMaterials; m++) {
