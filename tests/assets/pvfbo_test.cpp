@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "assets/pvfbo.h"
+#include "assets/pvtexture.h"
 #include "support/glfixture.h"
 #include "support/testaccess.h"
 
@@ -13,13 +14,6 @@ namespace {
 
 using pvtest::Calls;
 using FrameBuffers = pvtest::GlContextTest;
-
-// Frame buffers only hold texture pointers; the texture itself is never used.
-PVTEXTURE* someTexture()
-{
-    static int storage;
-    return reinterpret_cast<PVTEXTURE*>(&storage);
-}
 
 // The registry itself is the one the nodes use: only the names and the
 // clean-up line are the frame buffer's own.
@@ -39,7 +33,8 @@ TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
     EXPECT_FALSE(fbo.isOk());
     EXPECT_EQ(record([&fbo] {
                   EXPECT_FALSE(fbo.bindTexture(0, nullptr));
-                  EXPECT_FALSE(fbo.bindTexture(0, someTexture()));
+                  PVTEXTURE texture;
+                  EXPECT_FALSE(fbo.bindTexture(0, &texture));
                   EXPECT_FALSE(fbo.bindRenderBuffer(0, 128, 64));
                   EXPECT_TRUE(fbo.render(nullptr));
                   PVFBO::unbind();
@@ -77,8 +72,13 @@ TEST_F(FrameBuffers, RenderSetsTheViewportOncePerBinding)
 
     // A null texture is refused with the message even here.
     EXPECT_FALSE(fbo.bindTexture(0, nullptr));
-    EXPECT_TRUE(fbo.bindTexture(0, someTexture()));
-    EXPECT_EQ(fbo.getTexture(), someTexture());
+    // A bound texture gives the frame buffer its size.
+    PVTEXTURE texture;
+    ASSERT_TRUE(texture.create(32, 8, 4));
+    EXPECT_TRUE(fbo.bindTexture(0, &texture));
+    EXPECT_EQ(fbo.getTexture(), &texture);
+    EXPECT_EQ(fbo.getSizeX(), 32);
+    EXPECT_EQ(fbo.getSizeY(), 8);
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
     PVTESTACCESS::setFBOSupport(false);
 }

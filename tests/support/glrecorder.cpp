@@ -63,6 +63,10 @@ const std::map<GLenum, const char*>& enumNames()
         PV_ENUM(GL_CONSTANT_ATTENUATION), PV_ENUM(GL_LINEAR_ATTENUATION), PV_ENUM(GL_QUADRATIC_ATTENUATION),
         PV_ENUM(GL_EMISSION), PV_ENUM(GL_SHININESS), PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
         PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT),
+        // Textures.
+        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
+        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
+        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE), PV_ENUM(GL_UNPACK_ALIGNMENT),
         // Pixel formats and queries.
         PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
         PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
@@ -287,6 +291,23 @@ PV_INTERPOSE(void, glMaterialx, (GLenum face, GLenum pname, GLfixed param), (fac
              .en(face).en(pname).num(param))
 PV_INTERPOSE(void, glMaterialxv, (GLenum face, GLenum pname, const GLfixed* param), (face, pname, param),
              .en(face).en(pname).values(param, pvtest::materialValueCount(pname)))
+// Textures.
+PV_INTERPOSE(void, glGenTextures, (GLsizei n, GLuint* textures), (n, textures), .num(n))
+PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures), .num(n).values(textures, n))
+PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture), .en(target).num(texture))
+PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
+             .en(target).en(pname).en(GLenum(param)))
+PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
+PV_INTERPOSE(void, glTexImage2D,
+             (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
+              GLenum format, GLenum type, const void* pixels),
+             (target, level, internalformat, width, height, border, format, type, pixels),
+             .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type))
+PV_INTERPOSE(void, glTexSubImage2D,
+             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height, GLenum format,
+              GLenum type, const void* pixels),
+             (target, level, xoffset, yoffset, width, height, format, type, pixels),
+             .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
 // Matrices.
 PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glLoadIdentity, (), (), )

@@ -22,6 +22,10 @@ struct PVTESTACCESS {
     static PVSHADER* currentShader() { return PVSHADER::currentShader; }
     static void setCurrentShader(PVSHADER* shader) { PVSHADER::currentShader = shader; }
 
+    // The video-memory budget and frame stamp that init and begin3D set.
+    static void setVideoMemory(unsigned int bytes) { PEVRANO::videoMemoryTotal = bytes; }
+    static void setTimeStamp(long stamp) { PEVRANO::timeStamp = stamp; }
+
     // The colour-code read-back of picking, without drawing anything.
     static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }
 };

@@ -1,0 +1,92 @@
+// Materials: texture slots with their references, clone, and the GL calls of
+// render (default colours included) with the per-frame current-material cache.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "assets/pvmaterial.h"
+#include "assets/pvtexture.h"
+#include "core/pvsettings.h"
+#include "scene/pvlight.h"
+#include "support/glfixture.h"
+#include "support/testaccess.h"
+
+using namespace pvtest;
+
+namespace {
+
+using Materials = GlContextTest;
+
+// The material calls of render: colours as 16.16 values, alpha included.
+Calls materialCalls(const std::string& alpha)
+{
+    return {"glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{0,0,0," + alpha + "})",
+            "glMaterialxv(GL_FRONT_AND_BACK,GL_AMBIENT,{13107,13107,13107," + alpha + "})",
+            "glMaterialxv(GL_FRONT_AND_BACK,GL_DIFFUSE,{39321,39321,39321," + alpha + "})",
+            "glMaterialxv(GL_FRONT_AND_BACK,GL_SPECULAR,{13107,13107,13107," + alpha + "})",
+            "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,0)"};
+}
+
+TEST_F(Materials, SlotsReferencesAndClone)
+{
+    PVTEXTURE texture;
+    PVMATERIAL* rock = new PVMATERIAL();
+    EXPECT_FALSE(rock->setTexture(16, &texture));
+    EXPECT_EQ(rock->getTexture(16), nullptr);
+    EXPECT_TRUE(rock->setTexture(3, &texture) && rock->setTexture(4, &texture) &&
+                rock->setTexture(4, nullptr));
+    EXPECT_EQ(texture.getReferences(), 1);
+    EXPECT_FALSE(rock->isTextured());  // only slot 0 counts
+    rock->setName("rock");
+    rock->setSkinning(true);
+    PVMATERIAL* copy = new PVMATERIAL();
+    copy->clone(rock);
+    EXPECT_EQ(copy->getName(), "rock" + std::to_string(copy->getId()));
+    EXPECT_EQ(copy->getTexture(3), &texture);
+    EXPECT_EQ(texture.getReferences(), 1);  // clone takes no reference
+    EXPECT_FALSE(copy->isSkinned());
+    EXPECT_TRUE(PVMATERIAL::cleanUp());
+    EXPECT_FALSE(PVMATERIAL::cleanUp());
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVMATERIAL::setTexture\n   2 material(s) released\n");
+}
+
+TEST_F(Materials, StateIsSetOncePerFrame)
+{
+    PVTESTACCESS::setVideoMemory(1 << 20);
+    PVTEXTURE texture;
+    ASSERT_TRUE(texture.create(2, 2, 3));
+    PVMATERIAL material;
+    material.setTexture(3, &texture);
+    PVTEXTURE::texturingOff(16);
+    const Calls calls = record([&] {
+        material.render(nullptr);
+        material.render(nullptr);
+        PVMATERIAL::reset();
+        material.render(nullptr);
+    });
+    Calls expected = materialCalls("65536");
+    expected.push_back("glEnable(GL_TEXTURE_2D)");
+    expected.push_back("glBindTexture(GL_TEXTURE_2D," + std::to_string(texture.getGLId()) + ")");
+    for (const std::string& call : materialCalls("65536"))
+        expected.push_back(call);
+    EXPECT_EQ(calls, expected);
+    EXPECT_EQ(PVMATERIAL::getCurrent(), &material);
+}
+
+TEST_F(Materials, TransparencyBlendsAndBecomesEveryAlpha)
+{
+    PVMATERIAL material;
+    material.setTransparency(0.5f);
+    PVSETTINGS::forceShadersOn();
+    PVSHADER::enable();
+    unsigned int spot = PV_LIGHT_SPOT;
+    Calls expected = materialCalls("32768");
+    expected.push_back("glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)");
+    expected.push_back("glEnable(GL_BLEND)");
+    EXPECT_EQ(record([&] { material.render(&spot); }), expected);
+    EXPECT_FALSE(PVTESTACCESS::shaderEnabled());  // no shader is operative
+    EXPECT_EQ(material.getAmbient().w, 0.5f);  // the stored colours keep it
+    EXPECT_EQ(material.getEmission().w, 0.5f);
+}
+
+}  // namespace

@@ -1,0 +1,162 @@
+// Textures on a GL context: the upload's calls and video account, the
+// garbage collector's report and evictions, the per-unit bind cache and the
+// texturing switches.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "assets/pvtexture.h"
+#include "core/pevrano.h"
+#include "support/glfixture.h"
+#include "support/testaccess.h"
+#include "tgafile.h"
+
+using namespace pvtest;
+
+namespace {
+
+class Textures : public GlContextTest {
+protected:
+    void SetUp() override
+    {
+        GlContextTest::SetUp();
+        PVTESTACCESS::setVideoMemory(16 * 1024 * 1024);
+    }
+    void TearDown() override
+    {
+        PVTEXTURE::cleanUp();
+        PVTEXTURE::texturingOff(16);
+    }
+
+    // A texture loaded from a w x h 32-bit file of one colour, named name.
+    static PVTEXTURE* loaded(const char* name, unsigned w, unsigned h, const Bytes& bgra = {1, 2, 3, 4})
+    {
+        PVTEXTURE* texture = new PVTEXTURE();
+        const std::string file = tgaFile(TGA_RAW, w, h, 32, 0, repeated(bgra, w * h));
+        EXPECT_TRUE(texture->loadTGA(reinterpret_cast<const unsigned char*>(file.data()), file.size(), name));
+        return texture;
+    }
+    // Resident without mipmaps: charged its memory size once.
+    static PVTEXTURE* resident(const char* name, long stamp)
+    {
+        PVTEXTURE* texture = loaded(name, 4, 4);
+        texture->setFilter(false, false, false);
+        texture->update();
+        PVTESTACCESS::setTimeStamp(stamp);
+        texture->render(nullptr);
+        return texture;
+    }
+    static std::string bound(PVTEXTURE* texture)
+    {
+        return "glBindTexture(GL_TEXTURE_2D," + std::to_string(texture->getGLId()) + ")";
+    }
+};
+
+TEST_F(Textures, UploadBuildsMipmapsAndChargesTwiceTheDoubledSize)
+{
+    const Bytes file = {10, 20, 30, 40, 20, 30, 40, 50, 30, 40, 50, 60, 41, 51, 61, 71};  // 2x2 BGRA
+    const std::string tga = tgaFile(TGA_RAW, 2, 2, 32, 0, file);
+    PVTEXTURE texture;
+    ASSERT_TRUE(texture.loadTGA(reinterpret_cast<const unsigned char*>(tga.data()), tga.size(), "t"));
+    const Calls calls = record([&] { EXPECT_TRUE(texture.update()); });
+    const std::string name = std::to_string(texture.getGLId());
+    EXPECT_EQ(calls, (Calls {"glGenTextures(1)", "glBindTexture(GL_TEXTURE_2D," + name + ")",
+                             "glTexParameterx(GL_TEXTURE_2D,GL_TEXTURE_MAG_FILTER,GL_LINEAR)",
+                             "glTexParameterx(GL_TEXTURE_2D,GL_TEXTURE_MIN_FILTER,GL_LINEAR_MIPMAP_LINEAR)",
+                             "glPixelStorei(GL_UNPACK_ALIGNMENT,1)",
+                             "glTexParameterx(GL_TEXTURE_2D,GL_TEXTURE_WRAP_S,GL_REPEAT)",
+                             "glTexParameterx(GL_TEXTURE_2D,GL_TEXTURE_WRAP_T,GL_REPEAT)",
+                             "glTexImage2D(GL_TEXTURE_2D,0,GL_RGBA,2,2,0,GL_RGBA,GL_UNSIGNED_BYTE)",
+                             "glPixelStorei(GL_UNPACK_ALIGNMENT,1)",
+                             "glTexImage2D(GL_TEXTURE_2D,1,GL_RGBA,1,1,0,GL_RGBA,GL_UNSIGNED_BYTE)"}));
+    // Level 1 overwrites the start of the bitmap: (a+b+c+d) >> 2 per channel.
+    EXPECT_EQ(Bytes(texture.getBitmap(), texture.getBitmap() + 4), (Bytes {45, 35, 25, 55}));
+    EXPECT_EQ(texture.getMemorySize(), 32u);
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 64u);
+
+    texture.update();  // pops 32 once, doubles to 64, charges 128
+    EXPECT_EQ(texture.getMemorySize(), 64u);
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 160u);
+    EXPECT_TRUE(texture.unload(false));
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 32u);
+    EXPECT_FALSE(texture.isLoaded());
+    EXPECT_FALSE(texture.unload(false));
+    EXPECT_EQ(log.text(), "   t unloaded\n");
+    PEVRANO::popVideoMemory(32);
+    PVTEXTURE empty;  // no pixels, no levels (a 0-wide chain would read outside)
+    EXPECT_TRUE(empty.create(0, 5, 3));
+}
+
+TEST_F(Textures, CollectorEvictsNewestFirstAndDeletesTheUnreferenced)
+{
+    EXPECT_FALSE(PVTEXTURE::garbageCollect(100));  // no texture, no report
+    resident("a.tga", 5);
+    resident("b.tga", 3)->incReferences();
+    resident("c.tga", 7);
+    ASSERT_EQ(PEVRANO::getUsedVideoMemory(), 192u);
+    EXPECT_TRUE(PVTEXTURE::garbageCollect(100));
+    EXPECT_EQ(log.text(), "[BEGIN GARBAGE COLLECTOR]\n\n"
+                          "   Memory used before : 192\n"
+                          "   Memory max. to keep: 100\n"
+                          "   Candidates:\n"
+                          "      0. c.tga (7)\n"
+                          "      1. a.tga (5)\n"
+                          "      2. b.tga (3)\n"
+                          "   c.tga unloaded\n"
+                          "   a.tga unloaded\n"
+                          "   Memory used after : 64\n"
+                          "   Dead textures     : 2\n"
+                          "\n[END GARBAGE COLLECTOR]\n");
+    EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+    EXPECT_STREQ(PVTEXTURE::getFirst()->getFilename(), "b.tga");
+    EXPECT_TRUE(PVTEXTURE::getFirst()->isLoaded());
+}
+
+TEST_F(Textures, ShortBudgetRunsTheCollectorBeforeUpload)
+{
+    PVTESTACCESS::setVideoMemory(100);
+    resident("old.tga", 2);
+    PVTEXTURE* fresh = loaded("new.tga", 4, 4);
+    fresh->setFilter(false, false, false);
+    PVTESTACCESS::setTimeStamp(9);
+    EXPECT_TRUE(fresh->update());
+    EXPECT_EQ(log.text(), "   Garbage collector at 9\n[BEGIN GARBAGE COLLECTOR]\n\n"
+                          "   Memory used before : 64\n"
+                          "   Memory max. to keep: 36\n"
+                          "   Candidates:\n"
+                          "      0. old.tga (2)\n"
+                          "      1. new.tga (0)\n"
+                          "   old.tga unloaded\n"
+                          "   Memory used after : 0\n"
+                          "   Dead textures     : 1\n"
+                          "\n[END GARBAGE COLLECTOR]\n");
+    // The texture being uploaded survives with its pixels.
+    EXPECT_EQ(PVTEXTURE::getFirst(), fresh);
+    EXPECT_NE(fresh->getBitmap(), nullptr);
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 64u);
+}
+
+TEST_F(Textures, BindCacheAndTexturingSwitches)
+{
+    PVTEXTURE* first = resident("a", 1);
+    PVTEXTURE* second = resident("b", 1);
+    PVTEXTURE::texturingOff(16);
+    unsigned int unit3 = 3, unit16 = 16;
+    const Calls calls = record([&] {
+        first->render(nullptr);
+        first->render(nullptr);  // cached: nothing
+        second->render(&unit3);
+        second->render(&unit3);
+        EXPECT_FALSE(second->render(&unit16));
+        PVTEXTURE::texturingOff(3);  // the cache entry stays
+        second->render(&unit3);
+        PVTEXTURE::texturingOff(16);
+        first->render(nullptr);
+    });
+    EXPECT_EQ(calls, (Calls {"glEnable(GL_TEXTURE_2D)", bound(first), "glEnable(GL_TEXTURE_2D)",
+                             bound(second), "glDisable(GL_TEXTURE_2D)", "glDisable(GL_TEXTURE_2D)",
+                             "glEnable(GL_TEXTURE_2D)", bound(first)}));
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVTEXTURE::render\n");
+}
+
+}  // namespace

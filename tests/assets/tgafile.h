@@ -1,0 +1,58 @@
+// TGA files built byte by byte for the texture tests: the 18-byte header
+// (image-ID length, colour-map type, image type, colour-map description, origin,
+// size, depth, descriptor) followed by the body as given.
+#ifndef PEVRANO_TESTS_ASSETS_TGAFILE_H
+#define PEVRANO_TESTS_ASSETS_TGAFILE_H
+
+#include <string>
+#include <vector>
+
+namespace pvtest {
+
+using Bytes = std::vector<unsigned char>;
+
+enum TgaType : unsigned char { TGA_RAW = 2, TGA_RLE = 10 };
+
+inline std::string tgaFile(unsigned char type, unsigned width, unsigned height, unsigned char depth,
+                           unsigned char descriptor, const Bytes& body, unsigned char idLength = 0)
+{
+    const unsigned char header[18] = {idLength,
+                                      0,
+                                      type,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      (unsigned char)(width & 255),
+                                      (unsigned char)(width >> 8),
+                                      (unsigned char)(height & 255),
+                                      (unsigned char)(height >> 8),
+                                      depth,
+                                      descriptor};
+    std::string file(reinterpret_cast<const char*>(header), sizeof(header));
+    return file.append(body.begin(), body.end());
+}
+
+// count copies of pixel, one after the other.
+inline Bytes repeated(const Bytes& pixel, unsigned count)
+{
+    Bytes all;
+    for (unsigned i = 0; i < count; i++)
+        all.insert(all.end(), pixel.begin(), pixel.end());
+    return all;
+}
+
+inline Bytes joined(Bytes first, const Bytes& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+}  // namespace pvtest
+
+#endif
