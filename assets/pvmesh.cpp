@@ -2,10 +2,10 @@
 // in 16.16 and drawing for the render list.
 #include "assets/pvmesh.h"
 
-#include <cmath>
 #include <cstring>
-#include <limits>
 #include <new>
+
+#include <immintrin.h>
 
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
@@ -23,23 +23,12 @@
 PVMESH::SKELETON* PVMESH::skeletons = nullptr;
 unsigned int PVMESH::numberOfSkeletons = 0;
 bool PVMESH::normalsShown = false;
+bool PVMESH::vectorSkinning = [] {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2") != 0;
+}();
 
 namespace {
-
-// 16.16 conversion of file data: the float times 65536, truncated toward
-// zero. Values outside the 32-bit range saturate and NaN becomes 0, so that
-// hostile files cannot reach an undefined conversion.
-GLfixed toFixed(float value)
-{
-    const double scaled = double(value) * 65536.0;
-    if (!(scaled == scaled))
-        return 0;
-    if (scaled >= 2147483647.0)
-        return std::numeric_limits<GLfixed>::max();
-    if (scaled <= -2147483648.0)
-        return std::numeric_limits<GLfixed>::min();
-    return static_cast<GLfixed>(scaled);
-}
 
 // Signed 32 x 32 -> 64-bit product shifted right by 16.
 inline int32_t mulFixed(int32_t a, int32_t b) { return static_cast<int32_t>((int64_t(a) * b) >> 16); }
@@ -348,11 +337,11 @@ bool PVMESH::readMaterial(KVFREADER& reader)
 void PVMESH::convertToFixed(const float* positions, const float* vertexNormals, const float* coordinates)
 {
     for (size_t i = 0; i < size_t(nbVertices) * 3; i++) {
-        vertices[i] = toFixed(positions[i]);
-        normals[i] = toFixed(vertexNormals[i]);
+        vertices[i] = PV_floatToFixed(positions[i]);
+        normals[i] = PV_floatToFixed(vertexNormals[i]);
     }
     for (size_t i = 0; coordinates && i < size_t(nbVertices) * 2; i++)
-        uvs[i] = toFixed(coordinates[i]);
+        uvs[i] = PV_floatToFixed(coordinates[i]);
 }
 
 bool PVMESH::readGeometry(KVFREADER& reader, bool obsolete, uint16_t& children)
@@ -518,6 +507,115 @@ PVMESH* PVMESH::getSkeletonOwner(unsigned int slot)
     return skeletons && slot < PV_MESH_SKELETONS ? skeletons[slot].owner : nullptr;
 }
 
+// ---------------------------------------------------------------- skinning kernels
+
+namespace {
+
+struct SKINJOB {
+    unsigned int vertexCount;
+    unsigned int perVertex;
+    const GLfixed* vertices;
+    const GLfixed* normals;
+    const uint8_t* boneIndex;
+    const float* boneWeight;
+    const GLfixed (*bone)[16];
+    unsigned int boneCount;
+    GLfixed* outP;
+    GLfixed* outN;
+};
+
+// One influence at a time, every product a 64-bit multiply shifted by 16;
+// the outputs accumulate in place (cleared by the caller).
+void skinOneByOne(const SKINJOB& job)
+{
+    for (unsigned int v = 0; v < job.vertexCount; v++) {
+        const GLfixed* p = job.vertices + 3 * v;
+        const GLfixed* n = job.normals + 3 * v;
+        GLfixed* outP = job.outP + 3 * v;
+        GLfixed* outN = job.outN + 3 * v;
+        for (unsigned int j = 0; j < job.perVertex; j++) {
+            const size_t influence = size_t(v) * job.perVertex + j;
+            const int32_t w = PV_floatToFixed(job.boneWeight[influence]);
+            if (w <= 0)
+                continue;
+            const GLfixed* m = job.bone[job.boneIndex[influence]];
+            for (int c = 0; c < 3; c++) {
+                const int32_t turned =
+                    add32(add32(mulFixed(p[0], m[c]), mulFixed(p[1], m[4 + c])), mulFixed(p[2], m[8 + c]));
+                const int32_t q = add32(turned, m[12 + c]);
+                const int32_t nc =
+                    add32(add32(mulFixed(n[0], m[c]), mulFixed(n[1], m[4 + c])), mulFixed(n[2], m[8 + c]));
+                outP[c] = add32(outP[c], mulFixed(q, w));
+                outN[c] = add32(outN[c], mulFixed(nc, w));
+            }
+        }
+    }
+}
+
+// The same arithmetic four 64-bit lanes at a time: lanes (q.x, q.y, q.z,
+// n.x) in one register and (n.y, n.z) in another. A signed 32 x 32 -> 64
+// multiply reads the low 32 bits of each lane, and only bits 16 to 47 of a
+// product survive the shift and the 32-bit truncation, so logical shifts and
+// 64-bit sums give exactly the wrapped 32-bit results.
+__attribute__((target("avx2"))) void skinWithAvx2(const SKINJOB& job)
+{
+    struct BONELANES {
+        __m256i x, y, z, t;
+        __m128i nx, ny, nz;
+    };
+    BONELANES lanes[PV_MESH_BONES];
+    for (unsigned int b = 0; b < job.boneCount; b++) {
+        const GLfixed* m = job.bone[b];
+        lanes[b] = {_mm256_setr_epi64x(m[0], m[1], m[2], m[0]),
+                    _mm256_setr_epi64x(m[4], m[5], m[6], m[4]),
+                    _mm256_setr_epi64x(m[8], m[9], m[10], m[8]),
+                    _mm256_setr_epi64x(m[12], m[13], m[14], 0),
+                    _mm_set_epi64x(m[2], m[1]),
+                    _mm_set_epi64x(m[6], m[5]),
+                    _mm_set_epi64x(m[10], m[9])};
+    }
+    for (unsigned int v = 0; v < job.vertexCount; v++) {
+        const GLfixed* p = job.vertices + 3 * v;
+        const GLfixed* n = job.normals + 3 * v;
+        const __m256i px = _mm256_setr_epi64x(p[0], p[0], p[0], n[0]);
+        const __m256i py = _mm256_setr_epi64x(p[1], p[1], p[1], n[1]);
+        const __m256i pz = _mm256_setr_epi64x(p[2], p[2], p[2], n[2]);
+        const __m128i nx = _mm_set1_epi64x(n[0]), ny = _mm_set1_epi64x(n[1]), nz = _mm_set1_epi64x(n[2]);
+        __m256i accumulated = _mm256_setzero_si256();
+        __m128i accumulatedNormal = _mm_setzero_si128();
+        for (unsigned int j = 0; j < job.perVertex; j++) {
+            const size_t influence = size_t(v) * job.perVertex + j;
+            const int32_t w = PV_floatToFixed(job.boneWeight[influence]);
+            if (w <= 0)
+                continue;
+            const BONELANES& m = lanes[job.boneIndex[influence]];
+            __m256i q = _mm256_add_epi64(_mm256_srli_epi64(_mm256_mul_epi32(px, m.x), 16),
+                                         _mm256_srli_epi64(_mm256_mul_epi32(py, m.y), 16));
+            q = _mm256_add_epi64(q, _mm256_add_epi64(_mm256_srli_epi64(_mm256_mul_epi32(pz, m.z), 16), m.t));
+            accumulated = _mm256_add_epi64(accumulated,
+                                           _mm256_srli_epi64(_mm256_mul_epi32(q, _mm256_set1_epi64x(w)), 16));
+            __m128i t = _mm_add_epi64(_mm_srli_epi64(_mm_mul_epi32(nx, m.nx), 16),
+                                      _mm_srli_epi64(_mm_mul_epi32(ny, m.ny), 16));
+            t = _mm_add_epi64(t, _mm_srli_epi64(_mm_mul_epi32(nz, m.nz), 16));
+            accumulatedNormal =
+                _mm_add_epi64(accumulatedNormal, _mm_srli_epi64(_mm_mul_epi32(t, _mm_set1_epi64x(w)), 16));
+        }
+        alignas(32) int64_t out[6];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(out), accumulated);
+        _mm_store_si128(reinterpret_cast<__m128i*>(out + 4), accumulatedNormal);
+        GLfixed* outP = job.outP + 3 * v;
+        GLfixed* outN = job.outN + 3 * v;
+        outP[0] = static_cast<int32_t>(out[0]);
+        outP[1] = static_cast<int32_t>(out[1]);
+        outP[2] = static_cast<int32_t>(out[2]);
+        outN[0] = static_cast<int32_t>(out[3]);
+        outN[1] = static_cast<int32_t>(out[4]);
+        outN[2] = static_cast<int32_t>(out[5]);
+    }
+}
+
+}  // namespace
+
 // ---------------------------------------------------------------- skinning
 
 // Each bone's matrix of this frame relative to the mesh, in 16.16: the pose
@@ -532,7 +630,7 @@ void PVMESH::computeBoneMatrices(unsigned int slot, GLfixed (*fixed)[16])
         K3MMATRIX m = (pose ? pose[b] : identity) * invRoot;
         m = bones[b].inverseBind * m;
         for (int i = 0; i < 16; i++)
-            fixed[b][i] = toFixed(m.m[i]);
+            fixed[b][i] = PV_floatToFixed(m.m[i]);
     }
 }
 
@@ -551,29 +649,12 @@ bool PVMESH::animate(unsigned int slot)
     std::memset(skinnedVertices, 0, size_t(nbVertices) * 12);
     std::memset(skinnedNormals, 0, size_t(nbVertices) * 12);
 
-    const unsigned int perVertex = bonesPerVertex;
-    for (unsigned int v = 0; v < nbVertices; v++) {
-        const GLfixed* p = vertices + 3 * v;
-        const GLfixed* n = normals + 3 * v;
-        GLfixed* outP = skinnedVertices + 3 * v;
-        GLfixed* outN = skinnedNormals + 3 * v;
-        for (unsigned int j = 0; j < perVertex; j++) {
-            const size_t influence = size_t(v) * perVertex + j;
-            const int32_t w = toFixed(boneWeight[influence]);
-            if (w <= 0)
-                continue;
-            const GLfixed* m = fixed[boneIndex[influence]];
-            for (int c = 0; c < 3; c++) {
-                const int32_t turned =
-                    add32(add32(mulFixed(p[0], m[c]), mulFixed(p[1], m[4 + c])), mulFixed(p[2], m[8 + c]));
-                const int32_t q = add32(turned, m[12 + c]);
-                const int32_t nc =
-                    add32(add32(mulFixed(n[0], m[c]), mulFixed(n[1], m[4 + c])), mulFixed(n[2], m[8 + c]));
-                outP[c] = add32(outP[c], mulFixed(q, w));
-                outN[c] = add32(outN[c], mulFixed(nc, w));
-            }
-        }
-    }
+    const SKINJOB job = {nbVertices, bonesPerVertex, vertices, normals,         boneIndex,
+                         boneWeight, fixed,          nbBones,  skinnedVertices, skinnedNormals};
+    if (vectorSkinning)
+        skinWithAvx2(job);
+    else
+        skinOneByOne(job);
     return true;
 }
 

@@ -168,6 +168,9 @@ private:
     static SKELETON* skeletons;
     static unsigned int numberOfSkeletons;
     static bool normalsShown;
+    // Skinning four lanes at a time, where the processor can.
+    static bool vectorSkinning;
+    friend struct PVTESTACCESS;
 };
 
 #endif

@@ -4,23 +4,20 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
-// A node of a chosen type, as the classes built on PVNODE set it.
-class TypedNode : public PVNODE {
-public:
-    explicit TypedNode(PV_NODE_TYPE nodeType) { type = nodeType; }
-};
+using pvbench::engineStarted;
 
-// The engine started once off-screen, for a current GL context.
-bool engineStarted()
+// A light, a helper or a mesh, of its own class.
+PVNODE* makeLeaf(PV_NODE_TYPE type)
 {
-    static const bool started = [] {
-        kvfSetConsoleEcho(false);
-        // The default configuration gives the largest render list.
-        return PEVRANO::init(nullptr);
-    }();
-    return started;
+    if (type == PV_TYPE_LIGHT)
+        return new PVLIGHT();
+    if (type == PV_TYPE_HELPER)
+        return new PVHELPER();
+    return new PVMESH();
 }
 
 // 1 root, 31 plain groups, 31 x 32 = 992 leaves: 1024 nodes. Among the
@@ -38,7 +35,7 @@ PVNODE* buildThreeLevelTree()
             const PV_NODE_TYPE type = l % 16 == 0 ? PV_TYPE_LIGHT
                                       : l % 8 == 0 ? PV_TYPE_HELPER
                                                    : PV_TYPE_MESH;
-            PVNODE* leaf = new TypedNode(type);
+            PVNODE* leaf = makeLeaf(type);
             leaf->setPosition(float(l % 4), float(l / 4), -float((l * 7) % 32));
             leaf->setRotation(float(l) * 3.0f, 0.0f, float(l) * 5.0f);
             leaf->link(group);

@@ -15,10 +15,18 @@
 #define PV_GL_PROJECTION_STACK 1
 
 // 16.16 fixed point: the float times 65536, truncated toward zero, no
-// rounding and no clamping.
+// rounding. Values beyond the 32-bit range (infinities included) saturate
+// and NaN gives 0, where a plain conversion would be undefined.
 inline GLfixed PV_floatToFixed(float value)
 {
-    return static_cast<GLfixed>(value * 65536.0f);
+    const float scaled = value * 65536.0f;
+    if (scaled >= 2147483648.0f)
+        return 2147483647;
+    if (scaled < -2147483648.0f)
+        return -2147483647 - 1;
+    if (scaled != scaled)
+        return 0;
+    return static_cast<GLfixed>(scaled);
 }
 
 void PV_glColor4f(float r, float g, float b, float a);

@@ -1,6 +1,7 @@
 // Opens the display (the default configuration, or a PEVRANO_* configuration
-// file given as the first argument), draws a few frames of a small lit scene
-// seen through a camera that swings around it, and saves the last frame as
+// file given as the first argument), draws a few frames of a small lit scene,
+// partly loaded from a scene file, seen through a camera that swings around
+// it, and saves the last frame as
 // screenshot.png in the working directory. Without an X display the engine
 // draws off-screen, so the demo runs the same on a headless machine.
 #include <pevrano.h>
@@ -62,7 +63,7 @@ private:
     GLfixed normals[12];
 };
 
-// A checkered floor with three upright panels, lit by a white directional
+// A checkered floor with three upright panels loaded from a scene file, lit by a white directional
 // light and a warm spot light. Nodes are owned by the engine's node registry:
 // PEVRANO::free deletes them.
 PVNODE* buildScene()
@@ -79,14 +80,11 @@ PVNODE* buildScene()
             tile->link(floor);
         }
 
-    const K3MVECTOR4D panelColours[3] = {K3MVECTOR4D(0.9f, 0.2f, 0.2f, 1.0f), K3MVECTOR4D(0.2f, 0.9f, 0.3f, 1.0f),
-                                         K3MVECTOR4D(0.2f, 0.4f, 0.9f, 1.0f)};
-    for (int i = 0; i < 3; ++i) {
-        Tile* panel = new Tile(1.5f, panelColours[i]);
-        panel->setPosition(2.0f * (i - 1), 0.75f, -1.0f);
-        panel->setRotation(0.0f, -25.0f * (i - 1), 0.0f);  // turned towards the middle
-        panel->link(scene);
-    }
+    // Three coloured panels come from a scene file.
+    PEVRANO::setPVEPath(PEVRANO_DEMO_DATA "/");
+    PVNODE* panels = PEVRANO::load("panels.pve");
+    if (panels)
+        panels->link(scene);
 
     PVLIGHT* sun = new PVLIGHT();
     sun->setLightType(PV_LIGHT_DIRECTIONAL);

@@ -93,7 +93,7 @@ TEST_F(Anims, SaveWritesTheLayoutAndLoadReadsItBack)
 
 TEST_F(Anims, LoadReadsFromThePathPrefixAndIgnoresTheMarker)
 {
-    PVANIM::setPVAPath(PEVRANO_TEST_DATA "pva/");
+    PVANIM::setPVAPath(PEVRANO_TEST_DATA "/pva/");
     PVANIM anim;
     char name[] = "marker_zero.pva";
     const bool loaded = anim.load(name);
@@ -123,7 +123,7 @@ TEST_F(Anims, RefusedFilesLeaveTheAnimationUnchanged)
          "\n   Loading PVA file '%s'...\n   [!] Invalid header in file %s @ PVANIM::load\n"},
         {"missing.pva", "   [!] Invalid params or file not found @ PVANIM::load\n"},
     };
-    PVANIM::setPVAPath(PEVRANO_TEST_DATA "pva/");
+    PVANIM::setPVAPath(PEVRANO_TEST_DATA "/pva/");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.file);
         pvtest::LogCapture caseLog;

@@ -73,6 +73,8 @@ const std::map<GLenum, const char*>& enumNames()
         PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
         PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
         PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS),
+        // Arrays and drawing.
+        PV_ENUM(GL_TRIANGLES), PV_ENUM(GL_FIXED), PV_ENUM(GL_UNSIGNED_SHORT),
     };
 #undef PV_ENUM
     return names;
@@ -258,6 +260,7 @@ PV_INTERPOSE(void, glDisableClientState, (GLenum array), (array), .en(array))
 PV_INTERPOSE(void, glHint, (GLenum target, GLenum mode), (target, mode), .en(target).en(mode))
 PV_INTERPOSE(void, glShadeModel, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glDepthFunc, (GLenum func), (func), .en(func))
+PV_INTERPOSE(void, glCullFace, (GLenum mode), (mode), .en(mode))
 PV_INTERPOSE(void, glBlendFunc, (GLenum sfactor, GLenum dfactor), (sfactor, dfactor),
              .raw(pvtest::blendFactorText(sfactor)).raw(pvtest::blendFactorText(dfactor)))
 PV_INTERPOSE(void, glAlphaFuncx, (GLenum func, GLfixed ref), (func, ref), .en(func).num(ref))
@@ -322,6 +325,16 @@ PV_INTERPOSE(void, glFrustumx, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfi
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
+
+// Arrays and drawing (data pointers are left out).
+PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
+             .en(type).num(stride))
+PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
+             (mode, count, type, indices), .en(mode).num(count).en(type))
 
 // Queries.
 PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))

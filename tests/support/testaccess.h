@@ -5,6 +5,7 @@
 #ifndef PEVRANO_TESTS_TESTACCESS_H
 #define PEVRANO_TESTS_TESTACCESS_H
 
+#include "assets/pvmesh.h"
 #include "assets/pvshader.h"
 #include "core/pevrano.h"
 #include "core/pvopengl.h"
@@ -25,6 +26,9 @@ struct PVTESTACCESS {
     // The video-memory budget and frame stamp that init and begin3D set.
     static void setVideoMemory(unsigned int bytes) { PEVRANO::videoMemoryTotal = bytes; }
     static void setTimeStamp(long stamp) { PEVRANO::timeStamp = stamp; }
+    // Skinning four lanes at a time (when the processor can) or one by one.
+    static bool vectorSkinning() { return PVMESH::vectorSkinning; }
+    static void setVectorSkinning(bool on) { PVMESH::vectorSkinning = on; }
 
     // The colour-code read-back of picking, without drawing anything.
     static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }

@@ -53,8 +53,8 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         std::string message;
     } cases[] = {
         {dir.file("missing.obj"), "pevrano-convert: cannot read '" + dir.file("missing.obj") + "': "},
-        {PEVRANO_TEST_DATA "convert/not_a_model.dae", "pevrano-convert: cannot read '"},
-        {PEVRANO_TEST_DATA "convert/truncated.stl", "pevrano-convert: cannot read '"},
+        {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
+        {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
         {models + "X/anim_test.x", "': mesh 'pCylinder1' names bone 'joint3' that no node has\n"},
     };
     for (const Case& c : cases) {

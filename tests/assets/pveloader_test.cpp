@@ -1,0 +1,278 @@
+// Scene files: whole loads compared with their log and with the nodes,
+// lights and meshes read back; refused headers; every truncation of a valid
+// file and the hostile files under tests/data/pve/ refused without leaving
+// nodes behind.
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "support/glfixture.h"
+#include "support/pvewriter.h"
+
+using namespace pvtest;
+
+namespace {
+
+class PveLoad : public GlContextTest {
+protected:
+    void TearDown() override
+    {
+        PVNODE::cleanUp();
+        PVMATERIAL::cleanUp();
+        PVTEXTURE::cleanUp();
+    }
+    std::string since(size_t start) const { return log.text().substr(start); }
+    // "   + name [id: N]\n" at the given indent.
+    static std::string treeLine(PVNODE* node, int indent)
+    {
+        return std::string(size_t(indent), ' ') + "+ " + node->getName() +
+               " [id: " + std::to_string(node->getId()) + "]\n";
+    }
+};
+
+PveMaterial red()
+{
+    PveMaterial m;
+    m.name = "red";
+    m.ambient = {0.5f, 0, 0, 1};
+    m.diffuse = {1, 0, 0, 1};
+    m.transparency = 0.25f;
+    m.shininess = 12;
+    return m;
+}
+
+// A root with a light and a quad mesh (and more children to follow when
+// asked), in either layout.
+PveWriter sampleScene(bool obsolete, uint16_t children = 2)
+{
+    PveMaterial again = red();
+    again.diffuse = {0, 1, 0, 1};  // same name: ignored
+    PveMesh quad = pveQuad("quad", 1.5f, "red");
+    quad.position = {1, 2, 3};
+    quad.rotation = {10, 20, 30};
+    quad.hidden = true;
+    PveWriter file(obsolete);
+    file.materials({red(), again}).node("root", {4, 5, 6}, children, 77, {0.5f, 0, 0});
+    file.light("lamp", 2, {0, 10, 0}, {0, -1, 0}, 30, {1, 0.5f, 0.25f});
+    return file.mesh(quad);
+}
+
+TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
+{
+    for (bool obsolete : {false, true}) {
+        const size_t start = log.text().size();
+        sampleScene(obsolete).save("scene.pve");
+        PVNODE* root = PEVRANO::load("scene.pve");
+        ASSERT_NE(nullptr, root) << since(start);
+        ASSERT_EQ(2u, root->getNumberOfChildren());
+        PVLIGHT* lamp = static_cast<PVLIGHT*>(root->getChild(0));
+        PVMESH* quad = static_cast<PVMESH*>(root->getChild(1));
+        EXPECT_EQ((obsolete ? "\n   Loading PVE file 'scene.pve'...\n"
+                              "   [!] Obsolete PVE file format detected: re-export your model with 1.6a\n"
+                              "   Header: PVE file v1.5a\n"
+                            : "\n   Loading PVE file 'scene.pve'...\n"
+                              "   Header: PVE file v1.6a\n") +
+                      std::string("   File .PVE loaded (3 nodes)\n"
+                                  "   Tree for root:\n") +
+                      treeLine(root, 3) + treeLine(lamp, 5) + treeLine(quad, 5) + "\n",
+                  since(start));
+
+        EXPECT_EQ(77u, root->getAuxId());
+        EXPECT_EQ(K3MVECTOR3D(4, 5, 6), root->getPosition());
+        EXPECT_EQ(K3MVECTOR3D(0.5f, 0, 0), root->getOrigin());
+        EXPECT_EQ(PV_LIGHT_SPOT, lamp->getLightType());
+        EXPECT_EQ("lamp", std::string(lamp->getName()));
+        EXPECT_EQ(K3MVECTOR3D(0, 9, 0), lamp->getTarget());
+        EXPECT_EQ(30.0f, lamp->getCutOff());
+        EXPECT_EQ(K3MVECTOR4D(0.2f, 0.1f, 0.05f, 1), lamp->getAmbient());
+        EXPECT_EQ(K3MVECTOR4D(1, 0.5f, 0.25f, 1), lamp->getDiffuse());
+        EXPECT_EQ(K3MVECTOR4D(0.1f, 0.05f, 0.025f, 1), lamp->getSpecular());
+
+        EXPECT_EQ(PV_TYPE_MESH, quad->getType());
+        EXPECT_EQ(K3MVECTOR3D(10, 20, 30), quad->getRotation());
+        EXPECT_EQ(2.25f, quad->getRadius());
+        EXPECT_EQ(K3MVECTOR3D(-1.5f, -1.5f, 0), quad->getMinimum());
+        EXPECT_TRUE(quad->isHidden());
+        EXPECT_FALSE(quad->isSkinned());
+        ASSERT_EQ(4u, quad->getNumberOfVertices());
+        EXPECT_EQ(4u, quad->getNumberOfUVs());
+        ASSERT_EQ(2u, quad->getNumberOfFaces());
+        const std::vector<GLfixed> vertices(quad->getVertexPtr(), quad->getVertexPtr() + 12);
+        EXPECT_EQ(
+            (std::vector<GLfixed> {-98304, -98304, 0, 98304, -98304, 0, 98304, 98304, 0, -98304, 98304, 0}),
+            vertices);
+        EXPECT_EQ(65536, quad->getVertexNormalPtr()[11]);
+        EXPECT_EQ((std::vector<GLfixed> {0, 0, 65536, 0}),
+                  std::vector<GLfixed>(quad->getUVPtr(), quad->getUVPtr() + 4));
+        EXPECT_EQ(3, quad->getFacePtr()[1].index[2]);
+        EXPECT_EQ(1.0f, quad->getFaceNormalPtr()[5]);
+
+        PVMATERIAL* material = quad->getMaterial();
+        ASSERT_NE(nullptr, material);
+        EXPECT_EQ(material, PVMATERIAL::findByName("red"));
+        EXPECT_EQ(K3MVECTOR4D(1, 0, 0, 1), material->getDiffuse());
+        EXPECT_EQ(0.25f, material->getTransparency());
+        EXPECT_EQ(12.0f, material->getShininess());
+        EXPECT_EQ(1, PVMATERIAL::getNumberOfMaterials());
+        EXPECT_EQ(1, material->getReferences());
+        PVNODE::cleanUp();
+    }
+}
+
+// Each case: the file's bytes and the log after the loading line.
+struct Refusal {
+    const char* what;
+    std::string bytes;
+    std::string logged;
+};
+
+TEST_F(PveLoad, HeadersOtherThanTheTwoLayoutsAreRefused)
+{
+    const Refusal cases[] = {
+        {"last character differs",
+         PveWriter::withHeader("PVE file v1.6b").materials({}).node("n", {0, 0, 0}).bytes(),
+         "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
+        {"shorter than a header", "PVE f", "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
+        {"empty file", "", "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
+        {"header only", PveWriter().bytes(),
+         "   Header: PVE file v1.6a\n   [!] Corrupted file f.pve @ PEVRANO::load\n"},
+    };
+    for (const Refusal& c : cases) {
+        writeFile("f.pve", c.bytes);
+        const size_t start = log.text().size();
+        EXPECT_EQ(nullptr, PEVRANO::load("f.pve")) << c.what;
+        EXPECT_EQ("\n   Loading PVE file 'f.pve'...\n" + c.logged, since(start)) << c.what;
+    }
+    const size_t start = log.text().size();
+    EXPECT_EQ(nullptr, PEVRANO::load("missing.pve"));
+    EXPECT_EQ(nullptr, PEVRANO::load(nullptr));
+    EXPECT_EQ("   [!] Invalid params or file not found @ PEVRANO::load\n"
+              "   [!] Invalid params or file not found @ PEVRANO::load\n",
+              since(start));
+}
+
+TEST_F(PveLoad, MeshMaterialsAreReportedUnlessNamedRoot)
+{
+    struct Case {
+        const char* mesh;
+        const char* material;
+        std::string logged;
+    } cases[] = {
+        {"m", "[none]", "   [!] no material assigned to mesh 'm'\n"},
+        {"[root]", "[none]", ""},
+        {"m", "gone", "   [!] material 'gone' not found for mesh 'm'\n"},
+        {"[root]", "gone", ""},
+        {"m", "", ""},
+    };
+    for (const Case& c : cases) {
+        PveMesh mesh = pveQuad(c.mesh, 1, c.material);
+        PveWriter().materials({}).mesh(mesh).save("m.pve");
+        const size_t start = log.text().size();
+        PVNODE* loaded = PEVRANO::load("m.pve");
+        ASSERT_NE(nullptr, loaded) << c.mesh << " " << c.material;
+        EXPECT_EQ(nullptr, static_cast<PVMESH*>(loaded)->getMaterial());
+        const std::string text = since(start);
+        const size_t from = text.find("'...\n") + 5;
+        EXPECT_EQ("   Header: PVE file v1.6a\n   [!] Warning: no material found in file m.pve\n" + c.logged +
+                      "   File .PVE loaded (1 nodes)\n",
+                  text.substr(from, text.find("   Tree for") - from))
+            << c.mesh << " " << c.material;
+    }
+}
+
+// A texture rock_d.tga has the normal map rock_n.tga, looked for without the
+// texture path; ab.tga has "_n.tga".
+TEST_F(PveLoad, NormalMapsAreNamedAfterTheTexture)
+{
+    writeFile("rock_n.tga", "not really a picture");
+    PveMaterial rock = red();
+    rock.texture = "rock_d.tga";
+    PveMaterial ab = red();
+    ab.name = "ab";
+    ab.texture = "ab.tga";
+    PveWriter().materials({rock, ab}).node("n", {0, 0, 0}).save("t.pve");
+    ASSERT_NE(nullptr, PEVRANO::load("t.pve"));
+    std::string mapLines;
+    const std::string text = log.text();
+    for (size_t at = 0, end; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+        const std::string line = text.substr(at, end + 1 - at);
+        if (line.find("normal map") != std::string::npos)
+            mapLines += line;
+    }
+    EXPECT_EQ("   normal map: rock_n.tga\n"
+              "   [!] normal map not found for ab.tga\n",
+              mapLines);
+    PVMATERIAL* material = PVMATERIAL::findByName("red");
+    ASSERT_NE(nullptr, material);
+    ASSERT_NE(nullptr, material->getTexture(1));
+    EXPECT_NE(material->getTexture(0), material->getTexture(1));
+    EXPECT_EQ(nullptr, PVMATERIAL::findByName("ab")->getTexture(1));
+}
+
+// Every proper prefix of a valid file is refused, and the nodes it had
+// created are gone again; the materials stay registered.
+TEST_F(PveLoad, EveryTruncationIsRefusedAndCleanedUp)
+{
+    PveMesh skinned = pveQuad("skin", 1, "red");
+    skinned.bonesPerVertex = 2;
+    skinned.boneIndices = {0, 1, 1, 0, 0, 0, 1, 1};
+    skinned.boneWeights = {0.5f, 0.5f, 1, 0, 0.25f, 0.75f, 1, 0};
+    skinned.boneNames = {"root", "quad"};
+    const std::string whole = sampleScene(false, 3).mesh(skinned).bytes();
+    new PVNODE();  // a node that was there before
+    for (size_t cut = 15; cut < whole.size(); cut++) {
+        writeFile("cut.pve", whole.substr(0, cut));
+        const size_t start = log.text().size();
+        ASSERT_EQ(nullptr, PEVRANO::load("cut.pve")) << "cut at " << cut;
+        const std::string text = since(start);
+        EXPECT_EQ("   [!] Corrupted file cut.pve @ PEVRANO::load\n", text.substr(text.rfind("   [!] ")))
+            << "cut at " << cut;
+        ASSERT_EQ(1u, PVNODE::getNumberOfNodes()) << "cut at " << cut;
+    }
+    writeFile("whole.pve", whole);
+    PVNODE* root = PEVRANO::load("whole.pve");
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(5u, PVNODE::getNumberOfNodes());
+    EXPECT_TRUE(static_cast<PVMESH*>(root->getChild(2))->isSkinned());
+}
+
+std::vector<std::string> filesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    if (DIR* dir = opendir(folder.c_str())) {
+        while (dirent* entry = readdir(dir))
+            if (entry->d_name[0] != '.')
+                names.push_back(entry->d_name);
+        closedir(dir);
+    }
+    return names;
+}
+
+// Hostile files: counts past the data, faces and bones out of range, more
+// bones than a skeleton holds, unknown node types. Files named unknown-*
+// end on the unknown-type line, the others on the corruption line.
+TEST_F(PveLoad, HostileFilesAreRefusedWithoutLeavingNodes)
+{
+    const std::string folder = PEVRANO_TEST_DATA "/pve";
+    const std::vector<std::string> names = filesIn(folder);
+    ASSERT_GE(names.size(), 6u);
+    PEVRANO::setPVEPath((folder + "/").c_str());
+    for (const std::string& name : names) {
+        const size_t start = log.text().size();
+        EXPECT_EQ(nullptr, PEVRANO::load(name.c_str())) << name;
+        const std::string text = since(start);
+        const std::string expected = name.rfind("unknown-", 0) == 0
+                                         ? "   [!] Unknow type @ PEVRANO::recursiveLoad\n"
+                                         : "   [!] Corrupted file " + name + " @ PEVRANO::load\n";
+        EXPECT_EQ(expected, text.substr(text.rfind("   [!] "))) << name;
+        EXPECT_EQ(0u, PVNODE::getNumberOfNodes()) << name;
+    }
+    PEVRANO::setPVEPath(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,295 @@
+// Meshes: CPU skinning checked against a wide-integer reference, the draws
+// of opaque and transparent meshes recorded, and loaded scenes drawn on the
+// real renderer (lit colour, hidden meshes, picking, a skinned mesh whose
+// bone moves).
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "scene/scenefixture.h"
+#include "support/glfixture.h"
+#include "support/pvewriter.h"
+#include "support/testaccess.h"
+
+using namespace pvtest;
+
+namespace {
+
+// ---------------------------------------------------------------- reference skinning
+
+// floor(a * b / 65536) on 128-bit integers: the arithmetic shift the engine
+// does, written as an exact division.
+int64_t productShifted(int64_t a, int64_t b)
+{
+    const __int128 product = __int128(a) * b;
+    __int128 quotient = product / 65536;
+    if (product % 65536 != 0 && product < 0)
+        quotient -= 1;
+    return int64_t(quotient);
+}
+
+// Two's-complement wrap of a wide sum into 32 bits.
+int32_t wrap32(int64_t value) { return int32_t(uint32_t(uint64_t(value))); }
+
+int64_t truncatedFixed(double value) { return int64_t(std::trunc(value * 65536.0)); }
+
+struct Skin {
+    std::vector<GLfixed> positions, normals;
+    std::vector<uint8_t> indices;
+    std::vector<float> weights;
+    unsigned int perVertex;
+};
+
+// The skinned positions and normals for bone matrices m (already 16.16).
+void referenceSkinning(const Skin& skin, const std::vector<std::vector<int64_t>>& m,
+                       std::vector<GLfixed>& outP, std::vector<GLfixed>& outN)
+{
+    const size_t count = skin.positions.size() / 3;
+    outP.assign(count * 3, 0);
+    outN.assign(count * 3, 0);
+    for (size_t v = 0; v < count; v++) {
+        const GLfixed* p = &skin.positions[3 * v];
+        const GLfixed* n = &skin.normals[3 * v];
+        for (unsigned int j = 0; j < skin.perVertex; j++) {
+            const int64_t w = truncatedFixed(skin.weights[v * skin.perVertex + j]);
+            if (w <= 0)
+                continue;
+            const std::vector<int64_t>& b = m[skin.indices[v * skin.perVertex + j]];
+            for (int c = 0; c < 3; c++) {
+                const int32_t q = wrap32(productShifted(p[0], b[c]) + productShifted(p[1], b[4 + c]) +
+                                         productShifted(p[2], b[8 + c]) + b[12 + c]);
+                const int32_t nq = wrap32(productShifted(n[0], b[c]) + productShifted(n[1], b[4 + c]) +
+                                          productShifted(n[2], b[8 + c]));
+                outP[3 * v + c] = wrap32(int64_t(outP[3 * v + c]) + productShifted(q, w));
+                outN[3 * v + c] = wrap32(int64_t(outN[3 * v + c]) + productShifted(nq, w));
+            }
+        }
+    }
+}
+
+K3MMATRIX pose(float angle, float tx, float ty, float tz, float scale)
+{
+    const float c = std::cos(angle) * scale, s = std::sin(angle) * scale;
+    return K3MMATRIX(c, s, 0, 0, -s, c, 0, 0, 0, 0, scale, 0, tx, ty, tz, 1);
+}
+
+class Skinning : public GlContextTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GlContextTest::SetUp());
+        PVMESH::init();
+    }
+    void TearDown() override
+    {
+        PVMESH::free();
+        PVNODE::cleanUp();
+    }
+};
+
+TEST_F(Skinning, AnimateMatchesAWideIntegerReference)
+{
+    // Weights: summing to 1, to more than 1, all zero, one negative (skipped),
+    // thirds, and a large vertex whose products need the 64-bit range.
+    Skin skin;
+    skin.perVertex = 3;
+    skin.positions = {65536, -131072, 98304, -70000, 12345, -1, 0,          0,          0,
+                      3,     -5,      7,     400000, 8,     -9, 32767 << 8, -(1 << 22), 1 << 20};
+    skin.normals = {0, 0, 65536, 46341, 46341, 0, 65536, 0, 0, 0, -65536, 0, 1, 2, 3, -40000, 30000, 2000};
+    skin.indices = {0, 1, 2, 2, 1, 0, 0, 0, 0, 1, 2, 2, 0, 1, 2, 2, 2, 1};
+    skin.weights = {0.5f,  0.3f, 0.2f, 0.6f,     0.6f,     0,        0,    0,    0,
+                    -0.5f, 1,    0,    1 / 3.0f, 1 / 3.0f, 1 / 3.0f, 0.9f, 0.1f, 0};
+    PVMESH* mesh = new PVMESH();
+    ASSERT_TRUE(mesh->setGeometry(6, skin.positions.data(), skin.normals.data(), nullptr, 0, nullptr));
+    const char* names[] = {"a", "b", "c"};
+    ASSERT_TRUE(mesh->setSkin(3, skin.indices.data(), skin.weights.data(), 3, names));
+    mesh->setPosition(1, -2, 0.5f);
+    mesh->setRotation(0, 0, 30);
+
+    std::vector<std::vector<int64_t>> fixed;
+    const K3MMATRIX invRoot = mesh->getFinalMatrix(PV_MESH_SKELETON_ROOT).inverse();
+    for (unsigned int b = 0; b < 3; b++) {
+        PVMESH::getSkeleton(3)[b] = pose(0.4f * float(b + 1), float(b), -1.5f, 2.25f, 1.0f + 0.1f * float(b));
+        mesh->getBone(b)->inverseBind = pose(-0.3f * float(b), 0.5f, float(b), -1, 1);
+        const K3MMATRIX m = mesh->getBone(b)->inverseBind * (PVMESH::getSkeleton(3)[b] * invRoot);
+        fixed.emplace_back();
+        for (float element : m.m)
+            fixed.back().push_back(truncatedFixed(element));
+    }
+    std::vector<GLfixed> expectedP, expectedN;
+    referenceSkinning(skin, fixed, expectedP, expectedN);
+
+    ASSERT_TRUE(mesh->animate(3));
+    EXPECT_EQ(expectedP, std::vector<GLfixed>(mesh->getSkinnedVertexPtr(), mesh->getSkinnedVertexPtr() + 18));
+    EXPECT_EQ(expectedN, std::vector<GLfixed>(mesh->getSkinnedNormalPtr(), mesh->getSkinnedNormalPtr() + 18));
+    // All-zero weights leave the vertex at the origin.
+    EXPECT_EQ((std::vector<GLfixed> {0, 0, 0}),
+              std::vector<GLfixed>(mesh->getSkinnedVertexPtr() + 6, mesh->getSkinnedVertexPtr() + 9));
+}
+
+TEST_F(Skinning, ACacheFullSlotIsRefusedAndUnskinnedMeshesAreLeftAlone)
+{
+    PVMESH plain;
+    EXPECT_TRUE(plain.animate(PV_MESH_SKELETONS));
+    PVMESH skinned;
+    const GLfixed vertex[3] = {1, 2, 3};
+    const uint8_t index = 0;
+    const float weight = 1;
+    ASSERT_TRUE(skinned.setGeometry(1, vertex, nullptr, nullptr, 0, nullptr));
+    ASSERT_TRUE(skinned.setSkin(1, &index, &weight, 1, nullptr));
+    EXPECT_FALSE(skinned.animate(PV_MESH_SKELETONS));
+    EXPECT_EQ("   [!] Animation not computed (cache full) @ PVMESH::animate\n", log.text());
+}
+
+// ---------------------------------------------------------------- drawing
+
+const Rgb background {0, 0, 0};
+
+class MeshScene : public RecordingTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(startEngineInWindow()) << log.text();
+        PVOPENGL::setBackgroundColor(0, 0, 0, 1);
+        PVOPENGL::setGlobalAmbientLight(0, 0, 0, 1);
+    }
+    void TearDown() override { PEVRANO::free(); }
+
+    static PveMaterial colour(const std::string& name, PveColour diffuse, float transparency = 1)
+    {
+        PveMaterial m;
+        m.name = name;
+        m.ambient = {0, 0, 0, 1};
+        m.diffuse = diffuse;
+        m.transparency = transparency;
+        return m;
+    }
+    PVNODE* load(const PveWriter& file)
+    {
+        file.save("scene.pve");
+        PVNODE* root = PEVRANO::load("scene.pve");
+        EXPECT_NE(nullptr, root) << log.text();
+        return root;
+    }
+    // Screen pixel of the world point (x, y, z) seen by the default camera.
+    static Rgb pixelOf(double x, double y, double z)
+    {
+        const double f = 1.0 / std::tan(PVOPENGL::getAngleOfView() * M_PI / 360.0);
+        const double aspect = double(windowWidth) / windowHeight;
+        const double sx = (f / aspect * x / -z + 1) * windowWidth / 2;
+        const double sy = (f * y / -z + 1) * windowHeight / 2;
+        return pixelAt(int(sx), int(sy));
+    }
+};
+
+// A lit quad in front of the camera, a hidden one in front of it, a light at
+// the eye: the quad shows its diffuse colour (N.L = 1 at the centre), and
+// picking reports its id.
+TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
+{
+    PveMesh quad = pveQuad("quad", 1, "warm");
+    quad.position = {0, 0, -5};
+    PveMesh hidden = pveQuad("hidden", 1, "cold");
+    hidden.position = {0, 0, -4};
+    hidden.hidden = true;
+    PveWriter file;
+    file.materials({colour("warm", {0.5f, 0.25f, 0, 1}), colour("cold", {0, 0, 1, 1})})
+        .node("root", {0, 0, 0}, 3);
+    file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(quad).mesh(hidden);
+    PVNODE* root = load(file);
+    ASSERT_NE(nullptr, root);
+    drawFrame(root, nullptr);
+    expectColour({0.5, 0.25, 0}, pixelOf(0, 0, -5), "lit quad");
+    expectColour(background, pixelOf(1.5, 0, -5), "beside the quad");
+    const unsigned int id = root->getChild(1)->getId();
+    EXPECT_EQ(id, PEVRANO::select(windowWidth / 2, windowHeight / 2));
+    EXPECT_EQ(0u, PEVRANO::select(2, 2));
+}
+
+// A transparent mesh is drawn twice while lighting is on, back faces first;
+// an opaque one once, with culling back as it was.
+TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
+{
+    PveMesh glass = pveQuad("glass", 1, "glass");
+    glass.position = {0, 0, -5};
+    PveWriter file;
+    file.materials({colour("glass", {1, 1, 1, 1}, 0.5f)}).node("root", {0, 0, 0}, 2);
+    file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(glass);
+    PVNODE* root = load(file);
+    ASSERT_NE(nullptr, root);
+    const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx"};
+    record([&] { drawFrame(root, nullptr); });
+    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glCullFace(GL_FRONT)",
+                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)", "glCullFace(GL_BACK)",
+                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
+              recorder.filter(drawing));
+    EXPECT_TRUE(PVOPENGL::isCulled());
+
+    // Without its light the mesh is unlit, and drawn once like an opaque one.
+    root->getChild(0)->unlink();
+    PVLIGHT::lightingOff();
+    record([&] { drawFrame(root, nullptr); });
+    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
+                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
+              recorder.filter(drawing));
+}
+
+// A quad skinned to one bone follows the bone: at rest it covers the centre,
+// with the bone moved 2 units right it covers x = 2 instead. The skeleton
+// root stands at the origin of a scene node placed in front of the camera;
+// a directional light along -z lights the quad at N.L = 1 everywhere.
+TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
+{
+    PveMesh bone;
+    bone.name = "bone";
+    PveMesh skin = pveQuad("skin", 1, "warm");
+    skin.bonesPerVertex = 1;
+    skin.boneIndices = {0, 0, 0, 0};
+    skin.boneWeights = {1, 1, 1, 1};
+    skin.boneNames = {"bone"};
+    PveWriter file;
+    file.materials({colour("warm", {1, 0, 0, 1})}).node("scene", {0, 0, -5}, 2);
+    file.light("sun", 1, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1});
+    file.node(PV_MESH_SKELETON_ROOT, {0, 0, 0}, 2).mesh(bone).mesh(skin);
+    PVNODE* root = load(file);
+    ASSERT_NE(nullptr, root);
+    EXPECT_NE(std::string::npos, log.text().find("   Building bones for skin... done\n"));
+    drawFrame(root, nullptr);
+    expectColour({1, 0, 0}, pixelOf(0, 0, -5), "skin at rest");
+    expectColour(background, pixelOf(2, 0, -5), "right of the skin at rest");
+    root->findByNameInHierarchy("bone")->setPosition(2, 0, 0);
+    drawFrame(root, nullptr);
+    expectColour(background, pixelOf(0, 0, -5), "where the skin was");
+    expectColour({1, 0, 0}, pixelOf(2, 0, -5), "skin moved with its bone");
+}
+
+// Seventeen skinned meshes in one frame: the last finds the cache full, is
+// not drawn, and says so.
+TEST_F(MeshScene, TheSeventeenthSkinnedMeshFindsTheCacheFull)
+{
+    PVNODE* root = new PVNODE();
+    const GLfixed vertex[9] = {0, 0, 0, 65536, 0, 0, 0, 65536, 0};
+    const PVFACE face = {{0, 1, 2}};
+    const uint8_t indices[3] = {0, 0, 0};
+    const float weights[3] = {1, 1, 1};
+    for (int i = 0; i < PV_MESH_SKELETONS + 1; i++) {
+        PVMESH* mesh = new PVMESH();
+        mesh->setGeometry(3, vertex, vertex, nullptr, 1, &face);
+        mesh->setSkin(1, indices, weights, 1, nullptr);
+        mesh->link(root);
+    }
+    const size_t start = log.text().size();
+    record([&] { drawFrame(root, nullptr); });
+    EXPECT_EQ(size_t(PV_MESH_SKELETONS), recorder.count("glDrawElements"));
+    EXPECT_EQ(unsigned(PV_MESH_SKELETONS), PVELEMENT::getPassedElement(PV_MESH_SKELETONS)->getParam1());
+    EXPECT_EQ(root->getChild(15), PVMESH::getSkeletonOwner(15));
+    EXPECT_EQ("   [!] Skeleton cache full @ PVELEMENT::pass\n"
+              "   [!] Animation not computed (cache full) @ PVMESH::animate\n",
+              log.text().substr(start));
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Writes examples/data/panels.pve, the demo's scene file: three coloured
+boxes (24 vertices, 12 triangles each) under one root node."""
+import os
+import struct
+
+
+def text(s):
+    return s.encode() + b"\0"
+
+
+def floats(*values):
+    return b"".join(struct.pack("<f", v) for v in values)
+
+
+def u16(*values):
+    return b"".join(struct.pack("<H", v) for v in values)
+
+
+def material(name, r, g, b):
+    return (text(name) + text("[none]") + text("[none]") + floats(r * 0.3, g * 0.3, b * 0.3, 1)
+            + floats(r, g, b, 1) + floats(0.3, 0.3, 0.3, 1) + floats(0, 0, 0, 1) + floats(1.0, 20.0))
+
+
+def box(name, material_name, position, rotation, half):
+    vertices, normals, uvs, faces, face_normals = [], [], [], [], []
+    sides = [(0, 1, 2, 1), (0, 1, 2, -1), (1, 2, 0, 1), (1, 2, 0, -1), (2, 0, 1, 1), (2, 0, 1, -1)]
+    for a, b, c, sign in sides:
+        first = len(vertices)
+        for u, v in ((-1, -1), (1, -1), (1, 1), (-1, 1)):
+            p, n = [0.0] * 3, [0.0] * 3
+            p[a], p[b], p[c] = u * half[a] * sign, v * half[b], half[c] * sign
+            n[c] = sign
+            vertices.append(p)
+            normals.append(n)
+            uvs.append(((u + 1) / 2, (v + 1) / 2))
+        faces += [(first, first + 1, first + 2), (first, first + 2, first + 3)]
+        face_normals += [normals[-1], normals[-1]]
+    radius = sum(h * h for h in half) ** 0.5
+    record = b"\2" + struct.pack("<I", 0) + text(name) + floats(*position) + floats(*rotation) + floats(0, 0, 0)
+    record += text(material_name) + floats(radius) + floats(*[-h for h in half]) + floats(*half) + b"\0"
+    record += u16(len(vertices), len(uvs), len(faces), 0, 0)
+    record += b"".join(floats(*p) for p in vertices) + b"".join(floats(*n) for n in normals)
+    record += b"".join(floats(*t) for t in uvs) + b"".join(u16(*f) for f in faces)
+    record += b"".join(floats(*n) for n in face_normals)
+    return record
+
+
+def main():
+    colours = [("red", 0.9, 0.2, 0.2), ("green", 0.2, 0.9, 0.3), ("blue", 0.2, 0.4, 0.9)]
+    data = b"PVE file v1.6a\0" + u16(len(colours)) + b"".join(material(*c) for c in colours)
+    data += b"\0" + struct.pack("<I", 0) + text("panels") + floats(0, 0, 0, 0, 0, 0) + u16(len(colours))
+    for i, (name, _, _, _) in enumerate(colours):
+        data += box(name + " panel", name, (2.0 * (i - 1), 0.75, -1.0), (0, -25.0 * (i - 1), 0), (0.75, 0.75, 0.15))
+    target = os.path.join(os.path.dirname(__file__), "..", "examples", "data", "panels.pve")
+    with open(target, "wb") as out:
+        out.write(data)
+
+
+if __name__ == "__main__":
+    main()
