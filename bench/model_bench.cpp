@@ -76,7 +76,8 @@ std::string convertedCharacter()
         std::string error;
         const aiScene* source = ModelConverter::importModel(importer, character, error);
         ModelConverter converter(source, options);
-        const bool ready = source && converter.convert(error) && PEVRANO::init(nullptr);
+        const bool ready =
+            source && converter.convert(error) && (PEVRANO::isActive() || PEVRANO::init(nullptr));
         PVTEXTURE::setPath((scratchFolder() + "/").c_str());
         return ready ? path : std::string();
     }();
