@@ -32,7 +32,8 @@
 #include "scene/pvlight.h"
 #include "scene/pvhelper.h"
 
-// Assets: textures, materials, shaders, frame buffers, particle emitters.
+// Assets: textures, materials, shaders, frame buffers, particle emitters,
+// meshes and skeletal animations.
 #include "assets/pvtexture.h"
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
@@ -42,6 +43,8 @@
 // Video: MPEG video played into a texture.
 #include "video/pvvideo.h"
 #include "assets/pvmesh.h"
+#include "assets/pvboneframe.h"
+#include "assets/pvanim.h"
 
 // 2D interface: boxes, fonts, buttons, labels, text fields, scroll bars,
 // windows (their pointer and keyboard input goes through

@@ -9,6 +9,8 @@
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_TGA
+// A private copy: the model benchmarks link the tools' full build of stb_image.
+#define STB_IMAGE_STATIC
 #include <stb/stb_image.h>
 
 #include <pevrano.h>

@@ -5,6 +5,7 @@
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
 
+#include "assets/pvanim.h"
 #include "assets/pvemitter.h"
 #include "assets/pvfbo.h"
 #include "assets/pvmaterial.h"
@@ -182,7 +183,7 @@ bool PEVRANO::free()
     PVSHADER::cleanUp();
     PVMATERIAL::cleanUp();
     PVTEXTURE::cleanUp();
-    // Animation class step: PVANIM::cleanUp().
+    PVANIM::cleanUp();
     PVVIDEO::cleanUp();
 
     // Class-wide state.

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "assets/pvanim.h"
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pevrano.h"
@@ -224,7 +225,7 @@ void PVSETTINGS::handPathsOn()
 {
     PEVRANO::setPVEPath(pvePath);
     kvfLog("          PVE path    : '%s'\n", pvePath);
-    // Animation class step: PVANIM::setPVAPath(pvaPath).
+    PVANIM::setPVAPath(pvaPath);
     kvfLog("          PVA path    : '%s'\n", pvaPath);
     PVTEXTURE::setPath(texturePath);
     kvfLog("          Texture path: '%s'\n", texturePath);

@@ -138,9 +138,30 @@ PVCAMERA* buildCamera()
     return camera;
 }
 
-// The 3D part of a frame: the camera swings from left to right of the scene.
-void drawScene(int frame, PVCAMERA* camera, PVNODE* scene)
+// An animated, skinned character converted from a public test model
+// ("tools/run-example.sh" converts Assimp's Testwuson.X into the working
+// directory as character.pve with its run as character_0_Wuson_Run.pva).
+// It runs in front of the panels; without the files the demo goes on.
+PVANIM* loadCharacter(PVNODE* scene)
 {
+    PVNODE* character = PEVRANO::load("character.pve");
+    PVANIM* run = new PVANIM();
+    if (!character || !run->load(const_cast<char*>("character_0_Wuson_Run.pva")))
+        return nullptr;
+    run->setTranslating(true);
+    PVNODE* place = new PVNODE();
+    place->setPosition(0.0f, 0.55f, 1.0f);
+    place->setRotation(0.0f, 60.0f, 0.0f);  // its side towards the camera
+    place->link(scene);
+    character->link(place);
+    return run;
+}
+
+// The 3D part of a frame: the camera swings from left to right of the scene.
+void drawScene(int frame, PVCAMERA* camera, PVNODE* scene, PVANIM* run)
+{
+    if (run)
+        run->apply(frame * 2 % run->getNumberOfFrames(), scene);
     const float angle = (-20.0f + 40.0f * float(frame) / float(frameCount - 1)) * 3.1415927f / 180.0f;
     camera->setPosition(10.0f * std::sin(angle), 7.0f, 10.0f * std::cos(angle));
     PEVRANO::begin3D(camera);
@@ -276,12 +297,12 @@ DemoInterface interface;
 void drawInterface() { interface.draw(); }
 
 // One frame, without the swap: the background fades from dark to light blue.
-void drawFrame(int frame, PVCAMERA* camera, PVNODE* scene)
+void drawFrame(int frame, PVCAMERA* camera, PVNODE* scene, PVANIM* run)
 {
     const float shade = float(frame) / float(frameCount - 1);
     PVOPENGL::setBackgroundColor(0.1f, 0.2f + 0.3f * shade, 0.4f + 0.5f * shade, 1.0f);
     PEVRANO::clear(true, true, false);
-    drawScene(frame, camera, scene);
+    drawScene(frame, camera, scene, run);
     drawInterface();
 }
 
@@ -347,11 +368,13 @@ int main(int argc, char** argv)
     addEffects(scene);
     PVCAMERA* camera = buildCamera();
     interface.build();
+    PVANIM* run = loadCharacter(scene);
+    std::printf("%s\n", run ? "animated character shown" : "no converted character in the working directory");
 
     bool saved = false;
     const std::string screenshot = workingDirectory() + "/screenshot.png";
     for (int frame = 0; frame < frameCount; ++frame) {
-        drawFrame(frame, camera, scene);
+        drawFrame(frame, camera, scene, run);
         // The last frame is read before the swap, while its buffer is still defined.
         if (frame == frameCount - 1)
             saved = saveScreenshot(screenshot.c_str(), PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
@@ -362,7 +385,7 @@ int main(int argc, char** argv)
         SDL_EnableUNICODE(1);
         std::printf("Interface live: Escape, Quit or closing the window ends the demo\n");
         while (interface.handleEvents()) {
-            drawFrame(frameCount - 1, camera, scene);
+            drawFrame(frameCount - 1, camera, scene, run);
             PEVRANO::swap();
             SDL_Delay(15);
         }

@@ -1,0 +1,300 @@
+// PVANIM: PVA files byte for byte, refused files, frame editors and their
+// bounds, interpolation between keyframes and posing a skeleton.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "assets/pvanim.h"
+#include "core/pevrano.h"
+#include "core/pvsettings.h"
+#include "scene/pvnode.h"
+#include "support/glfixture.h"
+
+namespace {
+
+using Anims = pvtest::RecordingTest;
+
+std::string u16(unsigned int value) { return std::string {char(value & 0xFF), char(value >> 8)}; }
+
+std::string f32(float value)
+{
+    char bytes[4];
+    std::memcpy(bytes, &value, 4);
+    return std::string(bytes, 4);
+}
+
+std::string record(float rx, float ry, float rz, float px, float py, float pz, bool set)
+{
+    return f32(rx) + f32(ry) + f32(rz) + f32(px) + f32(py) + f32(pz) + char(set ? 1 : 0);
+}
+
+// Two bones, two frames, every record different.
+void fillTwoBones(PVANIM& anim)
+{
+    anim.setNumberOfBones(2);
+    anim.setNumberOfFrames(2);
+    anim.setBoneName(0, "hip");
+    anim.setBoneName(1, "knee");
+    anim.setFrame(0, 0, 1, 2, 3);
+    anim.getKeyframe(0, 0)->position = K3MVECTOR3D(0.5f, 0, 0);
+    anim.getKeyframe(0, 1)->rotation = K3MVECTOR3D(0, 0, 90);
+    anim.setFrame(1, 0, 10, 20, 30);
+    anim.getKeyframe(1, 0)->position = K3MVECTOR3D(0, 1, 0);
+    anim.setFrame(1, 1, -45, 0, 0);
+    anim.getKeyframe(1, 1)->position = K3MVECTOR3D(0, 0, 2);
+}
+
+const std::string twoBonesFile = std::string("PVA file v1.6a") + char(26) + u16(2) + u16(2) + "hip" + '\0' +
+                                 "knee" + '\0' + record(1, 2, 3, 0.5f, 0, 0, true) +
+                                 record(0, 0, 90, 0, 0, 0, false) + record(10, 20, 30, 0, 1, 0, true) +
+                                 record(-45, 0, 0, 0, 0, 2, true);
+
+void expectRecord(PVANIM& anim, unsigned int frame, unsigned int bone, K3MVECTOR3D rotation,
+                  K3MVECTOR3D position, bool set)
+{
+    const PVBONEFRAME* keyframe = anim.getKeyframe(frame, bone);
+    ASSERT_NE(keyframe, nullptr);
+    SCOPED_TRACE("frame " + std::to_string(frame) + " bone " + std::to_string(bone));
+    EXPECT_FLOAT_EQ(keyframe->rotation.x, rotation.x);
+    EXPECT_FLOAT_EQ(keyframe->rotation.y, rotation.y);
+    EXPECT_FLOAT_EQ(keyframe->rotation.z, rotation.z);
+    EXPECT_FLOAT_EQ(keyframe->position.x, position.x);
+    EXPECT_FLOAT_EQ(keyframe->position.y, position.y);
+    EXPECT_FLOAT_EQ(keyframe->position.z, position.z);
+    EXPECT_EQ(keyframe->set, set);
+}
+
+TEST_F(Anims, SaveWritesTheLayoutAndLoadReadsItBack)
+{
+    PVANIM saved;
+    fillTwoBones(saved);
+    char name[] = "walk.pva";
+    ASSERT_TRUE(saved.save(name));
+    EXPECT_EQ(pvtest::readFile(dir.file(name)), twoBonesFile);
+
+    PVANIM loaded;
+    ASSERT_TRUE(loaded.load(name));
+    EXPECT_EQ(log.text(), "\n   Saving PVA file 'walk.pva'...\n\n   Loading PVA file 'walk.pva'...\n"
+                          "   Header: PVA file v1.6a\n");
+    EXPECT_EQ(loaded.getNumberOfBones(), 2u);
+    EXPECT_EQ(loaded.getNumberOfFrames(), 2u);
+    EXPECT_STREQ(loaded.getBoneName(0), "hip");
+    EXPECT_STREQ(loaded.getBoneName(1), "knee");
+    EXPECT_STREQ(loaded.getFilename(), "walk.pva");
+    EXPECT_EQ(PVANIM::findByFilename("walk.pva"), &loaded);
+    expectRecord(loaded, 0, 0, {1, 2, 3}, {0.5f, 0, 0}, true);
+    expectRecord(loaded, 0, 1, {0, 0, 90}, {0, 0, 0}, false);
+    expectRecord(loaded, 1, 0, {10, 20, 30}, {0, 1, 0}, true);
+    expectRecord(loaded, 1, 1, {-45, 0, 0}, {0, 0, 2}, true);
+    // The record one past the last frame exists and is empty.
+    expectRecord(loaded, 2, 1, {0, 0, 0}, {0, 0, 0}, false);
+}
+
+TEST_F(Anims, LoadReadsFromThePathPrefixAndIgnoresTheMarker)
+{
+    PVANIM::setPVAPath(PEVRANO_TEST_DATA "/pva/");
+    PVANIM anim;
+    char name[] = "marker_zero.pva";
+    const bool loaded = anim.load(name);
+    PVANIM::setPVAPath(nullptr);
+    ASSERT_TRUE(loaded) << log.text();
+    char saved[] = "copy.pva";
+    ASSERT_TRUE(anim.save(saved));
+    EXPECT_EQ(pvtest::readFile(dir.file(saved)), twoBonesFile);
+}
+
+// Refused files leave the animation exactly as it was.
+TEST_F(Anims, RefusedFilesLeaveTheAnimationUnchanged)
+{
+    const std::string header = "\n   Loading PVA file '%s'...\n   Header: PVA file v1.6a\n";
+    struct Case {
+        const char* file;
+        std::string log;
+    } cases[] = {
+        {"truncated_records.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"truncated_names.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"truncated_counts.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"too_many_bones.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"long_bone_name.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"huge_frames.pva", header + "   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"truncated_header.pva", "\n   Loading PVA file '%s'...\n   [!] Corrupted file %s @ PVANIM::load\n"},
+        {"wrong_header.pva",
+         "\n   Loading PVA file '%s'...\n   [!] Invalid header in file %s @ PVANIM::load\n"},
+        {"missing.pva", "   [!] Invalid params or file not found @ PVANIM::load\n"},
+    };
+    PVANIM::setPVAPath(PEVRANO_TEST_DATA "/pva/");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        pvtest::LogCapture caseLog;
+        PVANIM anim;
+        fillTwoBones(anim);
+        char name[64];
+        std::strcpy(name, c.file);
+        EXPECT_FALSE(anim.load(name));
+        std::string expected = c.log;
+        for (size_t at; (at = expected.find("%s")) != std::string::npos;)
+            expected.replace(at, 2, c.file);
+        EXPECT_EQ(caseLog.text(), expected);
+        char saved[] = "unchanged.pva";
+        ASSERT_TRUE(anim.save(saved));
+        EXPECT_EQ(pvtest::readFile(dir.file(saved)), twoBonesFile);
+    }
+    PVANIM::setPVAPath(nullptr);
+}
+
+TEST_F(Anims, FrameEditorsAcceptOnePastTheLastFrameOnly)
+{
+    PVANIM anim;
+    anim.setNumberOfBones(3);
+    anim.setNumberOfFrames(10);
+    struct Editor {
+        const char* name;
+        bool (*edit)(PVANIM&, unsigned int, unsigned int);
+        std::string rotation;  // of the record edited, as stored
+    } editors[] = {
+        {"setFrame", [](PVANIM& a, unsigned int f, unsigned int b) { return a.setFrame(f, b, 1, 2, 3); },
+         f32(1) + f32(2) + f32(3)},
+        {"setFrameRotationX",
+         [](PVANIM& a, unsigned int f, unsigned int b) { return a.setFrameRotationX(f, b, 4); },
+         f32(4) + f32(0) + f32(0)},
+        {"setFrameRotationY",
+         [](PVANIM& a, unsigned int f, unsigned int b) { return a.setFrameRotationY(f, b, 5); },
+         f32(0) + f32(5) + f32(0)},
+        {"setFrameRotationZ",
+         [](PVANIM& a, unsigned int f, unsigned int b) { return a.setFrameRotationZ(f, b, 6); },
+         f32(0) + f32(0) + f32(6)},
+    };
+    for (const Editor& editor : editors) {
+        SCOPED_TRACE(editor.name);
+        pvtest::LogCapture caseLog;
+        anim.reset();
+        anim.unsetFrame(10, 2);
+        EXPECT_TRUE(editor.edit(anim, 10, 2));
+        EXPECT_TRUE(anim.getKeyframe(10, 2)->set);
+        EXPECT_TRUE(editor.edit(anim, 0, 0));
+        const K3MVECTOR3D rotation = anim.getFrameRotation(0, 0);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(&rotation), 12), editor.rotation);
+        EXPECT_FALSE(editor.edit(anim, 11, 0));
+        EXPECT_FALSE(editor.edit(anim, 0, 3));
+        const std::string message = std::string("   [!] Invalid params @ PVANIM::") + editor.name + "\n";
+        EXPECT_EQ(caseLog.text(), message + message);
+    }
+
+    pvtest::LogCapture unsetLog;
+    EXPECT_TRUE(anim.unsetFrame(10, 2));
+    EXPECT_FALSE(anim.unsetFrame(10, 2));
+    EXPECT_FALSE(anim.unsetFrame(11, 2));
+    EXPECT_EQ(unsetLog.text(), "   [!] Invalid params @ PVANIM::unsetFrame\n");
+}
+
+TEST_F(Anims, CreateKeyframesInterpolatesRotationsBetweenSetFrames)
+{
+    PVANIM anim;
+    anim.setNumberOfBones(2);
+    anim.setNumberOfFrames(11);
+    anim.setFrame(0, 0, 0, 0, 0);
+    anim.setFrame(10, 0, 10, 20, -30);
+    anim.getKeyframe(5, 0)->position = K3MVECTOR3D(7, 7, 7);
+    // Bone 1: keys at 0, 4 and 8; the last stretch runs to frame 10, unset.
+    anim.setFrame(0, 1, 0, 0, 0);
+    anim.setFrame(4, 1, 8, 0, 0);
+    anim.setFrame(8, 1, 0, 0, 40);
+    anim.getKeyframe(10, 1)->rotation = K3MVECTOR3D(0, 0, 60);
+    ASSERT_TRUE(anim.createKeyframes(0, 10));
+
+    expectRecord(anim, 5, 0, {5, 10, -15}, {7, 7, 7}, false);
+    expectRecord(anim, 1, 0, {1, 2, -3}, {0, 0, 0}, false);
+    expectRecord(anim, 10, 0, {10, 20, -30}, {0, 0, 0}, true);
+    const float bone1X[] = {0, 2, 4, 6, 8, 6, 4, 2, 0, 0, 0};
+    const float bone1Z[] = {0, 0, 0, 0, 0, 10, 20, 30, 40, 50, 60};
+    for (unsigned int f = 0; f <= 10; f++) {
+        SCOPED_TRACE(f);
+        EXPECT_FLOAT_EQ(anim.getFrameRotation(f, 1).x, bone1X[f]);
+        EXPECT_FLOAT_EQ(anim.getFrameRotation(f, 1).z, bone1Z[f]);
+        EXPECT_EQ(anim.getKeyframe(f, 1)->set, f == 0 || f == 4 || f == 8);
+    }
+
+    pvtest::LogCapture invalid;
+    EXPECT_FALSE(anim.createKeyframes(11, 11));
+    EXPECT_FALSE(anim.createKeyframes(0, 12));
+    EXPECT_FALSE(anim.createKeyframes(5, 5));
+    EXPECT_EQ(invalid.text(), "   [!] Invalid params @ PVANIM::createKeyframes\n"
+                              "   [!] Invalid params @ PVANIM::createKeyframes\n"
+                              "   [!] Invalid params @ PVANIM::createKeyframes\n");
+}
+
+TEST_F(Anims, ApplyPosesBonesByNameAndMovesThemOnlyWhenTranslating)
+{
+    PVANIM anim;
+    fillTwoBones(anim);
+    PVNODE root, hip, knee, other;
+    hip.setName("hip");
+    knee.setName("knee");
+    hip.link(&root);
+    knee.link(&hip);
+    other.link(&root);
+    knee.setPosition(9, 9, 9);
+
+    ASSERT_TRUE(anim.apply(1, &root));
+    EXPECT_EQ(hip.getRotation().y, 20.0f);
+    EXPECT_EQ(knee.getRotation().x, -45.0f);
+    EXPECT_EQ(knee.getPosition().x, 9.0f);
+    EXPECT_EQ(hip.getPosition().y, 0.0f);
+
+    anim.setTranslating(true);
+    ASSERT_TRUE(anim.apply(0, &root));
+    EXPECT_EQ(hip.getRotation().x, 1.0f);
+    EXPECT_EQ(hip.getPosition().x, 0.5f);
+    EXPECT_EQ(knee.getRotation().z, 90.0f);
+    EXPECT_EQ(knee.getPosition().z, 0.0f);
+    EXPECT_EQ(other.getRotation().z, 0.0f);
+
+    EXPECT_FALSE(anim.apply(2, &root));
+    EXPECT_FALSE(anim.apply(0, nullptr));
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVANIM::apply\n   [!] Invalid params @ PVANIM::apply\n");
+}
+
+TEST_F(Anims, RegistryNamesFindsAndReleases)
+{
+    PVANIM* first = new PVANIM;
+    PVANIM* second = new PVANIM;
+    EXPECT_EQ(first->getName(), "[anim " + std::to_string(first->getId()) + "]");
+    EXPECT_EQ(PVANIM::getNumberOfAnims(), 2);
+    EXPECT_EQ(PVANIM::findById(second->getId()), second);
+    fillTwoBones(*second);
+    char knee[] = "knee";
+    EXPECT_EQ(second->findBoneByName(knee), 1);
+    EXPECT_EQ(first->findBoneByName(knee), -1);
+    EXPECT_EQ(first->findBoneByName(nullptr), -1);
+    EXPECT_FALSE(second->setNumberOfBones(129));
+    EXPECT_EQ(second->getNumberOfBones(), 2u);
+    EXPECT_TRUE(PVANIM::cleanUp());
+    EXPECT_FALSE(PVANIM::cleanUp());
+    EXPECT_EQ(PVANIM::getFirst(), nullptr);
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVANIM::findBoneByName\n   2 animation(s) released\n");
+}
+
+}  // namespace
+
+namespace {
+
+// The engine hands the settings' folder to the animations at start-up and
+// releases the animations left at shut-down.
+TEST_F(Anims, EngineSetsThePathAndReleasesAnimationsAtShutDown)
+{
+    PVSETTINGS settings;
+    settings.setPVAPath("anims/");
+    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    EXPECT_STREQ(PVANIM::getPVAPath(), "anims/");
+    new PVANIM;
+    new PVANIM;
+    ASSERT_TRUE(PEVRANO::free());
+    PVANIM::setPVAPath(nullptr);
+    EXPECT_EQ(PVANIM::getNumberOfAnims(), 0);
+    const std::string text = log.text();
+    EXPECT_NE(text.find("          PVA path    : 'anims/'\n"), std::string::npos);
+    EXPECT_NE(text.find("   2 animation(s) released\n"), std::string::npos);
+}
+
+}  // namespace

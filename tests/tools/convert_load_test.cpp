@@ -1,0 +1,172 @@
+// Models of several formats, converted and loaded by the engine: the
+// geometry, materials and placement the engine ends up with are those of
+// Assimp's scene of the source.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "modelconverter.h"
+#include "support/glfixture.h"
+#include "tools/runtool.h"
+
+namespace {
+
+const std::string models = PEVRANO_MODELS;
+
+struct Box {
+    aiVector3D low {1e30f, 1e30f, 1e30f};
+    aiVector3D high {-1e30f, -1e30f, -1e30f};
+    void add(const aiVector3D& p)
+    {
+        low = aiVector3D(std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z));
+        high = aiVector3D(std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z));
+    }
+    float size() const { return (high - low).Length(); }
+};
+
+struct Totals {
+    unsigned int vertices = 0;
+    unsigned int faces = 0;
+    unsigned int meshes = 0;
+    Box box;
+};
+
+// What the source holds: every mesh instance, placed by its node's world transform.
+void addSource(const aiScene* scene, const aiNode* node, const aiMatrix4x4& parent, Totals& totals)
+{
+    const aiMatrix4x4 world = parent * node->mTransformation;
+    for (unsigned int m = 0; m < node->mNumMeshes; m++) {
+        const aiMesh* mesh = scene->mMeshes[node->mMeshes[m]];
+        totals.meshes++;
+        totals.vertices += mesh->mNumVertices;
+        for (unsigned int f = 0; f < mesh->mNumFaces; f++)
+            totals.faces += mesh->mFaces[f].mNumIndices == 3;
+        for (unsigned int v = 0; v < mesh->mNumVertices; v++)
+            totals.box.add(world * mesh->mVertices[v]);
+    }
+    for (unsigned int c = 0; c < node->mNumChildren; c++)
+        addSource(scene, node->mChildren[c], world, totals);
+}
+
+// What the engine holds: every mesh with geometry, placed by its world matrix.
+void addEngine(PVNODE* node, Totals& totals)
+{
+    if (node->getType() == PV_TYPE_MESH) {
+        PVMESH* mesh = static_cast<PVMESH*>(node);
+        if (mesh->getNumberOfVertices() > 0)
+            totals.meshes++;
+        totals.vertices += mesh->getNumberOfVertices();
+        totals.faces += mesh->getNumberOfFaces();
+        const K3MMATRIX world = mesh->getFinalMatrix(nullptr);
+        const GLfixed* p = mesh->getVertexPtr();
+        for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++, p += 3) {
+            const float x = p[0] / 65536.0f, y = p[1] / 65536.0f, z = p[2] / 65536.0f;
+            const float* m = world.m;
+            totals.box.add(aiVector3D(m[0] * x + m[4] * y + m[8] * z + m[12],
+                                      m[1] * x + m[5] * y + m[9] * z + m[13],
+                                      m[2] * x + m[6] * y + m[10] * z + m[14]));
+        }
+    }
+    for (unsigned int c = 0; c < node->getNumberOfChildren(); c++)
+        addEngine(node->getChild(c), totals);
+}
+
+// Warnings of the load other than the missing normal maps (none are made).
+std::string unexpectedWarnings(const std::string& log)
+{
+    std::istringstream lines(log);
+    std::string line, warnings;
+    while (std::getline(lines, line))
+        if (line.find("[!]") != std::string::npos && line.find("normal map not found") == std::string::npos)
+            warnings += line + "\n";
+    return warnings;
+}
+
+class ConvertedModels : public pvtest::RecordingTest {
+protected:
+    // Converts the model into the scratch folder as name.pve and loads it.
+    PVNODE* convertAndLoad(const std::string& model, const std::string& name)
+    {
+        const std::string scene = dir.file(name + ".pve");
+        const pvtest::ToolRun run = pvtest::runTool(PEVRANO_CONVERT, model + " " + scene, dir);
+        EXPECT_EQ(run.status, 0) << run.error;
+        return PEVRANO::load(scene.c_str());
+    }
+};
+
+TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
+{
+    const char* files[] = {"OBJ/spider.obj",         "glTF2/BoxTextured-glTF/BoxTextured.gltf",
+                           "Collada/duck.dae",       "3DS/fels.3ds",
+                           "MD5/SimpleCube.md5mesh", "FBX/box.fbx",
+                           "X/test_cube_text.x",     "glTF2/2CylinderEngine-glTF-Binary/2CylinderEngine.glb",
+                           "Collada/teapots.DAE"};
+    for (size_t i = 0; i < std::size(files); i++) {
+        const char* file = files[i];
+        SCOPED_TRACE(file);
+        // Material names are engine-wide: each model gets a name of its own.
+        const std::string name = "model" + std::to_string(i);
+        pvtest::LogCapture caseLog;
+        const int materialsBefore = PVMATERIAL::getNumberOfMaterials();
+        PVNODE* root = convertAndLoad(models + file, name);
+        ASSERT_NE(root, nullptr) << caseLog.text();
+        EXPECT_EQ(unexpectedWarnings(caseLog.text()), "");
+
+        Assimp::Importer importer;
+        std::string error;
+        const aiScene* scene = ModelConverter::importModel(importer, models + file, error);
+        ASSERT_NE(scene, nullptr) << error;
+        Totals source, engine;
+        addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+        addEngine(root, engine);
+        EXPECT_GT(source.faces, 0u);
+        EXPECT_EQ(engine.meshes, source.meshes);
+        EXPECT_EQ(engine.vertices, source.vertices);
+        EXPECT_EQ(engine.faces, source.faces);
+        EXPECT_EQ(PVMATERIAL::getNumberOfMaterials() - materialsBefore, int(scene->mNumMaterials));
+        // 16.16 vertices and float transforms: a thousandth of the model's size.
+        const float tolerance = source.box.size() * 1e-3f;
+        for (int axis = 0; axis < 3; axis++) {
+            EXPECT_NEAR(engine.box.low[axis], source.box.low[axis], tolerance) << "axis " << axis;
+            EXPECT_NEAR(engine.box.high[axis], source.box.high[axis], tolerance) << "axis " << axis;
+        }
+    }
+}
+
+// The bones of a converted skin name nodes of the loaded tree, and an
+// animation takes them over as its structure.
+TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
+{
+    PVNODE* root = convertAndLoad(models + "glTF2/simple_skin/simple_skin.gltf", "skin");
+    ASSERT_NE(root, nullptr) << log.text();
+    EXPECT_STREQ(root->getName(), "HumanoidRoot");
+    ASSERT_EQ(root->getNumberOfChildren(), 2u);
+    ASSERT_EQ(root->getChild(1)->getType(), PV_TYPE_MESH);
+    PVMESH* skin = static_cast<PVMESH*>(root->getChild(1));
+    ASSERT_TRUE(skin->isSkinned());
+    ASSERT_EQ(skin->getNumberOfBones(), 2u);
+    EXPECT_EQ(log.text().find("[!]"), std::string::npos) << log.text();
+
+    PVANIM anim;
+    ASSERT_TRUE(anim.acquireStructure(skin));
+    ASSERT_EQ(anim.getNumberOfBones(), 2u);
+    for (unsigned int b = 0; b < 2; b++) {
+        EXPECT_STREQ(anim.getBoneName(b), skin->getBone(b)->name);
+        EXPECT_EQ(root->findByNameInHierarchy(anim.getBoneName(b)), skin->getBone(b)->node);
+        EXPECT_NE(skin->getBone(b)->node, nullptr);
+    }
+    PVMESH plain;
+    EXPECT_FALSE(anim.acquireStructure(&plain));
+    EXPECT_FALSE(anim.acquireStructure(nullptr));
+    EXPECT_EQ(anim.getNumberOfBones(), 2u);
+    EXPECT_EQ(log.text().substr(log.text().find("[!]") - 3),
+              "   [!] Invalid params @ PVANIM::acquireStructure\n");
+}
+
+}  // namespace

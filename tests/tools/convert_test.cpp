@@ -1,0 +1,140 @@
+// pevrano-convert as a user runs it: options, refusals, textures and
+// animation files, read back through the engine's own loaders.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include <stb/stb_image.h>
+
+#include "assets/pvanim.h"
+#include "assets/pvtexture.h"
+#include "modelconverter.h"
+#include "support/glfixture.h"
+#include "tools/runtool.h"
+
+namespace {
+
+const std::string models = PEVRANO_MODELS;
+
+class Converter : public pvtest::RecordingTest {
+protected:
+    // Runs the converter with arguments; keeps its output and error text.
+    int run(const std::string& arguments)
+    {
+        const pvtest::ToolRun result = pvtest::runTool(PEVRANO_CONVERT, arguments, dir);
+        output = result.output;
+        error = result.error;
+        return result.status;
+    }
+
+    std::string output;
+    std::string error;
+};
+
+TEST_F(Converter, HelpListsTheOptions)
+{
+    ASSERT_EQ(run("--help"), 0);
+    EXPECT_NE(output.find("usage: pevrano-convert [options] <model> <output.pve>"), std::string::npos);
+    EXPECT_NE(output.find("--fps <n>"), std::string::npos);
+    EXPECT_NE(output.find("--texture-size <n>"), std::string::npos);
+    EXPECT_EQ(run("--fps 0 a b"), 2);
+    EXPECT_NE(error.find("bad argument '--fps'"), std::string::npos);
+    EXPECT_EQ(run("only-one-name"), 2);
+}
+
+// Unreadable input, or a model the engine could not hold, ends with a
+// message and status 1, and nothing is written.
+TEST_F(Converter, RefusesWhatItCannotConvert)
+{
+    struct Case {
+        std::string input;
+        std::string message;
+    } cases[] = {
+        {dir.file("missing.obj"), "pevrano-convert: cannot read '" + dir.file("missing.obj") + "': "},
+        {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
+        {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
+        {models + "X/anim_test.x", "': mesh 'pCylinder1' names bone 'joint3' that no node has\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.input);
+        EXPECT_EQ(run(c.input + " " + dir.file("out.pve")), 1);
+        EXPECT_NE(error.find(c.message), std::string::npos) << error;
+        EXPECT_EQ(output.find("wrote"), std::string::npos);
+        EXPECT_EQ(pvtest::readFile(dir.file("out.pve")), "");
+    }
+}
+
+// The duck's 512 × 512 TGA becomes a 256 × 256 one the engine reads; its
+// colours are the source's, averaged.
+TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
+{
+    ASSERT_EQ(run(models + "Collada/duck.dae " + dir.file("duck.pve")), 0) << error;
+    EXPECT_NE(output.find("wrote " + dir.file("duck_0.tga") + "\n"), std::string::npos);
+    PVTEXTURE texture;
+    ASSERT_TRUE(texture.load(dir.file("duck_0.tga").c_str())) << log.text();
+    ASSERT_EQ(texture.getSizeX(), 256u);
+    ASSERT_EQ(texture.getSizeY(), 256u);
+    ASSERT_EQ(texture.getFormat(), 3u);
+
+    int width, height, channels;
+    unsigned char* source = stbi_load((models + "Collada/duckCM.tga").c_str(), &width, &height, &channels, 3);
+    ASSERT_NE(source, nullptr);
+    ASSERT_EQ(width, 512);
+    const unsigned char* bitmap = texture.getBitmap();
+    int far = 0;
+    double sourceSum[3] = {}, convertedSum[3] = {};
+    for (int y = 0; y < 256; y++)
+        for (int x = 0; x < 256; x++)
+            for (int c = 0; c < 3; c++) {
+                // The bitmap holds the bottom row first, the decoded source the top row.
+                const int sourceRow = 511 - 2 * y;
+                double expected = 0;
+                for (int dy = 0; dy < 2; dy++)
+                    for (int dx = 0; dx < 2; dx++)
+                        expected += source[((sourceRow - dy) * 512 + 2 * x + dx) * 3 + c] / 4.0;
+                const int converted = bitmap[(y * 256 + x) * 3 + c];
+                far += std::fabs(converted - expected) > 24;
+                sourceSum[c] += expected;
+                convertedSum[c] += converted;
+            }
+    stbi_image_free(source);
+    for (int c = 0; c < 3; c++)
+        EXPECT_NEAR(convertedSum[c] / 65536, sourceSum[c] / 65536, 2.0) << "channel " << c;
+    EXPECT_LT(far, 256 * 256 * 3 / 100);
+}
+
+// One animation file per animation, every frame of the resampled duration,
+// every bone of the skin named as its node.
+TEST_F(Converter, AnimationsAreResampledAtTheGivenRate)
+{
+    ASSERT_EQ(run("--fps 10 " + models + "X/Testwuson.X " + dir.file("wuson.pve")), 0) << error;
+    const char* files[] = {"wuson_0_Wuson_Run.pva", "wuson_1_Wuson_Walk.pva", "wuson_2_Wuson_Bind.pva"};
+    for (const char* file : files)
+        EXPECT_NE(output.find("wrote " + dir.file(file) + "\n"), std::string::npos) << output;
+    Assimp::Importer importer;
+    std::string failure;
+    const aiScene* scene = ModelConverter::importModel(importer, models + "X/Testwuson.X", failure);
+    ASSERT_NE(scene, nullptr) << failure;
+    ASSERT_EQ(scene->mNumAnimations, 3u);
+    for (unsigned int a = 0; a < 3; a++) {
+        SCOPED_TRACE(files[a]);
+        const aiAnimation* source = scene->mAnimations[a];
+        PVANIM anim;
+        std::string name = files[a];
+        ASSERT_TRUE(anim.load(&name[0])) << log.text();
+        const double seconds = source->mDuration / source->mTicksPerSecond;
+        EXPECT_EQ(anim.getNumberOfFrames(), unsigned(std::floor(seconds * 10 + 1e-6)) + 1);
+        for (unsigned int m = 0; m < scene->mNumMeshes; m++)
+            for (unsigned int b = 0; b < scene->mMeshes[m]->mNumBones; b++) {
+                std::string bone = scene->mMeshes[m]->mBones[b]->mName.C_Str();
+                EXPECT_GE(anim.findBoneByName(&bone[0]), 0) << bone;
+            }
+        for (unsigned int f = 0; f < anim.getNumberOfFrames(); f++)
+            for (unsigned int b = 0; b < anim.getNumberOfBones(); b++)
+                ASSERT_TRUE(anim.getKeyframe(f, b)->set);
+    }
+}
+
+}  // namespace

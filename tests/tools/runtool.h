@@ -1,0 +1,40 @@
+// Runs a command-line tool of the engine as a user would, in a folder of its
+// own (a tool linked with the engine writes its log in its working folder).
+#ifndef PEVRANO_TESTS_TOOLS_RUNTOOL_H
+#define PEVRANO_TESTS_TOOLS_RUNTOOL_H
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "support/scratch.h"
+
+namespace pvtest {
+
+struct ToolRun {
+    int status = -1;  // exit status, -1 when the tool did not exit normally
+    std::string output;
+    std::string error;
+};
+
+// Runs tool with arguments from scratch/tool-run; its standard output and
+// error are kept.
+inline ToolRun runTool(const std::string& tool, const std::string& arguments, const ScratchDir& scratch)
+{
+    const std::string folder = scratch.file("tool-run");
+    mkdir(folder.c_str(), 0755);
+    const std::string command = "cd " + folder + " && " + tool + " " + arguments + " >" + folder +
+                                "/out.txt 2>" + folder + "/err.txt";
+    const int status = std::system(command.c_str());
+    ToolRun run;
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.output = readFile(folder + "/out.txt");
+    run.error = readFile(folder + "/err.txt");
+    return run;
+}
+
+}  // namespace pvtest
+
+#endif

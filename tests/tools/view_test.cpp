@@ -1,0 +1,121 @@
+// pevrano-view off-screen: the screenshot shows the converted model framed in
+// the middle of the background, and an animation moves it.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <stb/stb_image.h>
+
+#include "modelconverter.h"
+#include "support/glfixture.h"
+#include "tools/runtool.h"
+
+namespace {
+
+const std::string models = PEVRANO_MODELS;
+// The viewer's background, (0.2, 0.25, 0.3), through a 5-6-5 surface.
+const int background[3] = {51, 64, 77};
+const int tolerance = 9;
+
+struct Picture {
+    int width = 0, height = 0;
+    std::vector<unsigned char> rgb;
+    bool isBackground(int x, int y) const
+    {
+        for (int c = 0; c < 3; c++)
+            if (std::abs(rgb[(size_t(y) * width + x) * 3 + c] - background[c]) > tolerance)
+                return false;
+        return true;
+    }
+};
+
+Picture readPng(const std::string& path)
+{
+    Picture picture;
+    int channels;
+    unsigned char* pixels = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
+    if (pixels) {
+        picture.rgb.assign(pixels, pixels + size_t(picture.width) * picture.height * 3);
+        stbi_image_free(pixels);
+    }
+    return picture;
+}
+
+class Viewer : public pvtest::RecordingTest {
+protected:
+    void convert(const std::string& model, const std::string& scene)
+    {
+        const pvtest::ToolRun run =
+            pvtest::runTool(PEVRANO_CONVERT, models + model + " " + dir.file(scene), dir);
+        ASSERT_EQ(run.status, 0) << run.error;
+    }
+    Picture view(const std::string& arguments)
+    {
+        const pvtest::ToolRun run = pvtest::runTool("env -u DISPLAY " + std::string(PEVRANO_VIEW),
+                                                    arguments + " --size 160x120", dir);
+        EXPECT_EQ(run.status, 0) << run.error;
+        return readPng(dir.file("shot.png"));
+    }
+};
+
+TEST_F(Viewer, ScreenshotShowsTheModelInTheMiddle)
+{
+    convert("Collada/duck.dae", "duck.pve");
+    const Picture picture = view(dir.file("duck.pve") + " --frames 3 --screenshot " + dir.file("shot.png"));
+    ASSERT_EQ(picture.width, 160);
+    ASSERT_EQ(picture.height, 120);
+    EXPECT_FALSE(picture.isBackground(80, 60));
+    const int corners[4][2] = {{0, 0}, {159, 0}, {0, 119}, {159, 119}};
+    for (const auto& corner : corners)
+        EXPECT_TRUE(picture.isBackground(corner[0], corner[1])) << corner[0] << "," << corner[1];
+    int model = 0;
+    for (int y = 0; y < 120; y++)
+        for (int x = 0; x < 160; x++)
+            model += !picture.isBackground(x, y);
+    // Framed: the duck covers a good part of the picture without filling it.
+    EXPECT_GT(model, 160 * 120 / 10);
+    EXPECT_LT(model, 160 * 120 * 8 / 10);
+    // The duck is yellow: red and green well above blue in the middle.
+    const unsigned char* middle = &picture.rgb[(60 * 160 + 80) * 3];
+    EXPECT_GT(middle[0], middle[2] + 40);
+    EXPECT_GT(middle[1], middle[2] + 40);
+}
+
+TEST_F(Viewer, AnimationMovesTheModel)
+{
+    convert("X/Testwuson.X", "wuson.pve");
+    const std::string base = dir.file("wuson.pve") + " --anim " + dir.file("wuson_0_Wuson_Run.pva") +
+                             " --screenshot " + dir.file("shot.png");
+    const Picture first = view(base + " --frames 1");
+    const Picture later = view(base + " --frames 8");
+    ASSERT_EQ(first.rgb.size(), later.rgb.size());
+    EXPECT_FALSE(first.isBackground(80, 60));
+    int changed = 0;
+    for (int y = 0; y < 120; y++)
+        for (int x = 0; x < 160; x++)
+            changed += first.isBackground(x, y) != later.isBackground(x, y);
+    EXPECT_GT(changed, 50);
+}
+
+TEST_F(Viewer, RefusesMissingFiles)
+{
+    convert("Collada/duck.dae", "duck.pve");
+    const struct {
+        std::string arguments;
+        std::string message;
+    } cases[] = {
+        {dir.file("none.pve"), "pevrano-view: cannot load the scene file " + dir.file("none.pve") + "\n"},
+        {dir.file("duck.pve") + " --anim " + dir.file("none.pva"),
+         "pevrano-view: cannot load the animation file " + dir.file("none.pva") + "\n"},
+    };
+    for (const auto& c : cases) {
+        const pvtest::ToolRun run =
+            pvtest::runTool("env -u DISPLAY " + std::string(PEVRANO_VIEW), c.arguments, dir);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.error, c.message);
+    }
+}
+
+}  // namespace

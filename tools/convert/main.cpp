@@ -1,0 +1,90 @@
+// pevrano-convert: converts a model that Assimp reads (glTF 2.0, Collada,
+// DirectX X, OBJ, FBX, 3DS, MD5, ...) into a PVE scene file, TGA textures and
+// one PVA file per animation.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "foundation/kvflog.h"
+#include "modelconverter.h"
+
+namespace {
+
+const char usage[] = "usage: pevrano-convert [options] <model> <output.pve>\n"
+                     "\n"
+                     "Converts a model into a PVE scene file. Textures are written beside it as\n"
+                     "<output>_<n>.tga, and every animation as <output>_<n>_<name>.pva.\n"
+                     "\n"
+                     "options:\n"
+                     "  --fps <n>           frame rate of the animation files (1 to 1000, default 30)\n"
+                     "  --texture-size <n>  largest side of a converted texture (1 to 256, default 256)\n"
+                     "  --help              show this text\n";
+
+bool readNumber(const char* text, int lowest, int highest, int& value)
+{
+    char* end = nullptr;
+    const long number = std::strtol(text, &end, 10);
+    if (!*text || *end || number < lowest || number > highest)
+        return false;
+    value = static_cast<int>(number);
+    return true;
+}
+
+// 0 when the options are understood, else the exit status to return.
+int parseOptions(int argc, char** argv, ConvertOptions& options)
+{
+    int positional = 0;
+    for (int i = 1; i < argc; i++) {
+        const std::string argument = argv[i];
+        if (argument == "--help") {
+            std::fputs(usage, stdout);
+            std::exit(0);
+        }
+        const bool hasValue = i + 1 < argc;
+        if (argument == "--fps" && hasValue && readNumber(argv[i + 1], 1, 1000, options.framesPerSecond)) {
+            i++;
+        } else if (argument == "--texture-size" && hasValue &&
+                   readNumber(argv[i + 1], 1, 256, options.textureSize)) {
+            i++;
+        } else if (argument.compare(0, 2, "--") != 0 && positional < 2) {
+            (positional++ == 0 ? options.input : options.output) = argument;
+        } else {
+            std::fprintf(stderr, "pevrano-convert: bad argument '%s'\n%s", argv[i], usage);
+            return 2;
+        }
+    }
+    if (positional != 2) {
+        std::fputs(usage, stderr);
+        return 2;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    ConvertOptions options;
+    if (const int status = parseOptions(argc, argv, options))
+        return status;
+    // The engine's log stays in its file; the console is for the tool's own messages.
+    kvfSetConsoleEcho(false);
+
+    Assimp::Importer importer;
+    std::string error;
+    const aiScene* scene = ModelConverter::importModel(importer, options.input, error);
+    if (!scene) {
+        std::fprintf(stderr, "pevrano-convert: cannot read '%s': %s\n", options.input.c_str(), error.c_str());
+        return 1;
+    }
+    ModelConverter converter(scene, options);
+    if (!converter.convert(error)) {
+        std::fprintf(stderr, "pevrano-convert: cannot convert '%s': %s\n", options.input.c_str(),
+                     error.c_str());
+        return 1;
+    }
+    for (const std::string& file : converter.writtenFiles())
+        std::printf("wrote %s\n", file.c_str());
+    return 0;
+}

@@ -1,0 +1,69 @@
+// The model's node tree as the engine will hold it: unique names, the pose
+// written into the scene file (skin bones at their bind pose) and the pose at
+// any time of an animation. Engine nodes carry only a translation and Euler
+// angles, so every world transform is split into its rigid part (what the
+// nodes carry) and a remainder that is baked into the geometry.
+#ifndef PEVRANO_CONVERT_SKELETONPOSE_H
+#define PEVRANO_CONVERT_SKELETONPOSE_H
+
+#include <assimp/anim.h>
+#include <assimp/scene.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+struct PoseNode {
+    const aiNode* source = nullptr;
+    int parent = -1;
+    std::string name;
+    aiMatrix4x4 sceneWorld;  // from the node transforms as stored
+    aiMatrix4x4 bindWorld;  // skin bones moved to their bind pose
+    bool bone = false;
+};
+
+class SkeletonPose {
+public:
+    // reservedName is kept free for a node the converter adds itself.
+    SkeletonPose(const aiScene* scene, const std::string& reservedName);
+
+    const std::vector<PoseNode>& nodes() const { return table; }
+    int indexOf(const aiNode* node) const;
+    int indexOfName(const aiString& name) const;
+    // First node that holds the mesh, or -1.
+    int meshOwner(unsigned int mesh) const;
+    bool hasSkin() const { return skinned; }
+
+    // Rigid local transform of node index in the bind pose.
+    aiMatrix4x4 bindLocal(int index) const;
+    // World transform of every node at the given time (in ticks) of animation.
+    std::vector<aiMatrix4x4> worldsAt(const aiAnimation& animation, double ticks) const;
+    // Nodes an animation must drive: those it animates, the skin bones and
+    // all their ancestors, in tree order.
+    std::vector<int> drivenNodes(const aiAnimation& animation) const;
+
+    // Rotation and translation of a transform, its scale dropped.
+    static aiMatrix4x4 rigid(const aiMatrix4x4& transform);
+    // Rigid transform of child relative to parent, both world transforms.
+    static aiMatrix4x4 rigidLocal(const aiMatrix4x4& parentWorld, const aiMatrix4x4& world);
+    // Angles in degrees (x, y, z) such that rotation = Rx(x) · Ry(y) · Rz(z).
+    static aiVector3D eulerDegrees(const aiMatrix4x4& rotation);
+    static aiVector3D translation(const aiMatrix4x4& transform);
+
+    // A name no node or earlier call has taken, made from wanted.
+    std::string uniqueName(const std::string& wanted);
+
+private:
+    void addNode(const aiNode* node, int parent);
+    void bindBones(const aiScene* scene);
+
+    std::vector<PoseNode> table;
+    std::map<const aiNode*, int> byNode;
+    std::map<std::string, int> bySourceName;
+    std::map<unsigned int, int> meshOwners;
+    std::set<std::string> usedNames;
+    bool skinned = false;
+};
+
+#endif
