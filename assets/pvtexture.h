@@ -88,6 +88,9 @@ public:
 
 private:
     friend struct PVTESTACCESS;
+    // A video binds its texture itself to upload a frame, and drops unit 0's
+    // cache entry as modify does.
+    friend class PVVIDEO;
 
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
     bool flipRows();

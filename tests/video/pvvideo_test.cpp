@@ -196,4 +196,22 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
     }
 }
 
+// A frame upload binds the video's texture behind the bind cache's back: the
+// texture that unit 0 showed before must be bound again when next rendered.
+TEST_F(VideoGlTest, UploadMakesTheNextRenderBindAgain)
+{
+    PVTEXTURE shown;
+    PVTEXTURE played;
+    ASSERT_TRUE(shown.create(64, 64, 3));
+    ASSERT_TRUE(played.create(64, 64, 3));
+    ASSERT_TRUE(shown.render(nullptr));
+    PVVIDEO video;
+    ASSERT_TRUE(video.load("bands.mpg"));
+    video.setTexture(&played);
+    video.play();
+    ASSERT_EQ(bandsSteps, stepsToEnd(video, "bands.mpg"));
+    const Calls calls = record([&] { shown.render(nullptr); });
+    EXPECT_EQ(Calls {"glBindTexture(GL_TEXTURE_2D," + std::to_string(shown.getGLId()) + ")"}, calls);
+}
+
 }  // namespace
