@@ -36,4 +36,17 @@
 #include "assets/pvshader.h"
 #include "assets/pvfbo.h"
 
+// 2D interface: boxes, fonts, buttons, labels, text fields, scroll bars,
+// windows (their pointer and keyboard input goes through
+// PVELEMENT::manageGUIEvents).
+#include "gui/pvbox.h"
+#include "gui/pvfont.h"
+#include "gui/pvbutton.h"
+#include "gui/pvlabel.h"
+#include "gui/pvtextfield.h"
+#include "gui/pvscrollbar.h"
+#include "gui/pvhscrollbar.h"
+#include "gui/pvvscrollbar.h"
+#include "gui/pvwindow.h"
+
 #endif

@@ -15,6 +15,7 @@
 #include "core/pvsettings.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvftimer.h"
+#include "gui/pvfont.h"
 #include "scene/pvcamera.h"
 #include "scene/pvelement.h"
 #include "scene/pvlight.h"
@@ -110,8 +111,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
         return failStartUp("   [!] Unable to init shaders @ PEVRANO::init\n", OPENGL_STARTED);
     if (!PVELEMENT::init(settings->getRenderingElements()))
         return failStartUp("   [!] Rendering elements failed to initialize @ PEVRANO::init\n", SHADERS_STARTED);
-    // Font class step: PVFONT::init(); on failure
-    // "   [!] Unable to initialize font class @ PEVRANO::init\n", unwinding ELEMENTS_STARTED.
+    if (!PVFONT::init())
+        return failStartUp("   [!] Unable to initialize font class @ PEVRANO::init\n", ELEMENTS_STARTED);
     // Mesh class step: PVMESH::init(); on failure
     // "   [!] Unable to initialize mesh class @ PEVRANO::init\n", unwinding FONTS_STARTED.
     // Emitter class step: PVEMITTER::init(); on failure
@@ -127,7 +128,7 @@ void PEVRANO::releaseStartUpSteps(int succeeded)
         // Mesh class step: PVMESH::free().
         [[fallthrough]];
     case FONTS_STARTED:
-        // Font class step: PVFONT::free().
+        PVFONT::free();
         [[fallthrough]];
     case ELEMENTS_STARTED:
         PVELEMENT::free();
@@ -172,7 +173,7 @@ bool PEVRANO::free()
     kvfFreeTimer(timer);
 
     // Every live object, class by class.
-    // Font class step: PVFONT::cleanUp().
+    PVFONT::cleanUp();
     PVNODE::cleanUp();
     PVFBO::cleanUp();
     PVSHADER::cleanUp();
@@ -183,7 +184,7 @@ bool PEVRANO::free()
 
     // Class-wide state.
     // Emitter class step: PVEMITTER::free().
-    // Font class step: PVFONT::free().
+    PVFONT::free();
     // Mesh class step: PVMESH::free().
     PVELEMENT::free();
     PVSHADER::free();
@@ -319,7 +320,7 @@ bool PEVRANO::begin2D()
     PVLIGHT::lightingOff();
     PVTEXTURE::texturingOff(PV_TEXTURE_UNITS);
     PVELEMENT::reset();
-    // Font class step: PVFONT::reset().
+    PVFONT::reset();
     PVOPENGL::blendingOff();
     // Straight to GL: the culling switch keeps its state for end2D.
     glDisable(GL_CULL_FACE);

@@ -11,6 +11,7 @@
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
+#include "gui/pvfont.h"
 
 #include <GLES/gl.h>
 #include <SDL/SDL.h>
@@ -232,7 +233,7 @@ void PVSETTINGS::handPathsOn()
     kvfLog("          Texture path: '%s'\n", texturePath);
     PVSHADER::setPath(shaderPath);
     kvfLog("          Shader path : '%s'\n", shaderPath);
-    // Font class step: PVFONT::setPath(fontPath).
+    PVFONT::setPath(fontPath);
     kvfLog("          Font path   : '%s'\n", fontPath);
 }
 

@@ -7,6 +7,9 @@
 #include "core/pvgl.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "gui/pvbox.h"
+#include "gui/pvinput.h"
+#include "gui/pvwindow.h"
 #include "scene/pvlight.h"
 #include "scene/pvnode.h"
 
@@ -14,8 +17,6 @@
 static float noRadius(PVNODE *) { return 0.0f; }
 static bool notHidden(PVNODE *) { return false; }
 static bool opaqueMaterial(PVNODE *) { return false; }
-static long noForemostStamp(PVNODE *) { return 0; }
-static bool notMinimized(PVNODE *) { return false; }
 
 bool PVELEMENT::active = false;
 bool PVELEMENT::clipping = false;
@@ -26,8 +27,7 @@ unsigned int PVELEMENT::numberOfLights = 0;
 unsigned int PVELEMENT::numberOfTransparencies = 0;
 PVELEMENT *PVELEMENT::element = nullptr;
 PVELEMENT **PVELEMENT::elementPointer = nullptr;
-PVELEMENT::QUERIES PVELEMENT::queries = {noRadius, notHidden, opaqueMaterial, noForemostStamp,
-                                         notMinimized};
+PVELEMENT::QUERIES PVELEMENT::queries = {noRadius, notHidden, opaqueMaterial};
 
 PVELEMENT *PVELEMENT::getNearestLight(unsigned int slot) const
 {
@@ -48,10 +48,6 @@ void PVELEMENT::setQueries(const QUERIES &answers)
         queries.isHiddenMesh = answers.isHiddenMesh;
     if (answers.hasTransparentMaterial)
         queries.hasTransparentMaterial = answers.hasTransparentMaterial;
-    if (answers.foremostTimeStamp)
-        queries.foremostTimeStamp = answers.foremostTimeStamp;
-    if (answers.isMinimizedWindow)
-        queries.isMinimizedWindow = answers.isMinimizedWindow;
 }
 
 bool PVELEMENT::init(unsigned int n)
@@ -132,7 +128,7 @@ bool PVELEMENT::passNode(PVNODE *node, bool)
     if (recorded)
         addRecord(node);
 
-    if (type == PV_TYPE_WINDOW && queries.isMinimizedWindow(node)) {
+    if (isMinimizedWindow(node)) {
         if (node->getNumberOfChildren())
             node->getChild(0)->pass(true);
     } else {
@@ -237,7 +233,25 @@ bool PVELEMENT::fartherBefore(const PVELEMENT *a, const PVELEMENT *b)
 
 bool PVELEMENT::behindBefore(const PVELEMENT *a, const PVELEMENT *b)
 {
-    return queries.foremostTimeStamp(a->node) < queries.foremostTimeStamp(b->node);
+    return foremostStamp(a->node) < foremostStamp(b->node);
+}
+
+long PVELEMENT::foremostStamp(PVNODE *node)
+{
+    const PV_NODE_TYPE type = node->getType();
+    if (type < PV_TYPE_BOX || type > PV_TYPE_VSCROLLBAR)
+        return 0;
+    return static_cast<PVBOX *>(node)->getForemostTimeStamp();
+}
+
+bool PVELEMENT::isMinimizedWindow(PVNODE *node)
+{
+    return node->getType() == PV_TYPE_WINDOW && static_cast<PVWINDOW *>(node)->isMinimized();
+}
+
+bool PVELEMENT::manageGUIEvents(char key, int x, int y, int pointerDown, int, unsigned int *clickedId)
+{
+    return PVINPUT::manage(key, x, y, pointerDown, clickedId);
 }
 
 static bool isExclusiveLight(PVNODE *node)

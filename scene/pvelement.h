@@ -17,10 +17,10 @@ class PVNODE;
 
 class PVELEMENT {
 public:
-    // What the list needs to know about node classes that build on PVNODE
-    // (meshes, terrains, helpers, widgets). Those classes install their own
+    // What the list needs to know about the mesh-like node classes that build
+    // on PVNODE (meshes, terrains, helpers). Those classes install their own
     // answers with setQueries; until then every node answers with the
-    // defaults: radius 0, shown, opaque, stamp 0, not minimised.
+    // defaults: radius 0, shown, opaque. Widgets are asked directly.
     struct QUERIES {
         // Bounding radius of a mesh-like node (mesh, terrain, helper), used by
         // distance clipping and by the back-to-front sort.
@@ -29,10 +29,6 @@ public:
         bool (*isHiddenMesh)(PVNODE *node);
         // A mesh whose material is transparent.
         bool (*hasTransparentMaterial)(PVNODE *node);
-        // Drawing order of 2D widgets; the greatest stamp is drawn last.
-        long (*foremostTimeStamp)(PVNODE *node);
-        // A minimised window passes only its first child (its title bar).
-        bool (*isMinimizedWindow)(PVNODE *node);
     };
 
     PVELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
@@ -87,6 +83,13 @@ public:
     static void setClippingRadius(float radius) { clippingRadius = radius; }
     static float getClippingRadius() { return clippingRadius; }
 
+    // Pointer and keyboard input for the widgets of the last 2D pass: key
+    // pressed this call (0 for none), pointer (x, y) in window pixels with y
+    // downwards, pointerDown non-zero while held; the fifth argument is not
+    // used. True when the pointer is over a displayed widget; *clickedId
+    // (when not null) gets the id of the button reported by this call, or 0.
+    static bool manageGUIEvents(char key, int x, int y, int pointerDown, int unused, unsigned int *clickedId);
+
     // Installs the answers of the node classes built on PVNODE; a null
     // member keeps the default answer for that question.
     static void setQueries(const QUERIES &answers);
@@ -100,6 +103,10 @@ private:
     static bool isTransparent(PVNODE *node);
     static int drawingRank(PVNODE *node);
     static float sortDepth(const PVELEMENT *record);
+    // Drawing order of 2D widgets (greatest last); 0 for other nodes.
+    static long foremostStamp(PVNODE *node);
+    // A minimised window passes only its first child (its title bar).
+    static bool isMinimizedWindow(PVNODE *node);
     // Strict orderings for the sorts: true when a is drawn (or chosen) before b.
     static bool before3D(const PVELEMENT *a, const PVELEMENT *b);
     static bool fartherBefore(const PVELEMENT *a, const PVELEMENT *b);

@@ -21,9 +21,9 @@ std::vector<PVNODE*> drawn;
 std::vector<K3MMATRIX> drawnMatrices;
 
 // Remembers the order it is drawn in and the matrix of its record.
-class DrawnNode : public TestNode {
+template <class Base> class Drawn : public Base {
 public:
-    using TestNode::TestNode;
+    using Base::Base;
     bool render(void* element) override
     {
         drawn.push_back(this);
@@ -31,6 +31,7 @@ public:
         return true;
     }
 };
+using DrawnNode = Drawn<TestNode>;
 
 class Frame : public pvtest::RecordingTest {
 protected:
@@ -85,14 +86,16 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 
 TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
 {
-    DrawnNode* window = make("window", PV_TYPE_WINDOW, nullptr);
-    window->foremost = 5;
-    DrawnNode* label = make("label", PV_TYPE_LABEL, window);
-    label->foremost = 9;
-    DrawnNode* box = make("box", PV_TYPE_BOX, window);
-    box->foremost = 1;
+    // Foremost stamps follow construction order.
+    PVBOX* box = new Drawn<PVBOX>();
+    PVWINDOW* window = new Drawn<PVWINDOW>();
+    PVBUTTON* button = new Drawn<PVBUTTON>();
+    box->link(window);
+    button->link(window);
     make("mesh", PV_TYPE_MESH, window);
     make("light", PV_TYPE_LIGHT, window);
+    window->getTitleBar()->setDisplayStatus(false);
+    window->getScrollBar()->setDisplayStatus(false);
 
     PEVRANO::begin3D(nullptr);
     window->pass(false);  // left over from the 3D list: begin2D starts afresh
@@ -101,7 +104,7 @@ TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
     EXPECT_FALSE(PVLIGHT::getLighting());
     window->pass(false);
     PEVRANO::end2D();
-    EXPECT_EQ((std::vector<PVNODE*>{box, window, label}), drawn);
+    EXPECT_EQ((std::vector<PVNODE*>{box, window, button}), drawn);
 }
 
 TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)

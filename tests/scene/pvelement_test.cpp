@@ -256,26 +256,32 @@ TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
 TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
 {
     start(16);
-    TestNode* window = make("window", PV_TYPE_WINDOW, {10, 20, 0});
-    TestNode* title = make("title", PV_TYPE_BUTTON, {0, 0, 0}, window);
-    TestNode* icon = make("icon", PV_TYPE_BOX, {2, 2, 0}, title);
-    TestNode* body = make("body", PV_TYPE_LABEL, {0, 16, 0}, window);
-    window->minimized = true;
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 20, 0);
+    PVNODE* title = window->getTitleBar();
+    PVBOX* icon = new PVBOX();
+    icon->setPosition(2, 2, 0);
+    icon->link(title);
+    PVBUTTON* body = new PVBUTTON();
+    body->link(window);
+    PVNODE* scrollBar = window->getChild(1);
+    window->minmaximize();
     window->pass(false);
     EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
     EXPECT_EQ(0, body->getTimeStamp());
-    expectMatrixNear(Mat4::translation(12, 22, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m,
-                     "icon");
+    // The title bar sits 19 pixels above the window.
+    expectMatrixNear(Mat4::translation(12, 3, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m, "icon");
 
     PVELEMENT::reset();
-    window->minimized = false;
+    window->minmaximize();
     window->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, body}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, scrollBar, scrollBar->getChild(0), body}), passedNodes());
 
     PVELEMENT::reset();
     title->unlink();
+    scrollBar->unlink();
     body->unlink();
-    window->minimized = true;
+    window->minmaximize();
     EXPECT_TRUE(window->pass(false));  // no first child to pass
     EXPECT_EQ((std::vector<PVNODE*>{window}), passedNodes());
     EXPECT_EQ("", log.fresh());
@@ -355,17 +361,25 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
 {
     start(16);
     EXPECT_FALSE(PVELEMENT::sort2D());
-    TestNode* desk = make("desk", PV_TYPE_WINDOW);
-    desk->foremost = 3;
-    TestNode* back = make("back", PV_TYPE_BOX, {}, desk);
-    back->foremost = 1;
-    TestNode* middle = make("middle", PV_TYPE_LABEL, {}, desk);
-    middle->foremost = 2;
-    TestNode* top = make("top", PV_TYPE_BUTTON, {}, desk);
-    top->foremost = 7;
+    // Stamps follow construction order; plain nodes answer 0.
+    PVBOX* back = new PVBOX();
+    PVBUTTON* middle = new PVBUTTON();
+    PVBOX* desk = new PVBOX();
+    PVTEXTFIELD* top = new PVTEXTFIELD();
+    TestNode* light = make("light", PV_TYPE_LIGHT);
+    for (PVNODE* child : std::vector<PVNODE*>{top, light, back, middle})
+        child->link(desk);
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
-    EXPECT_EQ((std::vector<PVNODE*>{back, middle, desk, top}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*>{light, back, middle, desk, top}), passedNodes());
+
+    // Raising a box restamps it and its subtree above everything else.
+    desk->setForemost(0);
+    back->setForemost(0);
+    PVELEMENT::reset();
+    desk->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort2D());
+    EXPECT_EQ((std::vector<PVNODE*>{light, desk, top, middle, back}), passedNodes());
 }
 
 TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
@@ -456,9 +470,12 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         }
         placed->setPosition(x, 0, z);
         placed->link(scene);
-        TestNode* widget = make("w", PV_TYPE_BOX, {x, 0, 0}, desk);
-        widget->foremost = (i * 131) % count;
+        PVBOX* widget = new PVBOX();
+        widget->setPosition(x, 0, 0);
+        widget->link(desk);
     }
+    for (int i = 0; i < count; i++)
+        static_cast<PVBOX*>(desk->getChild(unsigned((i * 131) % count)))->setForemost(0);
     PVELEMENT::clippingOn();
     PVELEMENT::setClippingRadius(10000.0f);
     const K3MVECTOR3D eye(2, 0, -150);
@@ -526,7 +543,8 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
     order = passedNodes();
     ASSERT_EQ(size_t(count), order.size());
     for (size_t i = 1; i < order.size(); i++)
-        ASSERT_LT(static_cast<TestNode*>(order[i - 1])->foremost, static_cast<TestNode*>(order[i])->foremost)
+        ASSERT_LT(static_cast<PVBOX*>(order[i - 1])->getForemostTimeStamp(),
+                  static_cast<PVBOX*>(order[i])->getForemostTimeStamp())
             << "at " << i;
     EXPECT_EQ("", log.fresh());
 }

@@ -1,6 +1,5 @@
 // A node of any type with the properties the render list asks mesh-like
-// nodes and widgets for (radius, hidden, transparent material, foremost
-// stamp, minimised), plus the textbook local transform the tests compare to.
+// nodes for (radius, hidden, transparent material), plus the textbook local transform the tests compare to.
 #ifndef PEVRANO_TESTS_SCENETESTNODE_H
 #define PEVRANO_TESTS_SCENETESTNODE_H
 
@@ -31,8 +30,6 @@ public:
     float radius = 0.0f;
     bool hidden = false;
     bool transparent = false;
-    long foremost = 0;
-    bool minimized = false;
     int renders = 0;
     void* lastElement = nullptr;
     static int destroyed;
@@ -44,9 +41,7 @@ public:
         PVELEMENT::QUERIES queries = {
             [](PVNODE* n) { return static_cast<TestNode*>(n)->radius; },
             [](PVNODE* n) { return static_cast<TestNode*>(n)->hidden; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->transparent; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->foremost; },
-            [](PVNODE* n) { return static_cast<TestNode*>(n)->minimized; }};
+            [](PVNODE* n) { return static_cast<TestNode*>(n)->transparent; }};
         PVELEMENT::setQueries(queries);
     }
 };

@@ -68,7 +68,7 @@ const std::map<GLenum, const char*>& enumNames()
         PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
         PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE), PV_ENUM(GL_UNPACK_ALIGNMENT),
         // Pixel formats and queries.
-        PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
+        PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_UNSIGNED_SHORT), PV_ENUM(GL_FIXED), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
         PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
         PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
         PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
@@ -89,6 +89,13 @@ std::string enumText(GLenum value)
 {
     auto found = enumNames().find(value);
     return found != enumNames().end() ? found->second : hex(value);
+}
+
+std::string primitiveText(GLenum mode)
+{
+    static const char* const names[] = {"GL_POINTS", "GL_LINES", "GL_LINE_LOOP", "GL_LINE_STRIP",
+                                        "GL_TRIANGLES", "GL_TRIANGLE_STRIP", "GL_TRIANGLE_FAN"};
+    return mode < 7 ? names[mode] : hex(mode);
 }
 
 std::string blendFactorText(GLenum factor)
@@ -322,6 +329,18 @@ PV_INTERPOSE(void, glFrustumx, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfi
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixed n, GLfixed f),
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
+
+// Arrays and drawing.
+PV_INTERPOSE(void, glVertexPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glColorPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, const void* pointer),
+             (size, type, stride, pointer), .num(size).en(type).num(stride))
+PV_INTERPOSE(void, glDrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count),
+             .raw(pvtest::primitiveText(mode)).num(first).num(count))
+PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
+             (mode, count, type, indices), .raw(pvtest::primitiveText(mode)).num(count).en(type))
 
 // Queries.
 PV_INTERPOSE(void, glGetIntegerv, (GLenum pname, GLint* data), (pname, data), .en(pname))

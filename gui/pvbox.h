@@ -1,0 +1,128 @@
+// Box: the base of every 2D widget. A rectangle in screen pixels placed in
+// the scene tree, drawn in the 2D pass as one flat or textured quad with an
+// optional bevelled border, plus the widget state the whole interface shares
+// (hit testing, display, pressed look, move limits, window clipping).
+#ifndef PV_BOX_H
+#define PV_BOX_H
+
+#include "math/k3mvector2d.h"
+#include "math/k3mvector4d.h"
+#include "scene/pvnode.h"
+
+class PVTEXTURE;
+class PVSHADER;
+class PVWINDOW;
+
+// Texture coordinates of a quad's corners: top-left, top-right, bottom-left,
+// bottom-right, each (u, v).
+class PVBOXCOORD {
+public:
+    // The whole texture, row 0 of the image at the bottom of the quad.
+    PVBOXCOORD();
+    // An image filling the lower-left u by v part of its texture; topDown
+    // for images stored from their first row down (decoded video frames).
+    PVBOXCOORD(float u, float v, bool topDown);
+
+    float coord[8];
+};
+
+class PVBOX : public PVNODE {
+public:
+    PVBOX();
+    PVBOX(const PVBOX& other) = default;
+    PVBOX& operator=(const PVBOX& other) = default;
+    // Keeps its texture reference (the texture class releases textures).
+    ~PVBOX() override = default;
+    bool render(void* element) override;
+
+    void setSizeX(int value) { sizeX = value; }
+    void setSizeY(int value) { sizeY = value; }
+    void setSizes(int x, int y)
+    {
+        sizeX = x;
+        sizeY = y;
+    }
+    int getSizeX() const { return sizeX; }
+    int getSizeY() const { return sizeY; }
+    K3MVECTOR2D getSizes() const { return K3MVECTOR2D(float(sizeX), float(sizeY)); }
+    void setColor(float r, float g, float b, float a) { color = K3MVECTOR4D(r, g, b, a); }
+    void setColor(K3MVECTOR4D value) { color = value; }
+    K3MVECTOR4D getColor() const { return color; }
+    void setThickness(unsigned int value) { thickness = value; }
+    unsigned int getThickness() const { return thickness; }
+    void setCheckStatus(bool value) { checkStatus = value; }
+    bool getCheckStatus() const { return checkStatus; }
+    void setDisplayStatus(bool value) { displayStatus = value; }
+    bool getDisplayStatus() const { return displayStatus; }
+    void setStaticStatus(bool value) { staticStatus = value; }
+    bool isStatic() const { return staticStatus; }
+    void setClickedStatus(bool value) { clickedStatus = value; }
+    bool isClicked() const { return clickedStatus; }
+    bool getClickedStatus() const { return clickedStatus; }
+    void setLimitStatus(bool value) { limitStatus = value; }
+    bool getLimitStatus() const { return limitStatus; }
+    void setScissorStatus(bool value) { scissorStatus = value; }
+    bool getScissorStatus() const { return scissorStatus; }
+    void setLimits(int x0, int y0, int x1, int y1);
+    int getStartX() const { return startX; }
+    int getStartY() const { return startY; }
+    int getEndX() const { return endX; }
+    int getEndY() const { return endY; }
+    void setBoxCoords(PVBOXCOORD& coords) { boxCoord = coords; }
+    PVBOXCOORD getBoxCoord() const { return boxCoord; }
+    long getForemostTimeStamp() const { return foremostTimeStamp; }
+    bool isTransparent() const { return color.w != 1.0f; }
+    PVTEXTURE* getTexture() const { return texture; }
+
+    // Holds one reference on the new texture and lets go of the old one;
+    // null leaves the box untextured. Always true.
+    bool setTexture(PVTEXTURE* newTexture);
+    bool setShader(PVSHADER* newShader);
+
+    // Whether the screen point (x, y) is on the box, inside its window.
+    bool checkBoundaries(int x, int y);
+    // Clamps the proposed move (dx, dy) to the limit rectangle; false when
+    // the limits are off (the move is left as it is).
+    bool checkLimits(int* dx, int* dy);
+    // Brings the box and its subtree to the front; the argument is not used.
+    bool setForemost(long unused);
+
+    static long getNextCounter();
+
+    // Draws one quad in the current model-view space, in 16.16 fixed point,
+    // with one colour and the given texture coordinates.
+    static void drawQuad(int left, int top, int right, int bottom, K3MVECTOR4D quadColor, PVBOXCOORD* coords);
+
+protected:
+    // The sum of the positions of every ancestor, parent first.
+    K3MVECTOR3D ancestorsPosition() const;
+    // The nearest ancestor that is a window, or null.
+    PVWINDOW* enclosingWindow() const;
+    // Clips to the enclosing window (or the whole display) when scissorStatus
+    // is set.
+    void applyScissor();
+    void drawBorder(const K3MVECTOR4D& baseColor);
+
+    int sizeX;
+    int sizeY;
+    int startX;
+    int startY;
+    int endX;
+    int endY;
+    unsigned int thickness;
+    K3MVECTOR4D color;
+    bool checkStatus;
+    bool displayStatus;
+    bool staticStatus;
+    bool clickedStatus;
+    bool limitStatus;
+    bool scissorStatus;
+    long foremostTimeStamp;
+    PVTEXTURE* texture;
+    PVSHADER* shader;
+    PVBOXCOORD boxCoord;
+
+    static long counter;
+};
+
+#endif

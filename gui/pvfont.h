@@ -1,0 +1,99 @@
+// Font: a fixed-cell bitmap font. One texture holds the glyphs of codes 32 to
+// 127 in a 16 by 16 grid; text is queued glyph by glyph in a class-wide cache
+// and each string is drawn with one indexed draw call. Per-character kerning
+// narrows the advance and can be read from a key/value file.
+#ifndef PV_FONT_H
+#define PV_FONT_H
+
+#include <GLES/gl.h>
+
+#include "core/pvregistry.h"
+
+class PVTEXTURE;
+
+#define PV_FONT_NAME_SIZE 256
+#define PV_FONT_CACHE_GLYPHS 1024
+#define PV_FONT_STRING_SIZE 4096
+// Codes 32 to 127 have a glyph and a kerning entry.
+#define PV_FONT_FIRST_CODE 32
+#define PV_FONT_LAST_CODE 127
+
+class PVFONT {
+public:
+    PVFONT();
+    PVFONT(const PVFONT& other) = delete;
+    // Copies the whole record, registry links included.
+    PVFONT& operator=(const PVFONT& other) = default;
+    // Lets go of the texture and the id and leaves the registry.
+    ~PVFONT();
+
+    void setName(const char* newName);
+    const char* getName() const { return name; }
+    unsigned int getId() const { return id; }
+    void setCharSizeX(unsigned int value) { charSizeX = value; }
+    void setCharSizeY(unsigned int value) { charSizeY = value; }
+    unsigned int getCharSizeX() const { return charSizeX; }
+    unsigned int getCharSizeY() const { return charSizeY; }
+    PVFONT* getNext() const { return next; }
+    PVFONT* getPrevious() const { return previous; }
+    PVTEXTURE* getTexture() const { return texture; }
+
+    bool setTexture(PVTEXTURE* newTexture);
+    bool setKerning(char c, char value);
+    char getKerning(char c) const;
+    // Reads the kerning of the file at the font path followed by file.
+    bool loadKerning(const char* file);
+
+    // Width in pixels of one line of text, escapes included.
+    unsigned int stringLength(const char* text) const;
+    // Queues one glyph, or with immediate draws it at once.
+    bool putChar(int x, int y, char c, bool immediate);
+    // printf-style text with colour and offset escapes, one draw call.
+    bool putString(int x, int y, const char* format, ...);
+    // Copies in to out breaking lines at spaces so that none is wider than
+    // width; returns the height the breaks add. out must hold twice the
+    // length of in plus one. The last argument is not used.
+    int format(const char* in, char* out, unsigned int width, unsigned int unused);
+
+    static bool init();
+    static bool free();
+    static bool cleanUp();
+    static void reset();
+    static int getNumberOfFonts();
+    static PVFONT* getFirst() { return firstFont; }
+    static PVFONT* findByName(const char* wanted);
+    static PVFONT* findById(unsigned int wanted);
+    static void setPath(const char* path);
+    static char* getPath() { return fontPath; }
+    // Glyphs queued and not yet drawn.
+    static unsigned int getCachedGlyphs() { return fontCachedCurrent; }
+
+private:
+    int advance(char c) const;
+    static void flushCache(unsigned int first, unsigned int count);
+    static void pointArraysAt(unsigned int slot);
+    void writeGlyph(unsigned int slot, int x, int y, char c) const;
+
+    unsigned int id;
+    PVTEXTURE* texture;
+    signed char kerning[PV_FONT_LAST_CODE - PV_FONT_FIRST_CODE + 1];
+    unsigned int charSizeX;
+    unsigned int charSizeY;
+    char name[PV_FONT_NAME_SIZE];
+    PVFONT* previous;
+    PVFONT* next;
+
+    static PVFONT* firstFont;
+    static char fontPath[256];
+    static GLfixed* fontCachedVertex;
+    static GLfixed* fontCachedTexCoord;
+    static GLubyte* fontCachedColor;
+    static GLushort* fontCachedIndex;
+    static unsigned int fontCachedCurrent;
+    static bool overflow;
+    static GLubyte currentColor[24];
+
+    using Registry = PVREGISTRY<PVFONT, &PVFONT::firstFont, &PVFONT::previous, &PVFONT::next>;
+};
+
+#endif

@@ -1,0 +1,3 @@
+#include "gui/pvhscrollbar.h"
+
+PVHSCROLLBAR::PVHSCROLLBAR() : PVSCROLLBAR(false, "PVHSCROLLBAR") {}

@@ -1,0 +1,16 @@
+// Horizontal scroll bar.
+#ifndef PV_HSCROLLBAR_H
+#define PV_HSCROLLBAR_H
+
+#include "gui/pvscrollbar.h"
+
+class PVHSCROLLBAR : public PVSCROLLBAR {
+public:
+    PVHSCROLLBAR();
+    PVHSCROLLBAR(const PVHSCROLLBAR& other) = default;
+    PVHSCROLLBAR& operator=(const PVHSCROLLBAR& other) = default;
+    ~PVHSCROLLBAR() override = default;
+    bool render(void* element) override { return PVSCROLLBAR::render(element); }
+};
+
+#endif

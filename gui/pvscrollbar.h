@@ -1,0 +1,51 @@
+// Scroll bar: a thin track with one draggable button, its cursor, whose place
+// on the track gives the value; the value is never stored. The horizontal and
+// the vertical bar are this design along x and along y.
+#ifndef PV_SCROLLBAR_H
+#define PV_SCROLLBAR_H
+
+#include "gui/pvbutton.h"
+
+class PVSCROLLBAR : public PVBOX {
+public:
+    PVSCROLLBAR(const PVSCROLLBAR& other) = default;
+    PVSCROLLBAR& operator=(const PVSCROLLBAR& other) = default;
+    ~PVSCROLLBAR() override = default;
+    // Renews the cursor's limits so that its centre travels the whole
+    // track, then draws the track.
+    bool render(void* element) override;
+
+    void setMinValue(float value) { minValue = value; }
+    void setMaxValue(float value) { maxValue = value; }
+    float getMinValue() const { return minValue; }
+    float getMaxValue() const { return maxValue; }
+    PVBUTTON* getCursor() const { return cursor; }
+    // Shows or hides the track and its cursor together.
+    void setDisplayStatus(bool value);
+    // Resizes the cursor along the bar, keeping its centre.
+    void setCursorSize(int size);
+    // The cursor's centre goes to the fraction of the track that the value
+    // (clamped to the range) covers.
+    void setValue(float value);
+    float getValue();
+
+protected:
+    // vertical: the bar runs along y; className names the bar in messages.
+    PVSCROLLBAR(bool vertical, const char* className);
+
+private:
+    int trackLength() const { return vertical ? sizeY : sizeX; }
+    float cursorPlace() const;
+    float cursorLength() const;
+    void placeCursor(float place);
+    void renewCursorLimits();
+    bool hasCursor(const char* operation);
+
+    float minValue;
+    float maxValue;
+    PVBUTTON* cursor;
+    bool vertical;
+    const char* className;
+};
+
+#endif

@@ -1,0 +1,3 @@
+#include "gui/pvvscrollbar.h"
+
+PVVSCROLLBAR::PVVSCROLLBAR() : PVSCROLLBAR(true, "PVVSCROLLBAR") {}

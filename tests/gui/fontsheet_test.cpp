@@ -1,0 +1,64 @@
+// Text set with the font the build makes from DejaVu Sans with pevrano-font:
+// glyphs stand the right way up in their cells and advance as the typeface.
+#include "gui/guifixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+class MadeFont : public GuiTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        PVTEXTURE* sheet = new PVTEXTURE();
+        ASSERT_TRUE(sheet->load(PEVRANO_FONT_DIR "/dejavu.tga")) << logged();
+        font = new PVFONT();
+        ASSERT_TRUE(font->setTexture(sheet));
+        PVFONT::setPath(PEVRANO_FONT_DIR "/");
+        ASSERT_TRUE(font->loadKerning("dejavu.txt")) << logged();
+    }
+
+    // Rows of the 16 x 16 cell at (10, 20) with at least one lit pixel.
+    std::vector<int> litRows(const char* text)
+    {
+        PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin2D();
+        font->putString(10, 20, text);
+
+        PEVRANO::end2D();
+        std::vector<int> rows;
+        for (int y = 0; y < 16; y++)
+            for (int x = 0; x < 16; x++)
+                if (screen(10 + x, 20 + y).g > 0.5) {
+                    rows.push_back(y);
+                    break;
+                }
+        return rows;
+    }
+    PVFONT* font = nullptr;
+};
+
+TEST_F(MadeFont, GlyphsStandUpright)
+{
+    const std::vector<int> dot = litRows(".");
+    const std::vector<int> quote = litRows("'");
+    ASSERT_FALSE(dot.empty());
+    ASSERT_FALSE(quote.empty());
+    EXPECT_GE(dot.front(), 9) << "a full stop sits on the baseline";
+    EXPECT_LE(quote.back(), 7) << "an apostrophe hangs from the top";
+    EXPECT_TRUE(litRows(" ").empty());
+    EXPECT_GE(litRows("|").size(), 12u) << "a bar crosses the cell";
+}
+
+TEST_F(MadeFont, TextAdvancesAsTheTypefaceDoes)
+{
+    // DejaVu Sans at 13 pixels: i 4, o 8, W 13 pixels wide.
+    EXPECT_EQ(4u, font->stringLength("i"));
+    EXPECT_EQ(8u, font->stringLength("o"));
+    EXPECT_EQ(13u, font->stringLength("W"));
+    EXPECT_EQ(4u + 8u + 13u + 4u, font->stringLength("ioW "));
+}
+
+}  // namespace

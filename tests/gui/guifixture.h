@@ -1,0 +1,82 @@
+// Shared by the interface tests: an engine started in a small window, whole
+// 2D frames of a widget tree, a glyph sheet whose glyphs are solid white
+// blocks, and pixels read with y counted from the top as the interface does.
+#ifndef PEVRANO_TESTS_GUI_GUIFIXTURE_H
+#define PEVRANO_TESTS_GUI_GUIFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <pevrano.h>
+
+#include "scene/scenefixture.h"
+
+namespace pvtest {
+
+class GuiTest : public RecordingTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(startEngineInWindow()) << log.text();
+        log.fresh();
+    }
+    void TearDown() override
+    {
+        recorder.stop();
+        PEVRANO::free();
+    }
+
+    // What the log gained since the previous call (start-up lines skipped).
+    std::string logged() { return log.fresh(); }
+
+    // One 2D frame of everything under root, on a black background.
+    static void drawFrame2D(PVNODE* root)
+    {
+        PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin2D();
+        root->pass(false);
+        PEVRANO::end2D();
+    }
+
+    // A 256 x 256 sheet whose every pixel is opaque white: each glyph draws
+    // a solid block in the colour of its text.
+    static PVTEXTURE* solidSheet()
+    {
+        PVTEXTURE* sheet = new PVTEXTURE();
+        std::vector<char> white(256 * 256 * 4, char(0xFF));
+        EXPECT_TRUE(sheet->create(256, 256, 4));
+        EXPECT_TRUE(sheet->modify(white.data(), false));
+        return sheet;
+    }
+
+    static PVFONT* solidFont()
+    {
+        PVFONT* font = new PVFONT();
+        font->setTexture(solidSheet());
+        return font;
+    }
+
+    // The colour at (x, y), y counted from the top of the window.
+    static Rgb screen(int x, int y) { return pixelAt(x, windowHeight - 1 - y); }
+
+    // Channels clamped to 1 as GL clamps vertex colours.
+    static Rgb clamped(double r, double g, double b)
+    {
+        return {std::min(1.0, r), std::min(1.0, g), std::min(1.0, b)};
+    }
+    // Half of each colour, as the border quads blend over the fill.
+    static Rgb halfAndHalf(Rgb over, Rgb under)
+    {
+        return {(over.r + under.r) / 2, (over.g + under.g) / 2, (over.b + under.b) / 2};
+    }
+};
+
+}  // namespace pvtest
+
+#endif

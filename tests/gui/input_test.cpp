@@ -1,0 +1,203 @@
+// Pointer and keys scripted through the render list's dispatcher, over the
+// widgets drawn in the last 2D pass.
+#include "gui/guifixture.h"
+#include "gui/pvinput.h"
+
+using namespace pvtest;
+
+namespace {
+
+class Input : public GuiTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        PVINPUT::reset();
+        root = new PVBOX();
+        root->setSizes(0, 0);
+    }
+    // One dispatcher call after a frame of everything under root; returns
+    // the reported id, and whether the pointer was over a widget.
+    unsigned int send(int x, int y, bool down, char key = 0)
+    {
+        drawFrame2D(root);
+        unsigned int id = 12345;
+        over = PVELEMENT::manageGUIEvents(key, x, y, down ? 1 : 0, 0, &id);
+        return id;
+    }
+    PVBUTTON* button(int x, int y, PV_BUTTON_EVENT event)
+    {
+        PVBUTTON* made = new PVBUTTON();
+        made->setPosition(float(x), float(y));
+        made->setSizes(20, 10);
+        made->setEventType(event);
+        made->link(root);
+        return made;
+    }
+    PVBOX* root = nullptr;
+    bool over = false;
+};
+
+TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
+{
+    struct Step {
+        int x, y;
+        bool down;
+        bool reported, clicked;
+    };
+    struct Case {
+        PV_BUTTON_EVENT event;
+        std::vector<Step> steps;
+    };
+    const Case cases[] = {
+        {PV_BUTTON_ON_RELEASE,
+         {{15, 15, true, false, true}, {16, 16, true, false, true}, {16, 16, false, true, false}}},
+        {PV_BUTTON_ON_RELEASE,
+         {{15, 15, true, false, true}, {90, 90, false, false, false}}},  // released elsewhere
+        {PV_BUTTON_ON_PRESS,
+         {{15, 15, true, true, true}, {15, 15, true, false, true}, {15, 15, false, false, false}}},
+        {PV_BUTTON_TOGGLE,
+         {{15, 15, true, true, true},
+          {15, 15, false, false, true},
+          {15, 15, true, true, false},
+          {15, 15, false, false, false}}},
+    };
+    for (const Case& c : cases) {
+        PVBUTTON* pressed = button(10, 10, c.event);
+        for (size_t i = 0; i < c.steps.size(); i++) {
+            const Step& s = c.steps[i];
+            EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down)) << c.event << " step " << i;
+            EXPECT_EQ(s.clicked, pressed->isClicked()) << c.event << " step " << i;
+        }
+        delete pressed;
+    }
+}
+
+TEST_F(Input, ThePointerOverAWidgetIsReported)
+{
+    button(10, 10, PV_BUTTON_ON_RELEASE);
+    PVBOX* inert = new PVBOX();  // not hittable
+    inert->link(root);
+    send(30, 20, false);
+    EXPECT_TRUE(over);
+    send(31, 20, false);
+    EXPECT_FALSE(over);
+    EXPECT_TRUE(PVELEMENT::manageGUIEvents(0, 15, 15, 0, 0, nullptr));  // no id wanted
+}
+
+TEST_F(Input, TheForemostOfOverlappingWidgetsWins)
+{
+    PVBUTTON* under = button(10, 10, PV_BUTTON_ON_PRESS);
+    PVBUTTON* over = button(15, 12, PV_BUTTON_ON_PRESS);
+    EXPECT_EQ(over->getId(), send(18, 15, true));
+    send(18, 15, false);
+    under->setForemost(0);
+    EXPECT_EQ(under->getId(), send(18, 15, true));
+    send(18, 15, false);
+    EXPECT_EQ(over->getId(), send(34, 21, true));  // only the upper one is there
+}
+
+TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
+{
+    PVWINDOW* window = new PVWINDOW();  // title bar from y 0 to 19
+    window->setCaption("Tools");
+    window->link(root);
+    PVWINDOW* front = new PVWINDOW();
+    front->setPosition(100, 19);
+    front->link(root);
+    EXPECT_EQ(0u, send(50, 10, true));
+    EXPECT_GT(window->getForemostTimeStamp(), front->getForemostTimeStamp());  // pressing raised it
+    EXPECT_EQ(0u, send(50, 10, false));
+    EXPECT_TRUE(window->isMinimized());
+    EXPECT_STREQ("[+] Tools", window->getTitleBar()->getCaption());
+    // Minimised, the body is not there: the pointer finds nothing.
+    send(50, 60, false);
+    EXPECT_FALSE(over);
+    send(50, 10, true);
+    send(50, 10, false);
+    EXPECT_FALSE(window->isMinimized());
+
+    send(50, 10, true);
+    send(60, 15, true);
+    send(65, 25, true);
+    send(65, 25, false);
+    EXPECT_EQ(K3MVECTOR3D(15, 34, 0), window->getPosition());
+    EXPECT_FALSE(window->isMinimized());  // a drag only moves
+}
+
+TEST_F(Input, DraggingAScrollBarCursorStopsAtTheTrackEnds)
+{
+    PVHSCROLLBAR* bar = new PVHSCROLLBAR();  // 64 x 4 at (20, 50); cursor 16 x 8
+    bar->setPosition(20, 50);
+    bar->link(root);
+    bar->setValue(0.5f);  // cursor from x 44 to 60
+    send(50, 50, true);
+    send(70, 52, true);  // 20 pixels right; no move across the track
+    EXPECT_NEAR(0.5f + 20 / 64.0f, bar->getValue(), 1e-5);
+    EXPECT_EQ(-2.0f, bar->getCursor()->getPosition().y);
+    send(200, 52, true);
+    EXPECT_EQ(1.0f, bar->getValue());
+    EXPECT_EQ(56.0f, bar->getCursor()->getPosition().x);
+    send(200, 52, false);
+    send(20, 50, true);  // the cursor's left end, at 76 now, is not under the pointer
+    send(-100, 50, true);
+    EXPECT_EQ(1.0f, bar->getValue());
+}
+
+TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
+{
+    PVFONT* font = solidFont();
+    PVTEXTFIELD* first = new PVTEXTFIELD();
+    PVTEXTFIELD* second = new PVTEXTFIELD();
+    for (PVTEXTFIELD* field : {first, second}) {
+        field->setFont(font);
+        field->clear();
+        field->setSizes(80, 20);
+        field->link(root);
+    }
+    second->setPosition(0, 30);
+    send(5, 5, false, 'x');  // no focus yet
+    send(5, 5, true);
+    send(5, 5, false, 'h');
+    send(90, 90, false, 'i');
+    EXPECT_STREQ("hi", first->getCaption());
+    PVBUTTON* other = button(100, 0, PV_BUTTON_ON_RELEASE);
+    send(105, 5, true);
+    send(105, 5, false, '!');  // pressing a button keeps the focus
+    EXPECT_STREQ("hi!", first->getCaption());
+    send(5, 35, true, 'a');
+    send(5, 35, false, 8);
+    send(5, 35, false, 'b');
+    EXPECT_STREQ("hi!", first->getCaption());
+    EXPECT_STREQ("b", second->getCaption());
+    EXPECT_TRUE(second->isEditing());  // every call keeps the caret alive
+    delete other;
+}
+
+class LandscapeInput : public Input {
+protected:
+    void SetUp() override
+    {
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        settings.setLandscape(true);
+        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        PVINPUT::reset();
+        root = new PVBOX();
+        root->setSizes(0, 0);
+    }
+};
+
+// The interface is turned a quarter: its x runs up the window from the
+// bottom and its y along the window from the left.
+TEST_F(LandscapeInput, ThePointerAxesAreExchanged)
+{
+    PVBUTTON* pressed = button(10, 30, PV_BUTTON_ON_PRESS);  // x 10 to 30, y 30 to 40
+    EXPECT_EQ(pressed->getId(), send(35, windowHeight - 15, true));
+    send(35, windowHeight - 15, false);
+    EXPECT_EQ(0u, send(15, windowHeight - 35, true));
+}
+
+}  // namespace

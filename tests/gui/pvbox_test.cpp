@@ -1,0 +1,256 @@
+// Boxes: texture corners, hit tests, move limits, foremost stamps, the
+// quad primitive and the bevelled border as GL calls and as pixels.
+#include "gui/guifixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+class Box : public GuiTest {};
+
+const Calls quadCalls = {"glVertexPointer(2,GL_FIXED,0)", "glColorPointer(4,GL_FIXED,0)",
+                         "glTexCoordPointer(2,GL_FIXED,0)", "glDrawArrays(GL_TRIANGLE_STRIP,0,4)"};
+
+std::vector<float> cornersOf(const PVBOXCOORD& coords)
+{
+    return std::vector<float>(coords.coord, coords.coord + 8);
+}
+
+TEST_F(Box, CornerCoordinatesFollowTheImageRowOrder)
+{
+    EXPECT_EQ((std::vector<float> {0, 1, 1, 1, 0, 0, 1, 0}), cornersOf(PVBOXCOORD()));
+    EXPECT_EQ((std::vector<float> {0, 0, 0.5f, 0, 0, 0.25f, 0.5f, 0.25f}),
+              cornersOf(PVBOXCOORD(0.5f, 0.25f, true)));
+    EXPECT_EQ((std::vector<float> {0, 0.25f, 0.5f, 0.25f, 0, 0, 0.5f, 0}),
+              cornersOf(PVBOXCOORD(0.5f, 0.25f, false)));
+}
+
+TEST_F(Box, EveryWidgetClassHasItsTypeAndNamePattern)
+{
+    struct Case {
+        PVNODE* node;
+        PV_NODE_TYPE type;
+        const char* pattern;
+    };
+    const Case cases[] = {
+        {new PVBOX(), PV_TYPE_BOX, "[box %d]"},
+        {new PVLABEL(), PV_TYPE_LABEL, "[label %d]"},
+        {new PVBUTTON(), PV_TYPE_BUTTON, "[button %d]"},
+        {new PVTEXTFIELD(), PV_TYPE_TEXTFIELD, "[textfield %d]"},
+        {new PVHSCROLLBAR(), PV_TYPE_HSCROLLBAR, "[hscrollbar %d]"},
+        {new PVVSCROLLBAR(), PV_TYPE_VSCROLLBAR, "[hscrollbar %d]"},
+        {new PVWINDOW(), PV_TYPE_WINDOW, "[window %d]"},
+    };
+    for (const Case& c : cases) {
+        char expected[64];
+        snprintf(expected, sizeof(expected), c.pattern, int(c.node->getId()));
+        EXPECT_EQ(c.type, c.node->getType()) << expected;
+        EXPECT_STREQ(expected, c.node->getName());
+    }
+    // The label announces itself; a button's caption starts as its name.
+    EXPECT_EQ("   PVLABEL() called\n", logged());
+    PVBUTTON button;
+    EXPECT_STREQ(button.getName(), button.getCaption());
+}
+
+TEST_F(Box, HitTestsIncludeTheEdgesAndStayInsideTheWindow)
+{
+    PVWINDOW* window = new PVWINDOW();  // 128 x 128 at (0, 19), title bar above
+    window->setPosition(10, 40);
+    PVBUTTON* inside = new PVBUTTON();
+    inside->setPosition(100, 100);  // reaches 164, past the window's right side at 138
+    inside->link(window);
+    PVBOX* loose = new PVBOX();
+    loose->setPosition(5, 6);
+    loose->setSizes(10, 20);
+    PVBUTTON* title = window->getTitleBar();
+
+    struct Case {
+        PVBOX* box;
+        int x, y;
+        bool hit;
+    };
+    const Case cases[] = {
+        {loose, 10, 10, false},  // hit tests are off by default on a box
+        {inside, 110, 140, true},  {inside, 137, 140, true}, {inside, 139, 140, false},
+        {title, 10, 21, true},     {title, 138, 40, true},   {title, 139, 40, false},
+        {title, 9, 30, false},     {window, 10, 40, true},   {window, 138, 168, true},
+        {window, 138, 169, false},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(c.hit, c.box->checkBoundaries(c.x, c.y))
+            << c.box->getName() << " at " << c.x << ", " << c.y;
+    loose->setCheckStatus(true);
+    EXPECT_TRUE(loose->checkBoundaries(15, 26));  // right and bottom edges included
+    EXPECT_FALSE(loose->checkBoundaries(16, 26));
+    // The title bar sits outside its window's rectangle and is still hit.
+    window->minmaximize();
+    EXPECT_TRUE(title->checkBoundaries(50, 30));
+}
+
+TEST_F(Box, LimitsClampMovesInTheParentsSpace)
+{
+    PVBOX parent;
+    parent.setPosition(100, 50);
+    PVBOX* box = new PVBOX();
+    box->setPosition(10, 10);
+    box->setSizes(20, 10);
+    box->link(&parent);
+    box->setLimits(0, 0, 100, 40);
+
+    int dx = 5, dy = 5;
+    EXPECT_FALSE(box->checkLimits(&dx, &dy));  // limits off: the move stands
+    EXPECT_EQ(5, dx);
+    box->setLimitStatus(true);
+    struct Case {
+        int dx, dy, wantX, wantY;
+    };
+    const Case cases[] = {
+        {5, 5, 5, 5},
+        {-50, -50, -10, -10},
+        {200, 200, 70, 20},
+        {70, 20, 70, 20},
+    };
+    for (const Case& c : cases) {
+        dx = c.dx;
+        dy = c.dy;
+        EXPECT_TRUE(box->checkLimits(&dx, &dy));
+        EXPECT_EQ(c.wantX, dx) << c.dx;
+        EXPECT_EQ(c.wantY, dy) << c.dy;
+    }
+    // A limit rectangle narrower than the box puts it at endX - sizeX.
+    box->setLimits(0, 0, 8, 40);
+    dx = dy = 0;
+    EXPECT_TRUE(box->checkLimits(&dx, &dy));
+    EXPECT_EQ(-22, dx);
+    EXPECT_FALSE(box->checkLimits(nullptr, &dy));
+    EXPECT_EQ("   [!] Invalid params @ PVBOX::checkLimits\n", logged());
+}
+
+TEST_F(Box, RaisingABoxDrawsTwoStampsPerChild)
+{
+    PVBOX* parent = new PVBOX();
+    PVBOX* first = new PVBOX();
+    PVBOX* second = new PVBOX();
+    first->link(parent);
+    second->link(parent);
+    EXPECT_TRUE(parent->setForemost(0));
+    const long base = parent->getForemostTimeStamp();
+    EXPECT_EQ(base + 2, first->getForemostTimeStamp());
+    EXPECT_EQ(base + 4, second->getForemostTimeStamp());
+    EXPECT_EQ(base + 5, PVBOX::getNextCounter());
+}
+
+TEST_F(Box, TextureReferencesFollowTheBox)
+{
+    PVTEXTURE* a = new PVTEXTURE();
+    PVTEXTURE* b = new PVTEXTURE();
+    PVBOX box;
+    EXPECT_TRUE(box.setTexture(a));
+    EXPECT_TRUE(box.setTexture(b));
+    EXPECT_EQ(0, a->getReferences());
+    EXPECT_EQ(1, b->getReferences());
+    EXPECT_TRUE(box.setTexture(nullptr));
+    EXPECT_EQ(0, b->getReferences());
+}
+
+TEST_F(Box, AQuadIsOneTriangleStripOfFixedPointArrays)
+{
+    PVBOXCOORD coords;
+    const Calls calls = record([&] { PVBOX::drawQuad(1, 2, 3, 4, K3MVECTOR4D(1, 0, 0, 1), &coords); });
+    EXPECT_EQ((Calls {"glVertexPointer(2,GL_FIXED,0)", "glColorPointer(4,GL_FIXED,0)",
+                      "glTexCoordPointer(2,GL_FIXED,0)", "glDrawArrays(GL_TRIANGLE_STRIP,0,4)"}),
+              calls);
+}
+
+// A box at (20, 30), 40 x 30, colour c, border 3 pixels wide.
+class BoxPixels : public Box {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(Box::SetUp());
+        box = new PVBOX();
+        box->setPosition(20, 30);
+        box->setSizes(40, 30);
+        box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
+    }
+    PVBOX* box = nullptr;
+    const Rgb c {0.5, 0.25, 0.75};
+};
+
+TEST_F(BoxPixels, ARaisedBorderIsLightAboveAndDarkBelow)
+{
+    drawFrame2D(box);
+    expectColour(c, screen(40, 45), "fill");
+    expectColour({0, 0, 0}, screen(19, 45), "left of the box");
+    expectColour({0, 0, 0}, screen(40, 60), "below the box");
+    for (int ring = 0; ring < 3; ring++) {
+        const std::string at = "ring " + std::to_string(ring);
+        expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), c), screen(40, 30 + ring), at + " top");
+        expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), c), screen(20 + ring, 45), at + " left");
+        expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), c), screen(40, 59 - ring), at + " bottom");
+        expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), c), screen(59 - ring, 45), at + " right");
+        expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), c), screen(20 + ring, 30 + ring), at + " top-left");
+        expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), c), screen(59 - ring, 59 - ring),
+                     at + " bottom-right");
+    }
+    expectColour(c, screen(23, 45), "inside the border");
+}
+
+TEST_F(BoxPixels, APressedBoxIsDarkerAndSunken)
+{
+    box->setClickedStatus(true);
+    drawFrame2D(box);
+    const Rgb fill {0.45, 0.225, 0.675};
+    expectColour(fill, screen(40, 45), "fill");
+    expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), fill), screen(40, 31), "top");
+    expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), fill), screen(40, 58), "bottom");
+    expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), fill), screen(21, 31), "top-left");
+    expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), fill), screen(58, 58), "bottom-right");
+}
+
+// Drawn outside any window: the scissor covers the display; the fill, then
+// blending for the 8 pieces of each of the 3 rings.
+TEST_F(BoxPixels, ABevelledBoxIsTheFillAndTwentyFourBorderQuads)
+{
+    PEVRANO::begin2D();
+    box->pass(false);
+    const Calls calls = record([&] { box->render(PVELEMENT::getPassedElement(0)); });
+    PEVRANO::end2D();
+    Calls expected = {"glLoadMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,1310720,1966080,0,65536})",
+                      "glScissor(0,0,160,120)"};
+    expected.insert(expected.end(), quadCalls.begin(), quadCalls.end());
+    expected.push_back("glEnable(GL_BLEND)");
+    for (int piece = 0; piece < 24; piece++)
+        expected.insert(expected.end(), quadCalls.begin(), quadCalls.end());
+    EXPECT_EQ(expected, calls);
+}
+
+TEST_F(BoxPixels, ThicknessZeroDrawsTheFillOnly)
+{
+    box->setThickness(0);
+    const Calls calls = record([&] { drawFrame2D(box); });
+    EXPECT_EQ(1u, recorder.count("glDrawArrays")) << recorder.text();
+    expectColour(c, screen(20, 30), "corner");
+}
+
+TEST_F(BoxPixels, AWindowClipsTheWidgetsInside)
+{
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 30);
+    window->setSizes(60, 40);  // x 10 to 70, y 30 to 70
+    window->setColor(0, 0, 0, 1);
+    window->setThickness(0);
+    window->getScrollBar()->setDisplayStatus(false);
+    box->setThickness(0);
+    box->setPosition(40, 20);  // x 50 to 90, y 50 to 80
+    box->link(window);
+    window->setForemost(0);  // the box was made first: it goes in front again
+    drawFrame2D(window);
+    expectColour(c, screen(55, 55), "inside the window");
+    expectColour(c, screen(69, 69), "window's last pixel");
+    expectColour({0, 0, 0}, screen(70, 55), "right of the window");
+    expectColour({0, 0, 0}, screen(55, 70), "below the window");
+}
+
+}  // namespace

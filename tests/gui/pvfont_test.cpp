@@ -1,0 +1,247 @@
+// Fonts: widths, word wrap and kerning files worked out by hand, every
+// message, the registry, the glyph batches as GL calls and text as pixels.
+#include <cstdio>
+#include <functional>
+
+#include "gui/guifixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+class Font : public GuiTest {
+protected:
+    // 16-pixel cells; 'i' advances 6, 'W' 18 and the blank 8.
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        font.setKerning('i', 10);
+        font.setKerning('W', -2);
+        font.setKerning(' ', 8);
+    }
+    // The engine's shut-down deletes every registered font.
+    PVFONT& font = *new PVFONT();
+};
+
+TEST_F(Font, StringLengthAddsAdvancesAndHorizontalEscapes)
+{
+    struct Case {
+        const char* text;
+        unsigned int width;
+    };
+    const Case cases[] = {
+        {"", 0},         {"abc", 48},      {"iW i", 38},    {"^c1234ab", 32}, {"^C1234ab", 32},
+        {"^x0010a", 26}, {"^X-010ab", 22}, {"^y0020a", 16}, {"a^", 16},       {"a^c12", 16},
+        {"a^x001", 16},  {"a^zb", 64},     {"a\nb", 48},    {"\x01", 16},     {"\xff", 16},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(c.width, font.stringLength(c.text)) << '"' << c.text << '"';
+}
+
+TEST_F(Font, FormatBreaksAtBlanksOrInsideWordsThatDoNotFit)
+{
+    struct Case {
+        const char* in;
+        unsigned int width;
+        const char* out;
+        int height;
+    };
+    const Case cases[] = {
+        {"ab cd", 40, "ab\ncd", 16},  // the blank becomes the break
+        {"abcd", 40, "ab\ncd", 16},  // no blank: a break goes in before the overflow
+        {"abcd", 64, "abcd", 0},  // exactly as wide as allowed
+        {"a\nbcd", 40, "a\nbc\nd", 48},  // a line begun by a newline starts one cell wide
+        {"^x0020ab", 40, "^x0020a\nb", 16},  // offsets count in the width
+        {"^y0005a", 40, "^y0005a", 5},  // and vertical ones in the height
+        {"^zab", 40, "^z\nab", 16},  // not an escape: '^' is a character
+        {"i i i i", 20, "i\ni\ni\n i", 48},  // the width after a break keeps the blank's advance
+    };
+    for (const Case& c : cases) {
+        char out[64];
+        EXPECT_EQ(c.height, font.format(c.in, out, c.width, 0)) << '"' << c.in << '"';
+        EXPECT_STREQ(c.out, out) << '"' << c.in << '"';
+    }
+}
+
+TEST_F(Font, KerningFilesSetTheKeysTheyHold)
+{
+    writeFile(dir.file("sans.txt"), "# PEVRANO_kerning_a = 9 is a comment\n"
+                                    "PEVRANO_kerning_i = 10\n"
+                                    "PEVRANO_kerning_W=-2   # after the value\n"
+                                    "PEVRANO_kerning_SPACE = 4\n"
+                                    "PEVRANO_kerning_S = 3\n"
+                                    "PEVRANO_kerning_DIESIS = 5\n"
+                                    "PEVRANO_kerning_EQUAL = 6\n"
+                                    "PEVRANO_kerning_~ = 127\n");
+    PVFONT loaded;
+    loaded.setKerning('x', 7);
+    loaded.setKerning('D', 1);
+    PVFONT::setPath((dir.path() + "/").c_str());
+    EXPECT_TRUE(loaded.loadKerning("sans.txt"));
+    PVFONT::setPath(nullptr);
+    struct Case {
+        char c;
+        char kerning;
+    };
+    // Keys are found inside longer ones, first line first: 'S' reads the
+    // blank's line, 'D' and 'E' the named keys' lines, as numbers 0.
+    const Case cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},
+                          {'=', 6}, {'D', 0},  {'E', 0},  {'~', 127}, {'x', 7}};
+    for (const Case& c : cases)
+        EXPECT_EQ(c.kerning, loaded.getKerning(c.c)) << c.c;
+    EXPECT_EQ("", logged());
+}
+
+TEST_F(Font, EveryMessage)
+{
+    struct Case {
+        std::function<bool()> call;
+        const char* line;
+    };
+    char out[8];
+    const Case cases[] = {
+        {[&] { return font.setTexture(nullptr); }, "   [!] Invalid params @ PVFONT::setTexture\n"},
+        {[&] { return font.setKerning(char(128), 1); }, "   [!] Invalid params @ PVFONT::setKerning\n"},
+        {[&] { return font.setKerning(31, 1); }, "   [!] Invalid params @ PVFONT::setKerning\n"},
+        {[&] { return font.loadKerning(nullptr); }, "   [!] Invalid params @ PVFONT::loadKerning\n"},
+        {[&] { return font.loadKerning("absent.txt"); },
+         "   [!] File not found (absent.txt) @ PVFONT::loadKerning\n"},
+        {[&] { return font.putString(0, 0, nullptr); }, "   [!] Invalid params @ PVFONT::putString\n"},
+        {[&] { return font.stringLength(nullptr) != 0; }, "   [!] Invalid params @ PVFONT::stringLength\n"},
+        {[&] { return font.format(nullptr, out, 10, 0) != 0; }, "   [!] Invalid params @ PVFONT::format\n"},
+        {[&] { return font.format("a", nullptr, 10, 0) != 0; }, "   [!] Invalid params @ PVFONT::format\n"},
+        {[&] { return font.putString(0, 0, "no texture"); }, ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_FALSE(c.call()) << c.line;
+        EXPECT_EQ(c.line, logged());
+    }
+    EXPECT_TRUE(font.setKerning(127, -3));
+    EXPECT_EQ(-3, font.getKerning(127));
+    EXPECT_EQ(0, font.getKerning(31));
+}
+
+TEST_F(Font, TheRegistryFindsTheOldestOfTwoNamesakes)
+{
+    PVFONT* first = new PVFONT();
+    PVFONT* second = new PVFONT();
+    char expected[32];
+    snprintf(expected, sizeof(expected), "[font %d]", int(first->getId()));
+    EXPECT_STREQ(expected, first->getName());
+    first->setName("sans");
+    second->setName("sans");
+    second->setName(std::string(256, 'x').c_str());  // too long: ignored
+    EXPECT_EQ(first, PVFONT::findByName("sans"));
+    EXPECT_EQ(second, PVFONT::findById(second->getId()));
+    EXPECT_EQ(nullptr, PVFONT::findByName(nullptr));
+    EXPECT_EQ(3, PVFONT::getNumberOfFonts());  // with the fixture's font
+    EXPECT_EQ(&font, PVFONT::getFirst());
+    EXPECT_EQ(second, first->getNext());
+    delete first;
+    EXPECT_EQ(&font, second->getPrevious());
+    EXPECT_TRUE(PVFONT::cleanUp());
+    EXPECT_EQ("   2 font(s) released\n", logged());
+    EXPECT_FALSE(PVFONT::cleanUp());
+    EXPECT_EQ("", logged());
+}
+
+// Text drawn with a sheet of solid glyphs: each character is a block.
+class FontDrawing : public GuiTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        font = solidFont();
+        PEVRANO::begin2D();
+        // Bind the sheet once, so that the calls below are the text's own.
+        font->putString(0, 0, "");
+    }
+    void TearDown() override
+    {
+        PEVRANO::end2D();
+        GuiTest::TearDown();
+    }
+    PVFONT* font = nullptr;
+};
+
+const Calls glyphArrays = {"glColorPointer(4,GL_UNSIGNED_BYTE,0)", "glVertexPointer(2,GL_FIXED,0)",
+                           "glTexCoordPointer(2,GL_FIXED,0)"};
+
+Calls withArrays(const std::string& draw)
+{
+    Calls calls = glyphArrays;
+    calls.push_back(draw);
+    return calls;
+}
+
+TEST_F(FontDrawing, AStringIsOneIndexedDraw)
+{
+    const Calls calls = record([&] { EXPECT_TRUE(font->putString(3, 4, "%s=%d", "Hi", 42)); });
+    Calls expected = {"glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)"};
+    const Calls draw = withArrays("glDrawElements(GL_TRIANGLES,30,GL_UNSIGNED_SHORT)");
+    expected.insert(expected.end(), draw.begin(), draw.end());
+    EXPECT_EQ(expected, calls);
+    EXPECT_EQ(0u, PVFONT::getCachedGlyphs());
+}
+
+TEST_F(FontDrawing, ElevenHundredCharactersTakeTwoDrawsAndLoseNothing)
+{
+    const std::string text(1100, 'a');
+    const Calls calls = record([&] { EXPECT_TRUE(font->putString(0, 0, text.c_str())); });
+    Calls expected = {"glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)"};
+    for (const Calls& part :
+         {withArrays("glDrawElements(GL_TRIANGLES,6144,GL_UNSIGNED_SHORT)"), Calls {"glFinish()"},
+          withArrays("glDrawElements(GL_TRIANGLES,456,GL_UNSIGNED_SHORT)")})
+        expected.insert(expected.end(), part.begin(), part.end());
+    EXPECT_EQ(expected, calls);
+}
+
+TEST_F(FontDrawing, CutEscapesStopTheStringAndKeepWhatWasQueued)
+{
+    EXPECT_FALSE(font->putString(0, 0, "ab^c12"));
+    EXPECT_EQ(2u, PVFONT::getCachedGlyphs());
+    PVFONT::reset();
+    EXPECT_FALSE(font->putString(0, 0, "abc^"));
+    EXPECT_EQ(3u, PVFONT::getCachedGlyphs());
+}
+
+TEST_F(FontDrawing, AnImmediateGlyphIsDrawnAtOnce)
+{
+    const Calls calls = record([&] { EXPECT_TRUE(font->putChar(0, 0, 'A', true)); });
+    Calls expected = {"glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)"};
+    const Calls draw = withArrays("glDrawArrays(GL_TRIANGLES,0,6)");
+    expected.insert(expected.end(), draw.begin(), draw.end());
+    EXPECT_EQ(expected, calls);
+    EXPECT_EQ(0u, PVFONT::getCachedGlyphs());
+}
+
+TEST_F(FontDrawing, ColourEscapesTintTheGlyphsThatFollow)
+{
+    PVOPENGL::setBackgroundColor(0, 0, 0, 1);
+    PEVRANO::clear(true, true, false);
+    // Red, green, blue; '9' wraps to 31, a faint white; then offsets and a
+    // new line with the colour kept.
+    // A faint glyph is blended by its own alpha.
+    const double faint = 31 / 255.0 * 31 / 255.0;
+    font->putString(10, 20, "^c8008A^c0808B^c0088C^c9999D^c0000E^x-016^c8888F\n^y0004^x0020G");
+    const struct {
+        int x, y;
+        Rgb colour;
+        const char* what;
+    } expected[] = {
+        {10, 20, {1, 0, 0}, "red"},
+        {25, 35, {1, 0, 0}, "red's far corner"},
+        {26, 20, {0, 1, 0}, "green"},
+        {42, 27, {0, 0, 1}, "blue"},
+        {58, 27, {faint, faint, faint}, "faint"},
+        {74, 27, {1, 1, 1}, "white over the transparent glyph"},
+        {90, 27, {0, 0, 0}, "nothing after the last glyph"},
+        {30, 40, {1, 1, 1}, "second line, moved right and down"},
+        {29, 40, {0, 0, 0}, "left of the second line"},
+        {10, 39, {0, 0, 0}, "between the lines"},
+    };
+    for (const auto& e : expected)
+        expectColour(e.colour, screen(e.x, e.y), e.what);
+}
+
+}  // namespace

@@ -1,0 +1,359 @@
+// Buttons, labels, text fields, scroll bars and windows: captions that fit or
+// are replaced, every message, keys, slider values, scrolling and clipping.
+#include <cstring>
+#include <functional>
+
+#include "gui/guifixture.h"
+
+using namespace pvtest;
+
+namespace {
+
+class Widgets : public GuiTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        font = solidFont();
+    }
+    // The glyph draws of one 2D frame of root.
+    Calls textDraws(PVNODE* root)
+    {
+        record([&] { drawFrame2D(root); });
+        return recorder.filter("glDrawElements");
+    }
+    PVFONT* font = nullptr;
+};
+
+std::string glyphDraw(int glyphs)
+{
+    return "glDrawElements(GL_TRIANGLES," + std::to_string(glyphs * 6) + ",GL_UNSIGNED_SHORT)";
+}
+
+TEST_F(Widgets, ACaptionThatDoesNotFitIsReplacedByAMark)
+{
+    struct Case {
+        int width;
+        const char* caption;
+        Calls draws;
+    };
+    const Case cases[] = {
+        {48, "ab", {glyphDraw(2)}},  // 32 pixels
+        {48, "abc", {}},  // exactly as wide: "[...]" is wider still
+        {100, "abcdefg", {glyphDraw(5)}},  // "[...]"
+        {100, "", {}},
+    };
+    for (const Case& c : cases) {
+        PVBUTTON* button = new PVBUTTON();
+        button->setFont(font);
+        button->setSizeX(c.width);
+        button->setCaption(c.caption);
+        EXPECT_EQ(c.draws, textDraws(button)) << c.caption;
+        delete button;
+    }
+}
+
+TEST_F(Widgets, APressedCaptionMovesByOnePixel)
+{
+    PVBUTTON* button = new PVBUTTON();
+    button->setFont(font);
+    button->setPosition(10, 10);
+    button->setCaption("A");
+    drawFrame2D(button);
+    expectColour({1, 1, 1}, screen(11, 20), "released, left column");
+    expectColour({1, 1, 1}, screen(26, 26), "released, last pixel");
+    button->setClickedStatus(true);
+    drawFrame2D(button);
+    expectColour({1, 1, 1}, screen(27, 27), "pressed, last pixel");
+    EXPECT_NE(1.0, screen(11, 20).r) << "pressed, left column is border";
+}
+
+TEST_F(Widgets, CaptionsUpTo255CharactersAreAccepted)
+{
+    PVBUTTON button;
+    const std::string longest(255, 'c');
+    button.setCaption(longest.c_str());
+    EXPECT_EQ(longest, button.getCaption());
+    button.setCaption(std::string(256, 'd').c_str());
+    button.setCaption(nullptr);
+    EXPECT_EQ(longest, button.getCaption());
+}
+
+TEST_F(Widgets, HiddenWidgetsDrawNothing)
+{
+    PVBUTTON* button = new PVBUTTON();
+    PVBOX* box = new PVBOX();
+    box->link(button);
+    button->setDisplayStatus(false);
+    box->setDisplayStatus(false);
+    PEVRANO::begin2D();
+    button->pass(false);
+    const Calls calls = record([&] {
+        EXPECT_TRUE(button->render(PVELEMENT::getPassedElement(0)));
+        EXPECT_FALSE(box->render(PVELEMENT::getPassedElement(1)));
+    });
+    PEVRANO::end2D();
+    EXPECT_EQ(Calls {}, calls);
+}
+
+TEST_F(Widgets, LabelsCopyTheirTextOnceAndDrawOnlyIt)
+{
+    PVLABEL* label = new PVLABEL();
+    logged();
+    EXPECT_FALSE(label->write(nullptr));
+    EXPECT_EQ("   [!] Invalid params @ PVLABEL::write\n", logged());
+    EXPECT_FALSE(label->write("x"));
+    EXPECT_EQ("   [!] Font not specified @ PVLABEL::write\n", logged());
+    label->setFont(font);
+    EXPECT_TRUE(label->write("%d apples ^c8000%s", 12, "red"));
+    EXPECT_STREQ("12 apples ^c8000red", label->getText());
+    label->setDisplayStatus(false);  // not looked at
+    EXPECT_EQ((Calls {glyphDraw(13)}), textDraws(label));
+    EXPECT_EQ(0u, recorder.count("glDrawArrays"));
+}
+
+TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
+{
+    PVTEXTFIELD field;
+    field.setSizeX(64);  // room: 64 - 16 = 48
+    EXPECT_FALSE(field.manageKey('a'));
+    field.setFont(font);
+    field.clear();
+    struct Case {
+        char key;
+        const char* caption;
+    };
+    // The test adds the key's kerning, not its advance: a fourth glyph still
+    // goes in when three fill the room.
+    const Case cases[] = {{8, ""},       {'a', "a"}, {'b', "ab"}, {'c', "abc"},  {'d', "abcd"},
+                          {'e', "abcd"}, {8, "abc"}, {0, "abc"},  {'\t', "abc"}, {char(200), "abc"}};
+    for (const Case& c : cases) {
+        EXPECT_TRUE(field.manageKey(c.key)) << int(c.key);
+        EXPECT_STREQ(c.caption, field.getCaption()) << int(c.key);
+    }
+    EXPECT_TRUE(field.isEditing());
+    font->setKerning('z', -20);  // a negative kerning wraps the unsigned sum
+    EXPECT_TRUE(field.manageKey('z'));
+    EXPECT_STREQ("abcz", field.getCaption());
+}
+
+TEST_F(Widgets, ATextFieldDrawsASunkenFrameOfLines)
+{
+    PVTEXTFIELD* field = new PVTEXTFIELD();
+    field->setThickness(2);
+    field->setCaption("");
+    record([&] { drawFrame2D(field); });
+    const Calls lines(6, "glDrawElements(GL_LINES,4,GL_UNSIGNED_BYTE)");
+    EXPECT_EQ(lines, recorder.filter("glDrawElements"));
+    EXPECT_EQ(1u + 16u, recorder.count("glDrawArrays"));  // fill and two rings of border
+    // The frame is drawn inside the border, after the node's own placement.
+    EXPECT_EQ("glTranslatex(131072,131072,0)", recorder.filter("glTranslatex").back());
+}
+
+TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
+{
+    PVHSCROLLBAR* across = new PVHSCROLLBAR();
+    PVVSCROLLBAR* down = new PVVSCROLLBAR();
+    for (PVSCROLLBAR* bar : {static_cast<PVSCROLLBAR*>(across), static_cast<PVSCROLLBAR*>(down)}) {
+        bar->setMinValue(10);
+        bar->setMaxValue(20);
+        for (float v : {10.0f, 12.5f, 15.0f, 19.0f, 20.0f}) {
+            bar->setValue(v);
+            EXPECT_NEAR(v, bar->getValue(), 1e-4) << bar->getType();
+        }
+        bar->setValue(99);
+        EXPECT_EQ(20.0f, bar->getValue());
+        bar->setValue(-5);
+        EXPECT_EQ(10.0f, bar->getValue());
+    }
+    // At the top end the cursor's centre is on the track's end.
+    across->setValue(20);
+    EXPECT_EQ(64 - 8, across->getCursor()->getPosition().x);
+    down->setValue(15);
+    EXPECT_EQ(32 - 8, down->getCursor()->getPosition().y);
+    // Resizing keeps the centre.
+    down->setCursorSize(30);
+    EXPECT_EQ(32 - 15, down->getCursor()->getPosition().y);
+    EXPECT_EQ(30, down->getCursor()->getSizeY());
+    EXPECT_NEAR(15.0f, down->getValue(), 1e-4);
+}
+
+TEST_F(Widgets, ScrollBarsRenewTheirCursorLimitsAndHideWithIt)
+{
+    PVHSCROLLBAR* across = new PVHSCROLLBAR();
+    PVVSCROLLBAR* down = new PVVSCROLLBAR();
+    across->setSizeX(100);
+    down->setSizeY(50);
+    across->link(down);
+    drawFrame2D(down);
+    auto limits = [](PVSCROLLBAR* bar) {
+        PVBUTTON* c = bar->getCursor();
+        return std::vector<int> {c->getStartX(), c->getStartY(), c->getEndX(), c->getEndY()};
+    };
+    EXPECT_EQ((std::vector<int> {-8, -2, 108, 6}), limits(across));
+    EXPECT_EQ((std::vector<int> {-2, -8, 6, 58}), limits(down));
+    down->setDisplayStatus(false);
+    EXPECT_FALSE(down->getCursor()->getDisplayStatus());
+    EXPECT_FALSE(down->getDisplayStatus());
+}
+
+TEST_F(Widgets, WindowTextStopsShortOfItsBuffer)
+{
+    PVWINDOW window;
+    const std::string most(3967, 'w');
+    EXPECT_TRUE(window.write("%s", most.c_str()));
+    EXPECT_FALSE(window.write("x"));
+    EXPECT_EQ("   [!] Text overflow @ PVWINDOW::write\n", logged());
+    EXPECT_EQ(most, window.getText());
+    EXPECT_FALSE(window.write(nullptr));
+    EXPECT_EQ("   [!] Invalid params @ PVWINDOW::write\n", logged());
+    window.clear();
+    EXPECT_TRUE(window.write("%d%%", 50));
+    EXPECT_STREQ("50%", window.getText());
+    EXPECT_FALSE(window.format());  // no font
+    window.setFont(font);
+    window.setSizes(100, 60);
+    window.write(" ab cd");
+    EXPECT_TRUE(window.format());
+    EXPECT_STREQ("50%\nab cd", window.getFormattedText());
+}
+
+TEST_F(Widgets, MinimisingMarksTheTitle)
+{
+    PVWINDOW window;
+    struct Case {
+        const char* caption;
+        const char* minimised;
+        const char* restored;
+    };
+    const Case cases[] = {{"Tools", "[+] Tools", "Tools"}, {"", "[+] ", ""}};
+    for (const Case& c : cases) {
+        window.setCaption(c.caption);
+        EXPECT_FALSE(window.minmaximize());
+        EXPECT_TRUE(window.isMinimized());
+        EXPECT_STREQ(c.minimised, window.getTitleBar()->getCaption());
+        EXPECT_TRUE(window.minmaximize());
+        EXPECT_STREQ(c.restored, window.getTitleBar()->getCaption());
+    }
+    // Restoring drops four characters only from captions that have them.
+    window.minmaximize();
+    window.setCaption("abc");
+    window.minmaximize();
+    EXPECT_STREQ("abc", window.getTitleBar()->getCaption());
+}
+
+TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
+{
+    PVWINDOW* window = new PVWINDOW();  // 128 x 128
+    PVBUTTON* button = new PVBUTTON();
+    button->setPosition(10, 40);  // 64 high: reaches 104
+    button->link(window);
+    EXPECT_TRUE(window->updateScroll());
+    EXPECT_FALSE(window->getScrollBar()->getDisplayStatus());
+    EXPECT_EQ(104, window->getContentHeight());
+
+    button->setPosition(10, 300);  // content 364: cursor 128 / 364 * 96 = 33 pixels
+    window->setScrollLine(5);
+    window->updateScroll();
+    EXPECT_TRUE(window->getScrollBar()->getDisplayStatus());
+    EXPECT_EQ(33, window->getScrollBar()->getCursor()->getSizeY());
+    EXPECT_EQ(295.0f, button->getPosition().y);  // moved by offset - line
+
+    PVWINDOW* tall = new PVWINDOW();
+    PVBOX* huge = new PVBOX();
+    huge->setSizeY(10000);
+    huge->link(tall);
+    tall->updateScroll();
+    EXPECT_EQ(8, tall->getScrollBar()->getCursor()->getSizeY());  // never below 8
+
+    tall->getScrollBar()->setDisplayStatus(false);
+    huge->setSizeY(10);
+    tall->setScrollLine(7);
+    tall->updateScroll();
+    EXPECT_EQ(0, tall->getScrollLine());  // short content: no scrolling
+}
+
+TEST_F(Widgets, AScrolledWindowDrawsAndHitsItsWidgetsWhereTheyMoved)
+{
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(0, 19);
+    PVBUTTON* button = new PVBUTTON();
+    button->setPosition(10, 300);
+    button->setSizes(20, 20);
+    button->link(window);
+    drawFrame2D(window);  // measures the content: 320
+    window->getScrollBar()->setValue(1.0f);
+    drawFrame2D(window);  // scrolls by 320 - 128 = 192
+    EXPECT_EQ(108.0f, button->getPosition().y);
+    EXPECT_TRUE(button->checkBoundaries(15, 19 + 110));
+    EXPECT_FALSE(button->checkBoundaries(15, 19 + 305));
+}
+
+TEST_F(Widgets, WindowTextIsClippedToTheWindow)
+{
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(20, 30);
+    window->setSizes(64, 40);
+    window->setColor(0, 0, 0, 1);
+    window->setThickness(0);
+    window->setFont(font);
+    window->getScrollBar()->setDisplayStatus(false);
+    window->write("abcd abcd abcd abcd");
+    window->format();  // four lines of 64 pixels: 64 high, taller than the window
+    drawFrame2D(window);
+    expectColour({1, 1, 1}, screen(20, 30), "first glyph");
+    expectColour({1, 1, 1}, screen(83, 69), "last pixel of the window");
+    expectColour({0, 0, 0}, screen(83, 70), "below the window");
+    expectColour({0, 0, 0}, screen(84, 50), "right of the window");
+}
+
+// Windows clip with GL's origin at the bottom left; landscape exchanges axes.
+TEST_F(Widgets, TheScissorFollowsTheWindowOnScreen)
+{
+    PVBOX parent;
+    parent.setPosition(5, 6);
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 20);
+    window->setSizes(50, 40);
+    window->link(&parent);
+    const Calls calls = record([&] {
+        window->enableScissor();
+        window->disableScissor();
+    });
+    EXPECT_EQ(
+        (Calls {"glPushMatrix()", "glLoadIdentity()", "glEnable(GL_SCISSOR_TEST)", "glScissor(15,54,50,40)",
+                "glPopMatrix()", "glScissor(0,0,160,120)", "glDisable(GL_SCISSOR_TEST)"}),
+        calls);
+    window->unlink();
+}
+
+class LandscapeWidgets : public RecordingTest {
+protected:
+    void SetUp() override
+    {
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        settings.setLandscape(true);
+        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    }
+    void TearDown() override { PEVRANO::free(); }
+};
+
+TEST_F(LandscapeWidgets, TheScissorExchangesItsAxes)
+{
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 20);
+    window->setSizes(50, 40);
+    const Calls calls = record([&] {
+        window->enableScissor();
+        window->disableScissor();
+    });
+    EXPECT_EQ(
+        (Calls {"glPushMatrix()", "glLoadIdentity()", "glEnable(GL_SCISSOR_TEST)", "glScissor(20,10,40,50)",
+                "glPopMatrix()", "glScissor(0,0,120,160)", "glDisable(GL_SCISSOR_TEST)"}),
+        calls);
+}
+
+}  // namespace
