@@ -47,6 +47,12 @@ public:
     // Folder prefix of scene files; callers keep paths below 256 characters.
     static void setPVEPath(const char* path);
     static char* getPVEPath() { return pvePath; }
+    // Interface description files: a new node holding the widget tree of the
+    // XML file (the name is used as given), or null.
+    static PVNODE* loadXML(const char* file);
+    // Builds the widget, font or properties of one XML node under parent;
+    // always returns null.
+    static PVNODE* recursiveLoadXML(PVNODE* parent, void* xmlNode);
     static void setSkybox(PVNODE* node) { skybox = node; }
     static PVNODE* getSkybox() { return skybox; }
 
