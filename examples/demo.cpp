@@ -1,11 +1,13 @@
 // Opens the display (the default configuration, or a PEVRANO_* configuration
 // file given as the first argument), draws a few frames of a small lit scene
 // seen through a camera that swings around it, and saves the last frame as
-// screenshot.png in the working directory. Without an X display the engine
-// draws off-screen, so the demo runs the same on a headless machine.
+// screenshot.png in the working directory, with a window of interface widgets
+// on top. Without an X display the engine draws off-screen, so the demo runs
+// the same on a headless machine; under X the interface then stays live.
 #include <pevrano.h>
 
 #include <GLES/gl.h>
+#include <SDL/SDL.h>
 #include <png.h>
 
 #include <climits>
@@ -127,12 +129,132 @@ void drawScene(int frame, PVCAMERA* camera, PVNODE* scene)
     PEVRANO::end3D(false);
 }
 
+// ---------------------------------------------------------------------------
+// The 2D interface: a window with text, two buttons, a text field and a
+// slider, drawn over the scene. Under an X display the demo keeps running
+// after its scripted frames and feeds SDL's mouse and key events to the
+// engine's interface until the window is closed, Escape is pressed or the
+// Quit button is clicked.
+struct DemoInterface {
+    PVWINDOW* window = nullptr;
+    PVBUTTON* hello = nullptr;
+    PVBUTTON* quit = nullptr;
+    PVTEXTFIELD* name = nullptr;
+    PVHSCROLLBAR* slider = nullptr;
+    PVLABEL* value = nullptr;
+    PVFONT* font = nullptr;
+
+    // The font made at build time from DejaVu Sans by pevrano-font.
+    bool loadFont()
+    {
+        PVTEXTURE* sheet = new PVTEXTURE();
+        if (!sheet->load(PEVRANO_DEMO_FONT_DIR "/dejavu.tga")) {
+            delete sheet;
+            return false;
+        }
+        font = new PVFONT();
+        font->setTexture(sheet);
+        PVFONT::setPath(PEVRANO_DEMO_FONT_DIR "/");
+        font->loadKerning("dejavu.txt");
+        return true;
+    }
+
+    template <class Widget> Widget* add(Widget* widget, float x, float y, int width, int height)
+    {
+        widget->setPosition(x, y);
+        widget->setSizes(width, height);
+        widget->link(window);
+        return widget;
+    }
+
+    void build()
+    {
+        const bool hasFont = loadFont();
+        window = new PVWINDOW();
+        window->setPosition(8.0f, 28.0f);
+        window->setSizes(200, 150);
+        window->setCaption("Pevrano interface");
+        if (hasFont)
+            window->setFont(font);
+        window->write("Drag the title bar, ^c8808click^c8888 the buttons, type a name and slide the bar.");
+        window->format();
+
+        hello = add(new PVBUTTON(), 8.0f, 58.0f, 80, 18);
+        hello->setCaption("Hello");
+        quit = add(new PVBUTTON(), 100.0f, 58.0f, 80, 18);
+        quit->setCaption("Quit");
+        name = add(new PVTEXTFIELD(), 8.0f, 84.0f, 170, 18);
+        name->setColor(0.15f, 0.15f, 0.2f, 0.9f);
+        name->clear();
+        slider = add(new PVHSCROLLBAR(), 16.0f, 116.0f, 120, 4);
+        slider->setValue(0.25f);
+        value = add(new PVLABEL(), 146.0f, 110.0f, 40, 16);
+        for (PVBUTTON* button : {hello, quit, static_cast<PVBUTTON*>(name)})
+            button->setFont(hasFont ? font : nullptr);
+        if (hasFont)
+            value->setFont(font);
+        window->setForemost(0);
+    }
+
+    void draw()
+    {
+        if (value->getFont())
+            value->write("%d%%%%", int(slider->getValue() * 100.0f + 0.5f));  // drawn text is a format too
+        PEVRANO::begin2D();
+        window->pass(false);
+        PEVRANO::end2D();
+    }
+
+    // Handles the events waiting in SDL's queue; false once the user quits.
+    bool handleEvents()
+    {
+        SDL_Event event;
+        while (SDL_PollEvent(&event)) {
+            char key = 0;
+            switch (event.type) {
+            case SDL_QUIT:
+                return false;
+            case SDL_MOUSEMOTION:
+                pointerX = event.motion.x;
+                pointerY = event.motion.y;
+                break;
+            case SDL_MOUSEBUTTONDOWN:
+            case SDL_MOUSEBUTTONUP:
+                pointerX = event.button.x;
+                pointerY = event.button.y;
+                pointerDown = event.type == SDL_MOUSEBUTTONDOWN;
+                break;
+            case SDL_KEYDOWN:
+                if (event.key.keysym.sym == SDLK_ESCAPE)
+                    return false;
+                key = event.key.keysym.sym == SDLK_BACKSPACE ? 8 : char(event.key.keysym.unicode & 0x7F);
+                break;
+            default:
+                continue;
+            }
+            unsigned int clicked = 0;
+            PVELEMENT::manageGUIEvents(key, pointerX, pointerY, pointerDown ? 1 : 0, 0, &clicked);
+            if (clicked == quit->getId())
+                return false;
+            if (clicked == hello->getId()) {
+                window->write("\nHello, %s!", name->getCaption()[0] ? name->getCaption() : "stranger");
+                window->format();
+            }
+        }
+        // Every call keeps the focused text field's caret blinking.
+        PVELEMENT::manageGUIEvents(0, pointerX, pointerY, pointerDown ? 1 : 0, 0, nullptr);
+        return true;
+    }
+
+    int pointerX = 0;
+    int pointerY = 0;
+    bool pointerDown = false;
+};
+
+DemoInterface interface;
+
 // The 2D interface on top of the scene.
-void drawInterface()
-{
-    PEVRANO::begin2D();
-    PEVRANO::end2D();
-}
+void drawInterface() { interface.draw(); }
 
 // One frame, without the swap: the background fades from dark to light blue.
 void drawFrame(int frame, PVCAMERA* camera, PVNODE* scene)
@@ -204,6 +326,7 @@ int main(int argc, char** argv)
     PVOPENGL::setGlobalAmbientLight(0.15f, 0.15f, 0.2f, 1.0f);
     PVNODE* scene = buildScene();
     PVCAMERA* camera = buildCamera();
+    interface.build();
 
     bool saved = false;
     const std::string screenshot = workingDirectory() + "/screenshot.png";
@@ -213,6 +336,16 @@ int main(int argc, char** argv)
         if (frame == frameCount - 1)
             saved = saveScreenshot(screenshot.c_str(), PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
         PEVRANO::swap();
+    }
+    // In an X window the interface stays live until the user quits.
+    if (PVSETTINGS::getSDLWindow()) {
+        SDL_EnableUNICODE(1);
+        std::printf("Interface live: Escape, Quit or closing the window ends the demo\n");
+        while (interface.handleEvents()) {
+            drawFrame(frameCount - 1, camera, scene);
+            PEVRANO::swap();
+            SDL_Delay(15);
+        }
     }
     PEVRANO::free();
 

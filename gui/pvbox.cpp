@@ -71,6 +71,14 @@ bool PVBOX::setShader(PVSHADER* newShader)
 
 long PVBOX::getNextCounter() { return ++counter; }
 
+// The texture class skips a texture already bound to the unit without
+// turning texturing back on, and untextured widgets turn it off in between.
+void PVBOX::bindTexture(PVTEXTURE* sheet)
+{
+    sheet->render(nullptr);
+    PVTEXTURE::texturingOn(0);
+}
+
 K3MVECTOR3D PVBOX::ancestorsPosition() const
 {
     K3MVECTOR3D sum(0.0f, 0.0f, 0.0f);
@@ -189,7 +197,7 @@ bool PVBOX::render(void* element)
     else
         PVSHADER::disable();
     if (texture)
-        texture->render(nullptr);
+        bindTexture(texture);
     else
         PVTEXTURE::texturingOff(0);
     if (isTransparent())

@@ -88,6 +88,9 @@ public:
     bool setForemost(long unused);
 
     static long getNextCounter();
+    // Binds a texture to unit 0 with texturing on, whatever was drawn since
+    // it was last bound.
+    static void bindTexture(PVTEXTURE* sheet);
 
     // Draws one quad in the current model-view space, in 16.16 fixed point,
     // with one colour and the given texture coordinates.

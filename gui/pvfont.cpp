@@ -15,6 +15,7 @@
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfparser.h"
+#include "gui/pvbox.h"
 
 #define PV_FONT_CACHE_VERTICES (PV_FONT_CACHE_GLYPHS * 6)
 
@@ -244,7 +245,7 @@ bool PVFONT::putChar(int x, int y, char c, bool immediate)
         return false;
     writeGlyph(fontCachedCurrent, x, y, c);
     if (immediate) {
-        texture->render(nullptr);
+        PVBOX::bindTexture(texture);
         PVOPENGL::blendingOn();
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         pointArraysAt(fontCachedCurrent);
@@ -268,7 +269,7 @@ bool PVFONT::putString(int x, int y, const char* format, ...)
     }
     if (!texture || !fontCachedVertex)
         return false;
-    texture->render(nullptr);
+    PVBOX::bindTexture(texture);
     PVOPENGL::blendingOn();
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 

@@ -52,6 +52,33 @@ TEST_F(MadeFont, GlyphsStandUpright)
     EXPECT_GE(litRows("|").size(), 12u) << "a bar crosses the cell";
 }
 
+// Widgets drawn between two captions turn texturing off; the second caption
+// must still come out as glyphs, not as solid blocks.
+TEST_F(MadeFont, CaptionsAfterUntexturedWidgetsAreStillGlyphs)
+{
+    PVBOX* root = new PVBOX();
+    root->setDisplayStatus(false);
+    for (int i = 0; i < 2; i++) {
+        PVBUTTON* button = new PVBUTTON();
+        button->setColor(0, 0, 0, 1);
+        button->setThickness(0);
+        button->setPosition(10.0f + 40.0f * float(i), 20.0f);
+        button->setSizes(30, 18);
+        button->setFont(font);
+        button->setCaption(".");
+        button->link(root);
+    }
+    drawFrame2D(root);
+    for (int left : {10, 50}) {
+        int litAbove = 0, litBelow = 0;
+        for (int y = 1; y < 17; y++)
+            for (int x = 1; x < 17; x++)
+                (screen(left + x, 20 + y).g > 0.5 ? (y < 9 ? litAbove : litBelow) : x) += 1;
+        EXPECT_EQ(0, litAbove) << "button at " << left;
+        EXPECT_GT(litBelow, 0) << "button at " << left;
+    }
+}
+
 TEST_F(MadeFont, TextAdvancesAsTheTypefaceDoes)
 {
     // DejaVu Sans at 13 pixels: i 4, o 8, W 13 pixels wide.
