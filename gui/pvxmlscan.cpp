@@ -8,6 +8,9 @@ namespace {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
+// c is one of the characters of set (never the NUL that ends the text).
+bool isOneOf(char c, const char* set) { return c != '\0' && strchr(set, c) != nullptr; }
+
 const char* skipSpaces(const char* p)
 {
     while (isSpace(*p))
@@ -41,7 +44,7 @@ const char* skipDeclaration(const char* p)
             return q + 2;
         if (q == p || !(isalpha(static_cast<unsigned char>(*q)) || *q == '_' || *q == ':'))
             return nullptr;
-        while (isalnum(static_cast<unsigned char>(*q)) || strchr("_:.-", *q))
+        while (isalnum(static_cast<unsigned char>(*q)) || isOneOf(*q, "_:.-"))
             ++q;
         q = skipSpaces(q);
         if (*q++ != '=')
@@ -50,7 +53,7 @@ const char* skipDeclaration(const char* p)
         const char quote = *q++;
         if (quote != '"' && quote != '\'')
             return nullptr;
-        while (*q && *q != quote && !isSpace(*q) && !strchr("\"'<>", *q))
+        while (*q && !isSpace(*q) && !isOneOf(*q, "\"'<>"))
             ++q;
         if (*q++ != quote)
             return nullptr;
