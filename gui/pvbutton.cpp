@@ -25,7 +25,7 @@ void PVBUTTON::setCaption(const char* text)
 void PVBUTTON::putCaption(const char* text)
 {
     const int offset = clickedStatus ? 2 : 1;
-    font->putString(offset, offset, text);
+    font->putText(offset, offset, text);
 }
 
 bool PVBUTTON::render(void* element)

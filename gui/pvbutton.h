@@ -33,7 +33,8 @@ public:
     PV_BUTTON_EVENT getEventType() const { return eventType; }
 
 protected:
-    // Draws text at (1, 1), one pixel further while pressed.
+    // Draws text at (1, 1), one pixel further while pressed; the text is
+    // read as a format without arguments ("%%" draws '%').
     void putCaption(const char* text);
 
     PVFONT* font;

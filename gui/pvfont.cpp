@@ -269,15 +269,48 @@ bool PVFONT::putString(int x, int y, const char* format, ...)
     }
     if (!texture || !fontCachedVertex)
         return false;
-    PVBOX::bindTexture(texture);
-    PVOPENGL::blendingOn();
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-
     static char text[PV_FONT_STRING_SIZE];
     va_list arguments;
     va_start(arguments, format);
     vsnprintf(text, sizeof(text), format, arguments);
     va_end(arguments);
+    return drawFormatted(x, y, text);
+}
+
+bool PVFONT::putText(int x, int y, const char* text)
+{
+    if (!text) {
+        kvfLog("   [!] Invalid params @ PVFONT::putText\n");
+        return false;
+    }
+    if (!texture || !fontCachedVertex)
+        return false;
+    static char formatted[PV_FONT_STRING_SIZE];
+    size_t written = 0;
+    for (const char* c = text; *c && written < sizeof(formatted) - 1; c++) {
+        if (*c != '%') {
+            formatted[written++] = *c;
+        } else if (c[1] == '%') {
+            formatted[written++] = '%';
+            c++;
+        } else {
+            // Flags, width, precision and length, then the conversion letter.
+            c++;
+            while (*c && strchr("-+ #0123456789.*hlLqjzt", *c))
+                c++;
+            if (!*c)
+                break;
+        }
+    }
+    formatted[written] = '\0';
+    return drawFormatted(x, y, formatted);
+}
+
+bool PVFONT::drawFormatted(int x, int y, const char* text)
+{
+    PVBOX::bindTexture(texture);
+    PVOPENGL::blendingOn();
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     memset(currentColor, 255, sizeof(currentColor));
     overflow = false;
     unsigned int start = fontCachedCurrent;

@@ -50,6 +50,9 @@ public:
     bool putChar(int x, int y, char c, bool immediate);
     // printf-style text with colour and offset escapes, one draw call.
     bool putString(int x, int y, const char* format, ...);
+    // Widget text, read as a format without arguments: "%%" draws '%' and
+    // any other conversion draws nothing (it has no argument to read).
+    bool putText(int x, int y, const char* text);
     // Copies in to out breaking lines at spaces so that none is wider than
     // width; returns the height the breaks add. out must hold twice the
     // length of in plus one. The last argument is not used.
@@ -71,6 +74,8 @@ public:
 private:
     int advance(char c) const;
     static void flushCache(unsigned int first, unsigned int count);
+    // Draws text already formatted (escapes still in it).
+    bool drawFormatted(int x, int y, const char* text);
     static void pointArraysAt(unsigned int slot);
     void writeGlyph(unsigned int slot, int x, int y, char c) const;
 

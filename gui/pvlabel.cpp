@@ -44,7 +44,7 @@ bool PVLABEL::render(void* element)
     PV_glLoadMatrixf(static_cast<PVELEMENT*>(element)->getMatrix()->m);
     applyScissor();
     if (font)
-        font->putString(0, 0, text);
+        font->putText(0, 0, text);
     if (scissorStatus)
         PVOPENGL::scissorOff();
     return true;

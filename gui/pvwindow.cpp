@@ -196,13 +196,13 @@ bool PVWINDOW::render(void* element)
     PVBUTTON::render(element);
     if (scissorStatus)
         PVOPENGL::scissorOn();
-    // The formatted text is the format string itself: a '%' in the window's
-    // text is read by the formatter, kept as it is.
+    // The formatted text is read as a format: "%%" in the window's text
+    // draws one '%'.
     if (font) {
         if (clickedStatus)
-            font->putString(1, 1 - scrollOffset, formattedText);
+            font->putText(1, 1 - scrollOffset, formattedText);
         else
-            font->putString(0, -scrollOffset, formattedText);
+            font->putText(0, -scrollOffset, formattedText);
     }
     scrollOffset = scrollLine;
     if (scissorStatus)

@@ -18,6 +18,17 @@
 
 namespace pvtest {
 
+// The pixel tests' window, turned a quarter (landscape).
+inline bool startEngineInLandscape()
+{
+    PVSETTINGS settings;
+    settings.setWindowX(windowWidth);
+    settings.setWindowY(windowHeight);
+    settings.setFullScreen(false);
+    settings.setLandscape(true);
+    return PEVRANO::init(&settings);
+}
+
 class GuiTest : public RecordingTest {
 protected:
     void SetUp() override

@@ -69,6 +69,7 @@ TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
             EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down)) << c.event << " step " << i;
             EXPECT_EQ(s.clicked, pressed->isClicked()) << c.event << " step " << i;
         }
+        pressed->unlink();  // a deleted node stays listed by its parent
         delete pressed;
     }
 }
@@ -171,6 +172,7 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     EXPECT_STREQ("hi!", first->getCaption());
     EXPECT_STREQ("b", second->getCaption());
     EXPECT_TRUE(second->isEditing());  // every call keeps the caret alive
+    other->unlink();
     delete other;
 }
 
@@ -178,12 +180,7 @@ class LandscapeInput : public Input {
 protected:
     void SetUp() override
     {
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
-        settings.setLandscape(true);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+        ASSERT_TRUE(startEngineInLandscape()) << log.text();
         PVINPUT::reset();
         root = new PVBOX();
         root->setSizes(0, 0);

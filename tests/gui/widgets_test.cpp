@@ -53,6 +53,32 @@ TEST_F(Widgets, ACaptionThatDoesNotFitIsReplacedByAMark)
     }
 }
 
+// Captions are formats without arguments: a conversion has nothing to read
+// and draws nothing, whatever a user typed into a text field.
+TEST_F(Widgets, CaptionsAreFormatsWithoutArguments)
+{
+    struct Case {
+        const char* caption;
+        Calls draws;
+    };
+    const Case cases[] = {
+        {"50%%", {glyphDraw(3)}}, {"%s%s%s%n%n", {}},      {"a%-08.3lld b", {glyphDraw(3)}},
+        {"x%", {glyphDraw(1)}},   {"%%%", {glyphDraw(1)}}, {"%*.*s", {}},
+    };
+    for (const Case& c : cases) {
+        PVBUTTON* button = new PVBUTTON();
+        button->setFont(font);
+        button->setSizeX(200);
+        button->setCaption(c.caption);
+        Calls glyphs;
+        for (const std::string& draw : textDraws(button))
+            if (draw.find("GL_TRIANGLES") != std::string::npos)
+                glyphs.push_back(draw);
+        EXPECT_EQ(c.draws, glyphs) << c.caption;
+        delete button;
+    }
+}
+
 TEST_F(Widgets, APressedCaptionMovesByOnePixel)
 {
     PVBUTTON* button = new PVBUTTON();
@@ -329,15 +355,7 @@ TEST_F(Widgets, TheScissorFollowsTheWindowOnScreen)
 
 class LandscapeWidgets : public RecordingTest {
 protected:
-    void SetUp() override
-    {
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
-        settings.setLandscape(true);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
-    }
+    void SetUp() override { ASSERT_TRUE(startEngineInLandscape()) << log.text(); }
     void TearDown() override { PEVRANO::free(); }
 };
 
