@@ -186,11 +186,9 @@ PVNODE* PEVRANO::load(const char* fileName)
         kvfLog("   [!] Invalid params or file not found @ PEVRANO::load\n");
         return nullptr;
     }
-    if (path.find(".xml") != std::string::npos || path.find(".XML") != std::string::npos) {
-        // Interface descriptions go to the interface loader (loadXML), which
-        // does not exist yet.
-        return nullptr;
-    }
+    // Interface descriptions go to the interface loader, with the full path.
+    if (path.find(".xml") != std::string::npos || path.find(".XML") != std::string::npos)
+        return loadXML(path.c_str());
     kvfLog("\n   Loading PVE file '%s'...\n", fileName);
     size_t size = 0;
     char* buffer = readWholeFile(path.c_str(), fileName, size);

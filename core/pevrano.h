@@ -60,6 +60,12 @@ public:
     // Binds the bones of every skinned mesh under node to nodes under root.
     static bool recursiveInitBones(PVNODE* root, PVNODE* node);
 
+    // Interface description files: a new node holding the widget tree of the
+    // XML file (the name is used as given), or null.
+    static PVNODE* loadXML(const char* file);
+    // Builds the widget, font or properties of one XML node under parent;
+    // always returns null.
+    static PVNODE* recursiveLoadXML(PVNODE* parent, void* xmlNode);
     static void setSkybox(PVNODE* node) { skybox = node; }
     static PVNODE* getSkybox() { return skybox; }
 

@@ -182,58 +182,35 @@ struct DemoInterface {
     PVTEXTFIELD* name = nullptr;
     PVHSCROLLBAR* slider = nullptr;
     PVLABEL* value = nullptr;
-    PVFONT* font = nullptr;
 
-    // The font made at build time from DejaVu Sans by pevrano-font.
-    bool loadFont()
+    template <class Widget> Widget* find(PVNODE* root, const char* name)
     {
-        PVTEXTURE* sheet = new PVTEXTURE();
-        if (!sheet->load(PEVRANO_DEMO_FONT_DIR "/dejavu.tga")) {
-            delete sheet;
-            return false;
-        }
-        font = new PVFONT();
-        font->setTexture(sheet);
+        return dynamic_cast<Widget*>(root->findByNameInHierarchy(name));
+    }
+
+    // The interface file names its font sheet and kerning file relative to
+    // the font folder the build fills with pevrano-font.
+    bool build()
+    {
+        const std::string texturePath = PVTEXTURE::getPath();
+        PVTEXTURE::setPath(PEVRANO_DEMO_FONT_DIR "/");
         PVFONT::setPath(PEVRANO_DEMO_FONT_DIR "/");
-        font->loadKerning("dejavu.txt");
-        return true;
-    }
-
-    template <class Widget> Widget* add(Widget* widget, float x, float y, int width, int height)
-    {
-        widget->setPosition(x, y);
-        widget->setSizes(width, height);
-        widget->link(window);
-        return widget;
-    }
-
-    void build()
-    {
-        const bool hasFont = loadFont();
-        window = new PVWINDOW();
-        window->setPosition(8.0f, 28.0f);
-        window->setSizes(200, 150);
-        window->setCaption("Pevrano interface");
-        if (hasFont)
-            window->setFont(font);
-        window->write("Drag the title bar, ^c8808click^c8888 the buttons, type a name and slide the bar.");
-        window->format();
-
-        hello = add(new PVBUTTON(), 8.0f, 58.0f, 80, 18);
-        hello->setCaption("Hello");
-        quit = add(new PVBUTTON(), 100.0f, 58.0f, 80, 18);
-        quit->setCaption("Quit");
-        name = add(new PVTEXTFIELD(), 8.0f, 84.0f, 170, 18);
-        name->setColor(0.15f, 0.15f, 0.2f, 0.9f);
+        PVNODE* root = PEVRANO::loadXML(PEVRANO_DEMO_DATA "/interface.xml");
+        PVTEXTURE::setPath(texturePath.c_str());
+        if (!root)
+            return false;
+        window = find<PVWINDOW>(root, "window");
+        hello = find<PVBUTTON>(root, "hello");
+        quit = find<PVBUTTON>(root, "quit");
+        name = find<PVTEXTFIELD>(root, "name");
+        slider = find<PVHSCROLLBAR>(root, "slider");
+        value = find<PVLABEL>(root, "value");
+        if (!window || !hello || !quit || !name || !slider || !value)
+            return false;
         name->clear();
-        slider = add(new PVHSCROLLBAR(), 16.0f, 116.0f, 120, 4);
         slider->setValue(0.25f);
-        value = add(new PVLABEL(), 146.0f, 110.0f, 40, 16);
-        for (PVBUTTON* button : {hello, quit, static_cast<PVBUTTON*>(name)})
-            button->setFont(hasFont ? font : nullptr);
-        if (hasFont)
-            value->setFont(font);
         window->setForemost(0);
+        return true;
     }
 
     void draw()
@@ -367,7 +344,11 @@ int main(int argc, char** argv)
     PVNODE* scene = buildScene();
     addEffects(scene);
     PVCAMERA* camera = buildCamera();
-    interface.build();
+    if (!interface.build()) {
+        std::fprintf(stderr, "the interface file did not load; see %s\n", log.c_str());
+        PEVRANO::free();
+        return EXIT_FAILURE;
+    }
     PVANIM* run = loadCharacter(scene);
     std::printf("%s\n", run ? "animated character shown" : "no converted character in the working directory");
 

@@ -1,0 +1,213 @@
+// Interfaces from XML files: the widget tree built, the log of the load line
+// by line, refused files, and the properties that fall through to the
+// enclosing node.
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "assets/tgafile.h"
+#include "gui/guifixture.h"
+#include "support/scratch.h"
+
+using namespace pvtest;
+
+namespace {
+
+class XmlLoader : public GuiTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        PVTEXTURE::setPath("");
+        PVFONT::setPath("");
+        // A 2 x 2 pure red texture.
+        writeFile("red.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, repeated({0, 0, 255}, 4)));
+    }
+    PVNODE* load(const std::string& xml)
+    {
+        writeFile("menu.xml", xml);
+        return PEVRANO::loadXML("menu.xml");
+    }
+    template <typename Widget> static Widget* child(PVNODE* parent, unsigned int index)
+    {
+        Widget* widget = dynamic_cast<Widget*>(parent->getChild(index));
+        EXPECT_NE(nullptr, widget) << "child " << index << " of " << parent->getName();
+        return widget;
+    }
+};
+
+const std::string fontSheet = PEVRANO_FONT_DIR "/dejavu.tga";
+
+TEST_F(XmlLoader, BuildsTheWholeTreeAndLogsEachWidget)
+{
+    PVNODE* root =
+        load("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+             "<root>\n"
+             " <!-- main menu -->\n"
+             " <font><name value=\"sans\"/><texture value=\"" +
+             fontSheet +
+             "\"/></font>\n"
+             " <window>\n"
+             "  <name value=\"main\"/><title value=\"Menu\"/>\n"
+             "  <position x=\"20\" y=\"30\"/><size width=\"200\" height=\"150\"/>\n"
+             "  <usefont ref=\"sans\"/><write value=\"Hello %s\"/>\n"
+             "  <button><name value=\"ok\"/><title value=\"OK\"/><position x=\"5\" y=\"6\"/>\n"
+             "   <size width=\"40\" height=\"16\"/><usefont ref=\"sans\"/><kind value=\"switch\"/></button>\n"
+             " </window>\n"
+             " <label><usefont ref=\"sans\"/><write value=\"score\"/></label>\n"
+             " <text><title value=\"type here\"/></text>\n"
+             " <box><name value=\"red\"/><texture value=\"red.tga\"/>"
+             "<color r=\"0.5\" g=\"0.25\" b=\"1\" a=\"0.75\"/></box>\n"
+             " <box><texture value=\"red.tga\"/></box>\n"
+             " <vslider/><hslider/>\n"
+             "</root>\n");
+    ASSERT_NE(nullptr, root) << logged();
+    EXPECT_EQ("\n   Loading XML file 'menu.xml'...\n"
+              "   [XML]  main menu \n"
+              "   + create a font\n"
+              "   + create a window\n"
+              "   + create a button\n"
+              "   + create a label\n"
+              "   PVLABEL() called\n"
+              "   + create a textfield\n"
+              "   + create a box\n"
+              "   + create a box\n"
+              "   + create a vertical slider\n"
+              "   + create a horizontal slider\n",
+              logged());
+
+    EXPECT_STREQ("menu.xml", root->getName());
+    PVFONT* sans = PVFONT::findByName("sans");
+    ASSERT_NE(nullptr, sans);
+    EXPECT_STREQ(fontSheet.c_str(), sans->getTexture()->getFilename());
+    EXPECT_FALSE(sans->getTexture()->isMipmapped());
+
+    PVWINDOW* window = child<PVWINDOW>(root, 0);
+    EXPECT_STREQ("main", window->getName());
+    EXPECT_STREQ("Menu", window->getTitleBar()->getCaption());
+    EXPECT_EQ(K3MVECTOR2D(200, 150), window->getSizes());
+    EXPECT_EQ(20, window->getPosition().x);
+    EXPECT_EQ(30, window->getPosition().y);
+    EXPECT_EQ(sans, window->getFont());
+    EXPECT_STREQ("Hello %s", window->getText());
+
+    // Children 0 and 1 are the title bar and the scroll bar.
+    PVBUTTON* ok = child<PVBUTTON>(window, 2);
+    EXPECT_STREQ("ok", ok->getName());
+    EXPECT_STREQ("OK", ok->getCaption());
+    EXPECT_EQ(K3MVECTOR2D(40, 16), ok->getSizes());
+    EXPECT_EQ(sans, ok->getFont());
+    EXPECT_EQ(PV_BUTTON_TOGGLE, ok->getEventType());
+
+    PVLABEL* label = child<PVLABEL>(root, 1);
+    EXPECT_EQ(sans, label->getFont());
+    EXPECT_STREQ("score", label->getText());
+    EXPECT_STREQ("type here", child<PVTEXTFIELD>(root, 2)->getCaption());
+
+    PVBOX* red = child<PVBOX>(root, 3);
+    PVBOX* plain = child<PVBOX>(root, 4);
+    EXPECT_EQ(red->getTexture(), plain->getTexture()) << "one texture per file";
+    EXPECT_EQ(2, red->getTexture()->getReferences());
+    EXPECT_EQ(K3MVECTOR4D(0.5f, 0.25f, 1.0f, 0.75f), red->getColor());
+    child<PVVSCROLLBAR>(root, 5);
+    child<PVHSCROLLBAR>(root, 6);
+}
+
+TEST_F(XmlLoader, ABoxShowsItsTexture)
+{
+    PVNODE* root = load("<root><box><position x=\"10\" y=\"10\"/><size width=\"40\" height=\"40\"/>"
+                        "<color r=\"1\" g=\"1\" b=\"1\" a=\"1\"/><texture value=\"red.tga\"/></box></root>");
+    ASSERT_NE(nullptr, root) << logged();
+    drawFrame2D(root);
+    expectColour({1, 0, 0}, screen(30, 30), "middle of the box");
+    expectColour({0, 0, 0}, screen(70, 70), "outside the box");
+}
+
+TEST_F(XmlLoader, RefusedFilesLogWhyAndGiveNull)
+{
+    struct Case {
+        const char* what;
+        std::string contents;  // empty: no file at all
+        std::string log;
+    };
+    const std::string unable = "   [!] Unable to open file menu.xml @ PEVRANO::loadXML\n";
+    const std::string noRoot = "\n   Loading XML file 'menu.xml'...\n"
+                               "   [!] Root not found in file menu.xml @ PEVRANO::loadXML\n";
+    const Case cases[] = {
+        {"no file", "", unable},
+        {"not well formed", "<root><window></root>", unable},
+        {"declaration hiding markup", "<?xml version=\"1<\"?><root/>", unable},
+        {"other document element", "<menu><window/></menu>", noRoot},
+        {"root in another case", "<Root/>", noRoot},
+    };
+    for (const Case& c : cases) {
+        std::remove("menu.xml");
+        if (!c.contents.empty())
+            writeFile("menu.xml", c.contents);
+        EXPECT_EQ(nullptr, PEVRANO::loadXML("menu.xml")) << c.what;
+        EXPECT_EQ(c.log, logged()) << c.what;
+    }
+}
+
+TEST_F(XmlLoader, PropertiesFallThroughOrAreIgnoredByType)
+{
+    PVNODE* root = load(
+        "<root>\n"
+        " <window><usefont ref=\"late\"/><kind value=\"switch\"/><kerning value=\"k.txt\"/>\n"
+        "  <font><name value=\"late\"/><title value=\"from the font\"/><position x=\"7\" y=\"8\"/></font>\n"
+        "  <group><name value=\"renamed\"/></group>\n"
+        "  <position x=\"1\"/><size height=\"3\"/><color r=\"1\" g=\"1\" b=\"1\"/>\n"
+        " </window>\n"
+        " <label><title value=\"no caption\"/><usefont ref=\"late\"/></label>\n"
+        " <box><write value=\"no text\"/><kind value=\"normal\"/></box>\n"
+        "</root>\n");
+    ASSERT_NE(nullptr, root) << logged();
+    PVWINDOW* window = child<PVWINDOW>(root, 0);
+    const PVWINDOW fresh;
+    EXPECT_EQ(nullptr, window->getFont()) << "used before it was defined";
+    EXPECT_EQ(fresh.getEventType(), window->getEventType());
+    EXPECT_STREQ("from the font", window->getTitleBar()->getCaption());
+    EXPECT_EQ(7, window->getPosition().x);
+    EXPECT_EQ(8, window->getPosition().y);
+    EXPECT_STREQ("renamed", window->getName());
+    EXPECT_EQ(fresh.getSizes(), window->getSizes());
+    EXPECT_EQ(fresh.getColor(), window->getColor());
+    EXPECT_EQ(nullptr, window->getChild(2)) << "nothing created besides the title bar and scroll bar";
+
+    PVLABEL* label = child<PVLABEL>(root, 1);
+    EXPECT_EQ(PVFONT::findByName("late"), label->getFont());
+    PVBOX* box = child<PVBOX>(root, 2);
+    EXPECT_EQ(nullptr, box->getChild(0));
+}
+
+// Hostile files: each one is either refused or loads, never crashes or hangs.
+TEST_F(XmlLoader, HostileFilesAreRefusedOrLoaded)
+{
+    struct Case {
+        const char* file;
+        bool loads;
+    };
+    const Case cases[] = {
+        {"deep-nesting.xml", false},    {"deep-nesting-in-comments.xml", false},
+        {"huge-attribute.xml", true},   {"broken-utf8.xml", false},
+        {"nul-after-space.xml", false}, {"format-directives.xml", true},
+        {"unclosed-quote.xml", false},
+    };
+    for (const Case& c : cases) {
+        const std::string path = std::string(PEVRANO_TEST_DATA "/crashes/interface/") + c.file;
+        EXPECT_EQ(c.loads, PEVRANO::loadXML(path.c_str()) != nullptr) << c.file << "\n" << logged();
+    }
+}
+
+}  // namespace
+
+// The scene loader hands interface files on, with its path prefix.
+TEST_F(XmlLoader, SceneLoaderHandsXmlNamesOn)
+{
+    writeFile("menu.xml", "<root><box/></root>");
+    PEVRANO::setPVEPath("./");
+    PVNODE* root = PEVRANO::load("menu.xml");
+    ASSERT_NE(nullptr, root) << logged();
+    EXPECT_STREQ("./menu.xml", root->getName());
+    EXPECT_EQ(PV_TYPE_BOX, root->getChild(0)->getType());
+}
