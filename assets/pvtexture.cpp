@@ -561,10 +561,6 @@ void PVTEXTURE::releaseVideoMemory()
     PEVRANO::popVideoMemory(memorySize);
     if (mipmapCharged)
         PEVRANO::popVideoMemory(memorySize);
-    // GL unbinds a deleted texture; the cache must not claim it is bound.
-    for (PVTEXTURE*& cached : channelCache)
-        if (cached == this)
-            cached = nullptr;
 }
 
 bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)

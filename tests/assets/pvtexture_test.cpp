@@ -174,7 +174,16 @@ TEST_F(Textures, BindCacheAndTexturingSwitches)
     EXPECT_EQ(calls, (Calls {"glEnable(GL_TEXTURE_2D)", bound(first), "glEnable(GL_TEXTURE_2D)",
                              bound(second), "glDisable(GL_TEXTURE_2D)", "glDisable(GL_TEXTURE_2D)",
                              "glEnable(GL_TEXTURE_2D)", bound(first)}));
-    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVTEXTURE::render\n");
+    // Unloading keeps the cache entry: the texture stays non-resident until
+    // the cache is emptied.
+    const std::string deleted = "glDeleteTextures(1,{" + std::to_string(first->getGLId()) + "})";
+    EXPECT_EQ(record([&] {
+                  first->unload(false);
+                  first->render(nullptr);
+              }),
+              (Calls {deleted}));
+    EXPECT_FALSE(first->isLoaded());
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVTEXTURE::render\n   a unloaded\n");
 }
 
 }  // namespace
