@@ -327,17 +327,16 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         kvfLog("   [!] Unsupported depth or sizes for %s @ PVTEXTURE::loadTGA\n", name);
         return false;
     }
-    const unsigned int newFormat = depth / 8;
+    format = depth / 8;
     if (bitmap) {
         releaseBitmap();
         usedMemory -= memorySize;
     }
-    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * newFormat));
+    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * format));
     if (!bitmap) {
         kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
         return false;
     }
-    format = newFormat;
     const bool raw = memcmp(data, TGA_RAW_HEADER, sizeof(TGA_RAW_HEADER)) == 0;
     const bool runLength = memcmp(data, TGA_RLE_HEADER, sizeof(TGA_RLE_HEADER)) == 0;
     if (raw || runLength) {
@@ -351,13 +350,13 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         kvfLog("   [!] Unsupported file header for %s @ PVTEXTURE::loadTGA\n", name);
         releaseBitmap();
     }
-    sizeX = width;
-    sizeY = height;
-    if (descriptor >= 16 && !flipRows()) {
+    if (descriptor >= 16 && !flipRows(width, height)) {
         kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
         releaseBitmap();
         return false;
     }
+    sizeX = width;
+    sizeY = height;
     memorySize = sizeX * sizeY * 4;
     usedMemory += memorySize;
     snprintf(filename, sizeof(filename), "%s", name);
@@ -377,17 +376,17 @@ bool PVTEXTURE::decodePixels(const unsigned char* data, size_t length, size_t pi
 }
 
 // Swaps rows top to bottom, so that the bitmap starts with the bottom row.
-bool PVTEXTURE::flipRows()
+bool PVTEXTURE::flipRows(unsigned int width, unsigned int height)
 {
     if (!bitmap)
         return true;
-    const unsigned int rowBytes = sizeX * format;
+    const unsigned int rowBytes = width * format;
     unsigned char* scratch = static_cast<unsigned char*>(kvfMalloc(rowBytes));
     if (!scratch)
         return false;
-    for (unsigned int i = 0; i < sizeY / 2; i++) {
+    for (unsigned int i = 0; i < height / 2; i++) {
         unsigned char* top = bitmap + i * rowBytes;
-        unsigned char* bottom = bitmap + (sizeY - 1 - i) * rowBytes;
+        unsigned char* bottom = bitmap + (height - 1 - i) * rowBytes;
         memcpy(scratch, top, rowBytes);
         memcpy(top, bottom, rowBytes);
         memcpy(bottom, scratch, rowBytes);

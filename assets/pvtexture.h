@@ -90,7 +90,7 @@ private:
     friend struct PVTESTACCESS;
 
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
-    bool flipRows();
+    bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);
     void releaseBitmap();
     void releaseVideoMemory();
