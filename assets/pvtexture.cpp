@@ -164,23 +164,29 @@ bool decodeBody(bool runLength, ByteCursor& cursor, unsigned char* bitmap, size_
 }
 
 // One box-filtered mipmap level, written in place over the previous one.
-// Source rows are taken to be two destination rows long; a side that is one
-// pixel long (and so not halved) samples its one row or column twice.
-void halveLevel(unsigned char* pixels, unsigned int bytes, unsigned int sourceX, unsigned int sourceY,
-                unsigned int width, unsigned int height)
+// Source pixel (x, y) is read at y * 2 * width + x, the rows being taken to
+// be two destination rows long even where the previous level is narrower or
+// shorter than twice this one; such reads land on older data still in the
+// bitmap. Only a picture with a side of one pixel would read past the
+// bitmap that way: there the previous level is sampled at its own row
+// length with coordinates held inside it.
+void halveLevel(unsigned char* pixels, size_t capacity, unsigned int bytes, unsigned int sourceX,
+                unsigned int sourceY, unsigned int width, unsigned int height)
 {
-    const unsigned int stride = sourceX == 1 ? 1 : 2 * width;
+    const size_t stride = 2 * size_t(width);
+    auto source = [&](unsigned int x, unsigned int y) {
+        size_t index = y * stride + x;
+        if (index >= capacity)
+            index = size_t(std::min(y, sourceY - 1)) * sourceX + std::min(x, sourceX - 1);
+        return pixels + index * bytes;
+    };
     for (unsigned int y = 0; y < height; y++) {
-        const unsigned int row0 = std::min(2 * y, sourceY - 1) * stride;
-        const unsigned int row1 = std::min(2 * y + 1, sourceY - 1) * stride;
         for (unsigned int x = 0; x < width; x++) {
-            const unsigned int column0 = std::min(2 * x, sourceX - 1);
-            const unsigned int column1 = std::min(2 * x + 1, sourceX - 1);
-            const unsigned char* a = pixels + (row0 + column0) * bytes;
-            const unsigned char* b = pixels + (row0 + column1) * bytes;
-            const unsigned char* c = pixels + (row1 + column0) * bytes;
-            const unsigned char* d = pixels + (row1 + column1) * bytes;
-            unsigned char* destination = pixels + (y * width + x) * bytes;
+            const unsigned char* a = source(2 * x, 2 * y);
+            const unsigned char* b = source(2 * x + 1, 2 * y);
+            const unsigned char* c = source(2 * x, 2 * y + 1);
+            const unsigned char* d = source(2 * x + 1, 2 * y + 1);
+            unsigned char* destination = pixels + (size_t(y) * width + x) * bytes;
             for (unsigned int channel = 0; channel < bytes; channel++)
                 destination[channel] = (a[channel] + b[channel] + c[channel] + d[channel]) >> 2;
         }
@@ -321,17 +327,16 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         kvfLog("   [!] Unsupported depth or sizes for %s @ PVTEXTURE::loadTGA\n", name);
         return false;
     }
-    const unsigned int newFormat = depth / 8;
+    format = depth / 8;
     if (bitmap) {
         releaseBitmap();
         usedMemory -= memorySize;
     }
-    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * newFormat));
+    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * format));
     if (!bitmap) {
         kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
         return false;
     }
-    format = newFormat;
     const bool raw = memcmp(data, TGA_RAW_HEADER, sizeof(TGA_RAW_HEADER)) == 0;
     const bool runLength = memcmp(data, TGA_RLE_HEADER, sizeof(TGA_RLE_HEADER)) == 0;
     if (raw || runLength) {
@@ -345,13 +350,13 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         kvfLog("   [!] Unsupported file header for %s @ PVTEXTURE::loadTGA\n", name);
         releaseBitmap();
     }
-    sizeX = width;
-    sizeY = height;
-    if (descriptor >= 16 && !flipRows()) {
+    if (descriptor >= 16 && !flipRows(width, height)) {
         kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
         releaseBitmap();
         return false;
     }
+    sizeX = width;
+    sizeY = height;
     memorySize = sizeX * sizeY * 4;
     usedMemory += memorySize;
     snprintf(filename, sizeof(filename), "%s", name);
@@ -371,17 +376,17 @@ bool PVTEXTURE::decodePixels(const unsigned char* data, size_t length, size_t pi
 }
 
 // Swaps rows top to bottom, so that the bitmap starts with the bottom row.
-bool PVTEXTURE::flipRows()
+bool PVTEXTURE::flipRows(unsigned int width, unsigned int height)
 {
     if (!bitmap)
         return true;
-    const unsigned int rowBytes = sizeX * format;
+    const unsigned int rowBytes = width * format;
     unsigned char* scratch = static_cast<unsigned char*>(kvfMalloc(rowBytes));
     if (!scratch)
         return false;
-    for (unsigned int i = 0; i < sizeY / 2; i++) {
+    for (unsigned int i = 0; i < height / 2; i++) {
         unsigned char* top = bitmap + i * rowBytes;
-        unsigned char* bottom = bitmap + (sizeY - 1 - i) * rowBytes;
+        unsigned char* bottom = bitmap + (height - 1 - i) * rowBytes;
         memcpy(scratch, top, rowBytes);
         memcpy(top, bottom, rowBytes);
         memcpy(bottom, scratch, rowBytes);
@@ -488,7 +493,7 @@ void PVTEXTURE::buildMipmaps(unsigned int glFormat)
     for (int level = 1; std::max(width, height) > 1; level++) {
         const unsigned int halfX = std::max(width / 2, 1u);
         const unsigned int halfY = std::max(height / 2, 1u);
-        halveLevel(bitmap, format, width, height, halfX, halfY);
+        halveLevel(bitmap, size_t(sizeX) * sizeY, format, width, height, halfX, halfY);
         width = halfX;
         height = halfY;
         glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
@@ -555,10 +560,6 @@ void PVTEXTURE::releaseVideoMemory()
     PEVRANO::popVideoMemory(memorySize);
     if (mipmapCharged)
         PEVRANO::popVideoMemory(memorySize);
-    // GL unbinds a deleted texture; the cache must not claim it is bound.
-    for (PVTEXTURE*& cached : channelCache)
-        if (cached == this)
-            cached = nullptr;
 }
 
 bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)

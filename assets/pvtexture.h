@@ -93,7 +93,7 @@ private:
     friend class PVVIDEO;
 
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
-    bool flipRows();
+    bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);
     void releaseBitmap();
     void releaseVideoMemory();

@@ -87,6 +87,24 @@ TEST_F(Textures, UploadBuildsMipmapsAndChargesTwiceTheDoubledSize)
     EXPECT_TRUE(empty.create(0, 5, 3));
 }
 
+TEST_F(Textures, MipmapRowsAreTwiceTheLevelWidthLong)
+{
+    // 4x2 grey: level 1 is (0, 150); level 2 reads its 2-pixel rows over
+    // level 1 and the old level-0 pixels 2 and 3: (0 + 150 + 200 + 200) >> 2.
+    const Bytes row0 = joined(repeated({0, 0, 0}, 2), repeated({200, 200, 200}, 2));
+    const Bytes row1 = joined(repeated({0, 0, 0}, 2), repeated({100, 100, 100}, 2));
+    const std::string tga = tgaFile(TGA_RAW, 4, 2, 24, 0, joined(row0, row1));
+    PVTEXTURE texture;
+    ASSERT_TRUE(texture.loadTGA(reinterpret_cast<const unsigned char*>(tga.data()), tga.size(), "t"));
+    ASSERT_TRUE(texture.update());
+    EXPECT_EQ(Bytes(texture.getBitmap(), texture.getBitmap() + 3), (Bytes {137, 137, 137}));
+    // A one-pixel-wide chain stays inside its bitmap.
+    const std::string column = tgaFile(TGA_RAW, 1, 8, 24, 0, repeated({9, 9, 9}, 8));
+    ASSERT_TRUE(texture.loadTGA(reinterpret_cast<const unsigned char*>(column.data()), column.size(), "c"));
+    ASSERT_TRUE(texture.update());
+    EXPECT_EQ(Bytes(texture.getBitmap(), texture.getBitmap() + 3), (Bytes {9, 9, 9}));
+}
+
 TEST_F(Textures, CollectorEvictsNewestFirstAndDeletesTheUnreferenced)
 {
     EXPECT_FALSE(PVTEXTURE::garbageCollect(100));  // no texture, no report
@@ -156,7 +174,16 @@ TEST_F(Textures, BindCacheAndTexturingSwitches)
     EXPECT_EQ(calls, (Calls {"glEnable(GL_TEXTURE_2D)", bound(first), "glEnable(GL_TEXTURE_2D)",
                              bound(second), "glDisable(GL_TEXTURE_2D)", "glDisable(GL_TEXTURE_2D)",
                              "glEnable(GL_TEXTURE_2D)", bound(first)}));
-    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVTEXTURE::render\n");
+    // Unloading keeps the cache entry: the texture stays non-resident until
+    // the cache is emptied.
+    const std::string deleted = "glDeleteTextures(1,{" + std::to_string(first->getGLId()) + "})";
+    EXPECT_EQ(record([&] {
+                  first->unload(false);
+                  first->render(nullptr);
+              }),
+              (Calls {deleted}));
+    EXPECT_FALSE(first->isLoaded());
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVTEXTURE::render\n   a unloaded\n");
 }
 
 }  // namespace
