@@ -210,20 +210,18 @@ bool PVANIM::load(char* file)
 // leaves the animation as it was.
 bool PVANIM::parse(const char* file, const unsigned char* data, unsigned int size)
 {
-    const unsigned int compared = size < pvaHeaderSize ? size : pvaHeaderSize;
-    if (std::memcmp(data, pvaHeader, compared) != 0) {
+    // A file shorter than the header cannot hold it.
+    if (size < pvaHeaderSize || std::memcmp(data, pvaHeader, pvaHeaderSize) != 0) {
         kvfLog("   [!] Invalid header in file %s @ PVANIM::load\n", file);
         return false;
     }
-    KVFREADER reader(data, size);
+    kvfLog("   Header: %s\n", pvaHeader);
+    KVFREADER reader(data, size, pvaHeaderSize);
     uint16_t bones = 0, frames = 0;
     // Names wait here until the whole file has been checked (one rendering thread).
     static char names[PV_ANIM_MAX_BONES][PV_ANIM_NAME_SIZE];
-    bool intact = reader.skip(pvaHeaderSize);
-    if (intact)
-        kvfLog("   Header: %s\n", pvaHeader);
-    intact = intact && reader.skip(1) && reader.readU16(bones) && reader.readU16(frames) &&
-             bones <= PV_ANIM_MAX_BONES;
+    bool intact = reader.skip(1) && reader.readU16(bones) && reader.readU16(frames) &&
+                  bones <= PV_ANIM_MAX_BONES;
     for (unsigned int b = 0; intact && b < bones; b++)
         intact = reader.readString(names[b], PV_ANIM_NAME_SIZE);
     intact = intact && reader.remaining() / pvaRecordSize >= size_t(frames) * bones;
