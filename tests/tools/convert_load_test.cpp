@@ -17,7 +17,7 @@
 
 namespace {
 
-const std::string models = PEVRANO_MODELS;
+using pvtest::models;
 
 struct Box {
     aiVector3D low {1e30f, 1e30f, 1e30f};
@@ -93,10 +93,9 @@ protected:
     // Converts the model into the scratch folder as name.pve and loads it.
     PVNODE* convertAndLoad(const std::string& model, const std::string& name)
     {
-        const std::string scene = dir.file(name + ".pve");
-        const pvtest::ToolRun run = pvtest::runTool(PEVRANO_CONVERT, model + " " + scene, dir);
+        const pvtest::ToolRun run = pvtest::convertModel(model, name + ".pve", dir);
         EXPECT_EQ(run.status, 0) << run.error;
-        return PEVRANO::load(scene.c_str());
+        return PEVRANO::load(dir.file(name + ".pve").c_str());
     }
 };
 
@@ -114,7 +113,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
         const std::string name = "model" + std::to_string(i);
         pvtest::LogCapture caseLog;
         const int materialsBefore = PVMATERIAL::getNumberOfMaterials();
-        PVNODE* root = convertAndLoad(models + file, name);
+        PVNODE* root = convertAndLoad(file, name);
         ASSERT_NE(root, nullptr) << caseLog.text();
         EXPECT_EQ(unexpectedWarnings(caseLog.text()), "");
 
@@ -143,7 +142,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
 // animation takes them over as its structure.
 TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
 {
-    PVNODE* root = convertAndLoad(models + "glTF2/simple_skin/simple_skin.gltf", "skin");
+    PVNODE* root = convertAndLoad("glTF2/simple_skin/simple_skin.gltf", "skin");
     ASSERT_NE(root, nullptr) << log.text();
     EXPECT_STREQ(root->getName(), "HumanoidRoot");
     ASSERT_EQ(root->getNumberOfChildren(), 2u);
