@@ -162,6 +162,7 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
         {"larger RGB texture", 64, 64, 3, true, 3}, {"exactly as large", 64, 48, 3, true, 3},
         {"narrower", 32, 64, 3, true, 0},           {"shorter", 64, 32, 3, true, 0},
         {"RGBA texture", 64, 64, 4, true, 0},       {"texture not resident", 64, 64, 3, false, 0},
+        {"no texture", 0, 0, 0, true, 0},
     };
     for (const UploadCase& c : cases) {
         PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;
