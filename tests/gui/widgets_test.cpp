@@ -347,10 +347,9 @@ TEST_F(Widgets, TheScissorFollowsTheWindowOnScreen)
     window->unlink();
 }
 
-class LandscapeWidgets : public RecordingTest {
+class LandscapeWidgets : public GuiTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(startEngineInLandscape()) << log.text(); }
-    void TearDown() override { PEVRANO::free(); }
+    bool startEngine() override { return startEngineInLandscape(); }
 };
 
 TEST_F(LandscapeWidgets, TheScissorExchangesItsAxes)

@@ -66,11 +66,9 @@ void addEngine(PVNODE* node, Totals& totals)
         const K3MMATRIX world = mesh->getFinalMatrix(nullptr);
         const GLfixed* p = mesh->getVertexPtr();
         for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++, p += 3) {
-            const float x = p[0] / 65536.0f, y = p[1] / 65536.0f, z = p[2] / 65536.0f;
-            const float* m = world.m;
-            totals.box.add(aiVector3D(m[0] * x + m[4] * y + m[8] * z + m[12],
-                                      m[1] * x + m[5] * y + m[9] * z + m[13],
-                                      m[2] * x + m[6] * y + m[10] * z + m[14]));
+            const K3MVECTOR4D placed =
+                world.transform(K3MVECTOR3D(p[0] / 65536.0f, p[1] / 65536.0f, p[2] / 65536.0f));
+            totals.box.add(aiVector3D(placed.x, placed.y, placed.z));
         }
     }
     for (unsigned int c = 0; c < node->getNumberOfChildren(); c++)
