@@ -135,10 +135,7 @@ TEST_F(Font, TheRegistryFindsTheOldestOfTwoNamesakes)
     EXPECT_EQ(second, PVFONT::findById(second->getId()));
     EXPECT_EQ(nullptr, PVFONT::findByName(nullptr));
     EXPECT_EQ(3, PVFONT::getNumberOfFonts());  // with the fixture's font
-    EXPECT_EQ(&font, PVFONT::getFirst());
-    EXPECT_EQ(second, first->getNext());
-    delete first;
-    EXPECT_EQ(&font, second->getPrevious());
+    delete first;  // leaves the registry: two are left to release
     EXPECT_TRUE(PVFONT::cleanUp());
     EXPECT_EQ("   2 font(s) released\n", logged());
     EXPECT_FALSE(PVFONT::cleanUp());
