@@ -178,13 +178,7 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
 
 class LandscapeInput : public Input {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(startEngineInLandscape()) << log.text();
-        PVINPUT::reset();
-        root = new PVBOX();
-        root->setSizes(0, 0);
-    }
+    bool startEngine() override { return startEngineInLandscape(); }
 };
 
 // The interface is turned a quarter: its x runs up the window from the

@@ -154,15 +154,6 @@ TEST_F(Box, TextureReferencesFollowTheBox)
     EXPECT_EQ(0, b->getReferences());
 }
 
-TEST_F(Box, AQuadIsOneTriangleStripOfFixedPointArrays)
-{
-    PVBOXCOORD coords;
-    const Calls calls = record([&] { PVBOX::drawQuad(1, 2, 3, 4, K3MVECTOR4D(1, 0, 0, 1), &coords); });
-    EXPECT_EQ((Calls {"glVertexPointer(2,GL_FIXED,0)", "glColorPointer(4,GL_FIXED,0)",
-                      "glTexCoordPointer(2,GL_FIXED,0)", "glDrawArrays(GL_TRIANGLE_STRIP,0,4)"}),
-              calls);
-}
-
 // A box at (20, 30), 40 x 30, colour c, border 3 pixels wide.
 class BoxPixels : public Box {
 protected:
@@ -226,14 +217,6 @@ TEST_F(BoxPixels, ABevelledBoxIsTheFillAndTwentyFourBorderQuads)
     EXPECT_EQ(expected, calls);
 }
 
-TEST_F(BoxPixels, ThicknessZeroDrawsTheFillOnly)
-{
-    box->setThickness(0);
-    const Calls calls = record([&] { drawFrame2D(box); });
-    EXPECT_EQ(1u, recorder.count("glDrawArrays")) << recorder.text();
-    expectColour(c, screen(20, 30), "corner");
-}
-
 TEST_F(BoxPixels, AWindowClipsTheWidgetsInside)
 {
     PVWINDOW* window = new PVWINDOW();
@@ -247,6 +230,7 @@ TEST_F(BoxPixels, AWindowClipsTheWidgetsInside)
     box->link(window);
     window->setForemost(0);  // the box was made first: it goes in front again
     drawFrame2D(window);
+    expectColour(c, screen(50, 50), "box corner: thickness 0 has no border");
     expectColour(c, screen(55, 55), "inside the window");
     expectColour(c, screen(69, 69), "window's last pixel");
     expectColour({0, 0, 0}, screen(70, 55), "right of the window");

@@ -30,7 +30,10 @@ std::string glyphDraw(int glyphs)
     return "glDrawElements(GL_TRIANGLES," + std::to_string(glyphs * 6) + ",GL_UNSIGNED_SHORT)";
 }
 
-TEST_F(Widgets, ACaptionThatDoesNotFitIsReplacedByAMark)
+// A caption that does not fit is replaced by "[...]"; captions are formats
+// without arguments: a conversion has nothing to read and draws nothing,
+// whatever a user typed into a text field.
+TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
 {
     struct Case {
         int width;
@@ -42,6 +45,12 @@ TEST_F(Widgets, ACaptionThatDoesNotFitIsReplacedByAMark)
         {48, "abc", {}},  // exactly as wide: "[...]" is wider still
         {100, "abcdefg", {glyphDraw(5)}},  // "[...]"
         {100, "", {}},
+        {200, "50%%", {glyphDraw(3)}},
+        {200, "%s%s%s%n%n", {}},
+        {200, "a%-08.3lld b", {glyphDraw(3)}},
+        {200, "x%", {glyphDraw(1)}},
+        {200, "%%%", {glyphDraw(1)}},
+        {200, "%*.*s", {}},
     };
     for (const Case& c : cases) {
         PVBUTTON* button = new PVBUTTON();
@@ -49,32 +58,6 @@ TEST_F(Widgets, ACaptionThatDoesNotFitIsReplacedByAMark)
         button->setSizeX(c.width);
         button->setCaption(c.caption);
         EXPECT_EQ(c.draws, textDraws(button)) << c.caption;
-        delete button;
-    }
-}
-
-// Captions are formats without arguments: a conversion has nothing to read
-// and draws nothing, whatever a user typed into a text field.
-TEST_F(Widgets, CaptionsAreFormatsWithoutArguments)
-{
-    struct Case {
-        const char* caption;
-        Calls draws;
-    };
-    const Case cases[] = {
-        {"50%%", {glyphDraw(3)}}, {"%s%s%s%n%n", {}},      {"a%-08.3lld b", {glyphDraw(3)}},
-        {"x%", {glyphDraw(1)}},   {"%%%", {glyphDraw(1)}}, {"%*.*s", {}},
-    };
-    for (const Case& c : cases) {
-        PVBUTTON* button = new PVBUTTON();
-        button->setFont(font);
-        button->setSizeX(200);
-        button->setCaption(c.caption);
-        Calls glyphs;
-        for (const std::string& draw : textDraws(button))
-            if (draw.find("GL_TRIANGLES") != std::string::npos)
-                glyphs.push_back(draw);
-        EXPECT_EQ(c.draws, glyphs) << c.caption;
         delete button;
     }
 }
@@ -334,44 +317,44 @@ TEST_F(Widgets, WindowTextIsClippedToTheWindow)
 }
 
 // Windows clip with GL's origin at the bottom left; landscape exchanges axes.
+// The calls of enabling and disabling the scissor of a 50 x 40 window at
+// (10, 20), and the calls expected for the given box and display.
+Calls scissorCalls(GlRecorder& recorder, PVWINDOW* window)
+{
+    window->setPosition(10, 20);
+    window->setSizes(50, 40);
+    recorder.start();
+    window->enableScissor();
+    window->disableScissor();
+    recorder.stop();
+    return recorder.calls();
+}
+
+Calls scissorExpected(const std::string& box, const std::string& display)
+{
+    return {
+        "glPushMatrix()", "glLoadIdentity()",           "glEnable(GL_SCISSOR_TEST)", "glScissor(" + box + ")",
+        "glPopMatrix()",  "glScissor(" + display + ")", "glDisable(GL_SCISSOR_TEST)"};
+}
+
 TEST_F(Widgets, TheScissorFollowsTheWindowOnScreen)
 {
     PVBOX parent;
     parent.setPosition(5, 6);
     PVWINDOW* window = new PVWINDOW();
-    window->setPosition(10, 20);
-    window->setSizes(50, 40);
     window->link(&parent);
-    const Calls calls = record([&] {
-        window->enableScissor();
-        window->disableScissor();
-    });
-    EXPECT_EQ(
-        (Calls {"glPushMatrix()", "glLoadIdentity()", "glEnable(GL_SCISSOR_TEST)", "glScissor(15,54,50,40)",
-                "glPopMatrix()", "glScissor(0,0,160,120)", "glDisable(GL_SCISSOR_TEST)"}),
-        calls);
+    EXPECT_EQ(scissorExpected("15,54,50,40", "0,0,160,120"), scissorCalls(recorder, window));
     window->unlink();
 }
 
-class LandscapeWidgets : public RecordingTest {
+class LandscapeWidgets : public GuiTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(startEngineInLandscape()) << log.text(); }
-    void TearDown() override { PEVRANO::free(); }
+    bool startEngine() override { return startEngineInLandscape(); }
 };
 
 TEST_F(LandscapeWidgets, TheScissorExchangesItsAxes)
 {
-    PVWINDOW* window = new PVWINDOW();
-    window->setPosition(10, 20);
-    window->setSizes(50, 40);
-    const Calls calls = record([&] {
-        window->enableScissor();
-        window->disableScissor();
-    });
-    EXPECT_EQ(
-        (Calls {"glPushMatrix()", "glLoadIdentity()", "glEnable(GL_SCISSOR_TEST)", "glScissor(20,10,40,50)",
-                "glPopMatrix()", "glScissor(0,0,120,160)", "glDisable(GL_SCISSOR_TEST)"}),
-        calls);
+    EXPECT_EQ(scissorExpected("20,10,40,50", "0,0,120,160"), scissorCalls(recorder, new PVWINDOW()));
 }
 
 }  // namespace

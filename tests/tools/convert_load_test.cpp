@@ -17,7 +17,7 @@
 
 namespace {
 
-const std::string models = PEVRANO_MODELS;
+using pvtest::models;
 
 struct Box {
     aiVector3D low {1e30f, 1e30f, 1e30f};
@@ -66,11 +66,9 @@ void addEngine(PVNODE* node, Totals& totals)
         const K3MMATRIX world = mesh->getFinalMatrix(nullptr);
         const GLfixed* p = mesh->getVertexPtr();
         for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++, p += 3) {
-            const float x = p[0] / 65536.0f, y = p[1] / 65536.0f, z = p[2] / 65536.0f;
-            const float* m = world.m;
-            totals.box.add(aiVector3D(m[0] * x + m[4] * y + m[8] * z + m[12],
-                                      m[1] * x + m[5] * y + m[9] * z + m[13],
-                                      m[2] * x + m[6] * y + m[10] * z + m[14]));
+            const K3MVECTOR4D placed =
+                world.transform(K3MVECTOR3D(p[0] / 65536.0f, p[1] / 65536.0f, p[2] / 65536.0f));
+            totals.box.add(aiVector3D(placed.x, placed.y, placed.z));
         }
     }
     for (unsigned int c = 0; c < node->getNumberOfChildren(); c++)
@@ -93,10 +91,9 @@ protected:
     // Converts the model into the scratch folder as name.pve and loads it.
     PVNODE* convertAndLoad(const std::string& model, const std::string& name)
     {
-        const std::string scene = dir.file(name + ".pve");
-        const pvtest::ToolRun run = pvtest::runTool(PEVRANO_CONVERT, model + " " + scene, dir);
+        const pvtest::ToolRun run = pvtest::convertModel(model, name + ".pve", dir);
         EXPECT_EQ(run.status, 0) << run.error;
-        return PEVRANO::load(scene.c_str());
+        return PEVRANO::load(dir.file(name + ".pve").c_str());
     }
 };
 
@@ -114,7 +111,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
         const std::string name = "model" + std::to_string(i);
         pvtest::LogCapture caseLog;
         const int materialsBefore = PVMATERIAL::getNumberOfMaterials();
-        PVNODE* root = convertAndLoad(models + file, name);
+        PVNODE* root = convertAndLoad(file, name);
         ASSERT_NE(root, nullptr) << caseLog.text();
         EXPECT_EQ(unexpectedWarnings(caseLog.text()), "");
 
@@ -143,7 +140,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
 // animation takes them over as its structure.
 TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
 {
-    PVNODE* root = convertAndLoad(models + "glTF2/simple_skin/simple_skin.gltf", "skin");
+    PVNODE* root = convertAndLoad("glTF2/simple_skin/simple_skin.gltf", "skin");
     ASSERT_NE(root, nullptr) << log.text();
     EXPECT_STREQ(root->getName(), "HumanoidRoot");
     ASSERT_EQ(root->getNumberOfChildren(), 2u);

@@ -16,7 +16,7 @@
 
 namespace {
 
-const std::string models = PEVRANO_MODELS;
+using pvtest::models;
 
 class Converter : public pvtest::RecordingTest {
 protected:

@@ -35,6 +35,16 @@ inline ToolRun runTool(const std::string& tool, const std::string& arguments, co
     return run;
 }
 
+// The sample models the tests convert.
+const std::string models = PEVRANO_MODELS;
+
+// Converts a sample model into scratch/pve, options before the paths.
+inline ToolRun convertModel(const std::string& model, const std::string& pve, const ScratchDir& scratch,
+                            const std::string& options = "")
+{
+    return runTool(PEVRANO_CONVERT, options + " " + models + model + " " + scratch.file(pve), scratch);
+}
+
 }  // namespace pvtest
 
 #endif

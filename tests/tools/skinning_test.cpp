@@ -18,7 +18,7 @@
 
 namespace {
 
-const std::string models = PEVRANO_MODELS;
+using pvtest::models;
 const int framesPerSecond = 24;
 
 // Key value at ticks: linear between the keys around it, held outside them.
@@ -141,10 +141,8 @@ TEST_F(SkinnedModels, EngineSkinningFollowsTheSourceAnimation)
         const aiAnimation& animation = *scene->mAnimations[c.animation];
 
         const std::string name = "skin" + std::to_string(i);
-        const pvtest::ToolRun run = pvtest::runTool(PEVRANO_CONVERT,
-                                                    "--fps " + std::to_string(framesPerSecond) + " " +
-                                                        models + c.model + " " + dir.file(name + ".pve"),
-                                                    dir);
+        const pvtest::ToolRun run =
+            pvtest::convertModel(c.model, name + ".pve", dir, "--fps " + std::to_string(framesPerSecond));
         ASSERT_EQ(run.status, 0) << run.error;
         PVNODE* root = PEVRANO::load(dir.file(name + ".pve").c_str());
         ASSERT_NE(root, nullptr);

@@ -14,7 +14,6 @@
 
 namespace {
 
-const std::string models = PEVRANO_MODELS;
 // The viewer's background, (0.2, 0.25, 0.3), through a 5-6-5 surface.
 const int background[3] = {51, 64, 77};
 const int tolerance = 9;
@@ -47,8 +46,7 @@ class Viewer : public pvtest::RecordingTest {
 protected:
     void convert(const std::string& model, const std::string& scene)
     {
-        const pvtest::ToolRun run =
-            pvtest::runTool(PEVRANO_CONVERT, models + model + " " + dir.file(scene), dir);
+        const pvtest::ToolRun run = pvtest::convertModel(model, scene, dir);
         ASSERT_EQ(run.status, 0) << run.error;
     }
     Picture view(const std::string& arguments)

@@ -23,14 +23,6 @@ using VideoGlTest = VideoFixture<GlContextTest>;
 
 const std::string notFound = "   [!] Invalid params or file not found @ PVVIDEO::load\n";
 
-// The log written while action ran.
-template <typename Action> std::string logOf(const LogCapture& log, Action action)
-{
-    const size_t before = log.text().size();
-    action();
-    return log.text().substr(before);
-}
-
 struct LoadCase {
     const char* what;
     const char* path;
@@ -54,9 +46,9 @@ TEST_F(VideoTest, LoadReportsEachOutcome)
         PVVIDEO video;
         const std::string defaultName = "[video " + std::to_string(video.getId()) + "]";
         PVVIDEO::setMPGPath(c.path);
-        bool loaded = false;
-        EXPECT_EQ(c.log, logOf(log, [&] { loaded = video.load(c.name); })) << c.what;
-        EXPECT_EQ(c.loaded, loaded) << c.what;
+        log.fresh();
+        EXPECT_EQ(c.loaded, video.load(c.name)) << c.what;
+        EXPECT_EQ(c.log, log.fresh()) << c.what;
         EXPECT_EQ(c.loaded ? std::string(c.name) : defaultName, video.getFilename()) << c.what;
         EXPECT_EQ(PV_VIDEO_STOP, video.getStatus()) << c.what;
         EXPECT_EQ(c.loaded ? &video : nullptr, PVVIDEO::findByFilename(c.name)) << c.what;
@@ -108,18 +100,17 @@ TEST_F(VideoTest, EndOfFileReopensTheClip)
     for (const EndCase& c : cases) {
         const std::string what = std::string(c.clip) + " from status " + std::to_string(int(c.after));
         PVVIDEO video;
-        const std::string written = logOf(log, [&] {
-            ASSERT_TRUE(video.load(c.clip));
-            (video.*c.start)();
-            const int firstPass = stepsToEnd(video, c.clip);
-            ASSERT_GT(firstPass, 0) << what;
-            EXPECT_EQ(c.after, video.getStatus()) << what;
-            EXPECT_EQ(c.after != PV_VIDEO_STOP, video.update(0)) << what;
-            // Reopened at its start: the next pass is as long as the first.
-            (video.*c.start)();
-            EXPECT_EQ(firstPass, stepsToEnd(video, c.clip)) << what;
-        });
-        EXPECT_EQ(loadingLine(c.clip) + loadingLine(c.clip) + loadingLine(c.clip), written) << what;
+        log.fresh();
+        ASSERT_TRUE(video.load(c.clip));
+        (video.*c.start)();
+        const int firstPass = stepsToEnd(video, c.clip);
+        ASSERT_GT(firstPass, 0) << what;
+        EXPECT_EQ(c.after, video.getStatus()) << what;
+        EXPECT_EQ(c.after != PV_VIDEO_STOP, video.update(0)) << what;
+        // Reopened at its start: the next pass is as long as the first.
+        (video.*c.start)();
+        EXPECT_EQ(firstPass, stepsToEnd(video, c.clip)) << what;
+        EXPECT_EQ(loadingLine(c.clip) + loadingLine(c.clip) + loadingLine(c.clip), log.fresh()) << what;
     }
 }
 
@@ -145,14 +136,13 @@ TEST_F(VideoTest, RewindReloadsAfterAFailedReopening)
     video.rewind();
     EXPECT_TRUE(video.update(bandsSteps - 1));
     ASSERT_EQ(0, unlink("clip.mpg"));
-    const std::string written = logOf(log, [&] {
-        EXPECT_FALSE(video.update(1)) << "end of the file, reopening fails";
-        EXPECT_EQ(PV_VIDEO_REWIND, video.getStatus());
-        EXPECT_FALSE(video.update(1)) << "rewind finds no file";
-        writeFile("clip.mpg", clip);
-        EXPECT_TRUE(video.update(1)) << "rewind loads the file again";
-    });
-    EXPECT_EQ(notFound + notFound + loadingLine("clip.mpg"), written);
+    log.fresh();
+    EXPECT_FALSE(video.update(1)) << "end of the file, reopening fails";
+    EXPECT_EQ(PV_VIDEO_REWIND, video.getStatus());
+    EXPECT_FALSE(video.update(1)) << "rewind finds no file";
+    writeFile("clip.mpg", clip);
+    EXPECT_TRUE(video.update(1)) << "rewind loads the file again";
+    EXPECT_EQ(notFound + notFound + loadingLine("clip.mpg"), log.fresh());
     EXPECT_EQ(PV_VIDEO_STOP, video.getStatus());
 }
 
@@ -172,6 +162,7 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
         {"larger RGB texture", 64, 64, 3, true, 3}, {"exactly as large", 64, 48, 3, true, 3},
         {"narrower", 32, 64, 3, true, 0},           {"shorter", 64, 32, 3, true, 0},
         {"RGBA texture", 64, 64, 4, true, 0},       {"texture not resident", 64, 64, 3, false, 0},
+        {"no texture", 0, 0, 0, true, 0},
     };
     for (const UploadCase& c : cases) {
         PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;

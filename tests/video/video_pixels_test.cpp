@@ -1,6 +1,6 @@
-// Pixels of a video on the real renderer: a test node draws the texture the
-// video plays into over the whole window through the engine's frame, and the
-// colours read back are the clip's own, upright, frame after frame.
+// Pixels of a video on the real renderer: a box shows the texture the video
+// plays into over the whole window, and the colours read back are the clip's
+// own, upright, frame after frame.
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
@@ -11,15 +11,13 @@
 
 #include <pevrano.h>
 
-#include "support/pixels.h"
+#include "scene/scenefixture.h"
 #include "video/videofixture.h"
 
 using namespace pvtest;
 
 namespace {
 
-const int windowWidth = 160;
-const int windowHeight = 120;
 // A 5-6-5 surface loses up to 8 levels per channel; 4:2:0 decoding and the
 // conversion to RGB add a few more.
 const double videoTolerance = 12.0;
@@ -34,55 +32,24 @@ const NamedColour clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}
                                    {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
                                    {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
 
-// The clip's picture (64 x 48 in the top-left corner of a 64 x 64 texture)
-// stretched over the whole window, its first row at the top.
-class VideoScreen : public PVNODE {
-public:
-    explicit VideoScreen(PVTEXTURE* shown) : texture(shown) { type = PV_TYPE_CUSTOM; }
-
-    bool render(void*) override
-    {
-        PV_glMatrixMode(GL_PROJECTION);
-        PV_glLoadIdentity();
-        PV_glMatrixMode(GL_MODELVIEW);
-        PV_glLoadIdentity();
-        PVLIGHT::lightingOff();
-        PV_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-        texture->render(nullptr);
-        const GLfixed one = 65536;
-        const GLfixed corners[8] = {-one, -one, one, -one, -one, one, one, one};
-        const GLfixed frameBottom = one * 48 / 64;
-        const GLfixed texels[8] = {0, frameBottom, one, frameBottom, 0, 0, one, 0};
-        PVOPENGL::vertexArrayOn();
-        PVOPENGL::textureArrayOn();
-        PVOPENGL::normalArrayOff();
-        PVOPENGL::colorArrayOff();
-        glVertexPointer(2, GL_FIXED, 0, corners);
-        glTexCoordPointer(2, GL_FIXED, 0, texels);
-        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-        return true;
-    }
-
-private:
-    PVTEXTURE* texture;
-};
-
 class VideoPixels : public VideoFixture<RecordingTest> {
 protected:
     void SetUp() override
     {
         VideoFixture<RecordingTest>::SetUp();
-        PVSETTINGS settings;
-        settings.setWindowX(windowWidth);
-        settings.setWindowY(windowHeight);
-        settings.setFullScreen(false);
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
-        camera = new PVCAMERA();
+        ASSERT_TRUE(startEngineInWindow()) << log.text();
         texture = new PVTEXTURE();
         ASSERT_TRUE(texture->create(64, 64, 3));
         texture->setFilter(false, false, true);
-        screen = new VideoScreen(texture);
-        screen->setPosition(0.0f, 0.0f, -5.0f);
+        // The clip's picture (64 x 48 in the top-left corner of the texture,
+        // first row first) stretched over the whole window.
+        screen = new PVBOX();
+        screen->setSizes(windowWidth, windowHeight);
+        screen->setThickness(0);
+        screen->setColor(1, 1, 1, 1);
+        screen->setTexture(texture);
+        PVBOXCOORD picture(1.0f, 48.0f / 64.0f, true);
+        screen->setBoxCoords(picture);
     }
     void TearDown() override
     {
@@ -93,9 +60,9 @@ protected:
     void drawFrame()
     {
         PEVRANO::clear(true, true, false);
-        PEVRANO::begin3D(camera);
+        PEVRANO::begin2D();
         screen->pass(false);
-        PEVRANO::end3D(false);
+        PEVRANO::end2D();
     }
 
     // The window pixel under the picture's row (0 at the top) and column.
@@ -118,9 +85,8 @@ protected:
                std::to_string(int(seen.b * 255)) + ")";
     }
 
-    PVCAMERA* camera = nullptr;
     PVTEXTURE* texture = nullptr;
-    VideoScreen* screen = nullptr;
+    PVBOX* screen = nullptr;
 };
 
 TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
