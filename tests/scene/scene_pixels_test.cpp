@@ -110,9 +110,6 @@ TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
     drawFrame(root, camera);
     const Mat4 lookingAtQuad = Mat4::lookAt({4, 3, 10}, {-1, 0.5, 0}, {0, 1, 0});
     expectQuadOnScreen(lookingAtQuad, {-1, 0.5, 0}, 1.5, orange, "look-at camera");
-    const ScreenPoint aimed = project(lookingAtQuad, {-1, 0.5, 0});
-    EXPECT_NEAR(windowWidth / 2.0, aimed.x, 1e-9);
-    EXPECT_NEAR(windowHeight / 2.0, aimed.y, 1e-9);
 
     // Following a quad under a moved parent: world centre (2, -1, -3). The
     // first quad would stand in the way: it leaves the scene.
