@@ -64,12 +64,9 @@ TEST_F(Node, DefaultsIdsNamesAndTypeNames)
     EXPECT_STREQ("[node 1]", first->getName());
     EXPECT_EQ(2u, second->getId());
     EXPECT_STREQ("[node 2]", second->getName());
-    EXPECT_EQ(PV_TYPE_NODE, first->getType());
     EXPECT_STREQ("node", first->getTypeName());
     EXPECT_FALSE(first->isShared());
     EXPECT_FALSE(second->isShared());  // the flag is ignored
-    EXPECT_EQ(PV_POSITIONING_VECTORS, first->getPositioning());
-    EXPECT_TRUE(first->isRoot());
     EXPECT_FALSE(first->render(nullptr));
 
     const char* expected[PV_NODE_TYPE_COUNT] = {
