@@ -191,20 +191,9 @@ TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
     }
 }
 
-// Culling that was switched off stays off after the 2D pass.
-TEST_F(Frame, End2DLeavesCullingOffWhenTheSwitchIsOff)
-{
-    start();
-    PVOPENGL::cullingOff();
-    PEVRANO::begin2D();
-    EXPECT_EQ(record([] { PEVRANO::end2D(); }),
-              (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
-                     "glEnable(GL_DEPTH_TEST)"}));
-    EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
-}
-
 // Wireframe shows the back faces of the 3D pass; the 2D pass ends with
-// culling back on because the switch itself was never turned off.
+// culling back on because the switch itself was never turned off, and leaves
+// it off once the switch is.
 TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
 {
     start();
@@ -225,6 +214,14 @@ TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
     PEVRANO::begin2D();
     PEVRANO::end2D();
     EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+
+    // Culling that was switched off stays off after the 2D pass.
+    PVOPENGL::cullingOff();
+    PEVRANO::begin2D();
+    EXPECT_EQ(record([] { PEVRANO::end2D(); }),
+              (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
+                     "glEnable(GL_DEPTH_TEST)"}));
+    EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
 }
 
 // The per-frame resets (the mesh class's client arrays, blending, two-sided

@@ -133,17 +133,6 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
     expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
 }
 
-TEST_F(GlWrapper, OrthoShadowMatchesGl)
-{
-    PV_glMatrixMode(GL_PROJECTION);
-    PV_glLoadIdentity();
-    PV_glOrtho(0.0f, 240.0f, 320.0f, 0.0f, -1.0f, 1.0f);
-
-    const float expected[16] = {2.0f / 240, 0, 0, 0, 0, -2.0f / 320, 0, 0, 0, 0, -1, 0, -1, 1, 0, 1};
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(expected), 1e-6f, "shadow");
-    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::fromGl(expected), 1e-5f, "GL projection");
-}
-
 TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
 {
     PV_glMatrixMode(GL_PROJECTION);

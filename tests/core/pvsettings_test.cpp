@@ -114,7 +114,8 @@ TEST_F(SettingsFile, KeysFollowTheParserRules)
 }
 
 // The file's values reach the display: the configuration in force, and the
-// folders handed on to the engine and shaders.
+// folders handed on to the engine and shaders; a resize changes the size and
+// the viewport.
 TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
 {
     pvtest::writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
@@ -130,6 +131,11 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
     EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 160, 120}));
     EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
     EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
+
+    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
+    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 200, 100}));
 }
 
 // What is in force comes from GL, not from the request; the values with no
@@ -171,15 +177,6 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
     EXPECT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PVSETTINGS::isActive());
-}
-
-TEST_F(SettingsInForce, ResizeChangesTheSizeAndTheViewport)
-{
-    start();
-    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
-    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 200, 100}));
 }
 
 // No colour sizes go to EGL: the first configuration is used whatever depth

@@ -28,15 +28,6 @@ std::string textErrorRecord(const std::string& from, const std::string& text) {
 
 }  // namespace
 
-// The whole file from banner to summary is the library-load test's business.
-TEST(Log, MessagesAreFormattedAndJoined) {
-    LogCapture capture;
-    EXPECT_TRUE(kvfLog("   Progress %d of %s\n", 3, "ten"));
-    EXPECT_TRUE(kvfLog("no line feed, "));
-    EXPECT_TRUE(kvfLog("then 100%% done\n"));
-    EXPECT_EQ(capture.text(), "   Progress 3 of ten\nno line feed, then 100% done\n");
-}
-
 TEST(Log, EchoRepeatsEveryMessageOnStandardOutput) {
     ScratchDir dir;
     kvfShutdown();

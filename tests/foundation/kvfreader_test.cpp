@@ -38,24 +38,20 @@ struct Overrun {
     bool (*read)(KVFREADER&);
 };
 
+// True when the read succeeds or touches its output.
+template <typename T, bool (KVFREADER::*read)(T&)>
+bool failsUntouched(KVFREADER& reader)
+{
+    T value = 7;
+    return (reader.*read)(value) || value != 7;
+}
+
 TEST(KvfReader, RefusesReadsPastTheEnd)
 {
     const Overrun cases[] = {
-        {"u8 at end", sizeof sample,
-         [](KVFREADER& r) {
-             uint8_t v = 7;
-             return r.readU8(v) || v != 7;
-         }},
-        {"u16 one byte short", sizeof sample - 1,
-         [](KVFREADER& r) {
-             uint16_t v = 7;
-             return r.readU16(v) || v != 7;
-         }},
-        {"u32 three bytes short", sizeof sample - 3,
-         [](KVFREADER& r) {
-             uint32_t v = 7;
-             return r.readU32(v) || v != 7;
-         }},
+        {"u8 at end", sizeof sample, failsUntouched<uint8_t, &KVFREADER::readU8>},
+        {"u16 one byte short", sizeof sample - 1, failsUntouched<uint16_t, &KVFREADER::readU16>},
+        {"u32 three bytes short", sizeof sample - 3, failsUntouched<uint32_t, &KVFREADER::readU32>},
         {"floats past end", 7,
          [](KVFREADER& r) {
              float v[2] = {7, 7};
@@ -77,11 +73,7 @@ TEST(KvfReader, RefusesReadsPastTheEnd)
              char s[2] = "x";
              return r.readString(s, 2) || s[0] != 'x';
          }},
-        {"start past end", sizeof sample + 1,
-         [](KVFREADER& r) {
-             uint8_t v = 7;
-             return r.readU8(v) || v != 7;
-         }},
+        {"start past end", sizeof sample + 1, failsUntouched<uint8_t, &KVFREADER::readU8>},
     };
     for (const Overrun& c : cases) {
         // The string case without a NUL reads a buffer that ends before it.

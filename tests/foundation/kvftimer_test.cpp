@@ -41,9 +41,11 @@ struct FakeClock {
 
 }  // namespace
 
+// A timer of rate zero looks free: its slot is handed out again.
 TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed) {
     ScratchDir dir;
     LogCapture capture;
+    EXPECT_EQ(kvfNewTimer(0.0f), 0);
     for (int expected = 0; expected < 8; ++expected) EXPECT_EQ(kvfNewTimer(1.0f), expected);
     EXPECT_EQ(kvfNewTimer(1.0f), -1);
     EXPECT_EQ(capture.text(), "kvfNewTimer: no more timers\n");
@@ -74,15 +76,6 @@ TEST(Timers, BadHandlesAndFreeSlots) {
                        "kvfGetTimerFactor: wrong params\nkvfGetTimerFps: wrong params\n";
     }
     EXPECT_EQ(capture.text(), expectedLog);
-}
-
-TEST(Timers, ZeroRateLooksFree) {
-    ScratchDir dir;
-    LogCapture capture;
-    EXPECT_EQ(kvfNewTimer(0.0f), 0);
-    EXPECT_EQ(kvfNewTimer(1.0f), 0);
-    EXPECT_EQ(kvfNewTimer(1.0f), 1);
-    EXPECT_EQ(capture.text(), "");
 }
 
 TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn) {
@@ -136,20 +129,6 @@ TEST(Timers, RealClockMeasuresSeconds) {
     EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 1.0f / factor);
 }
 
-TEST(Ids, FirstIsOneAndTheLowestFreeComesBack) {
-    ScratchDir dir;
-    LogCapture capture;
-    EXPECT_EQ(kvfNewId(), 1u);
-    EXPECT_EQ(kvfNewId(), 2u);
-    EXPECT_EQ(kvfNewId(), 3u);
-    EXPECT_TRUE(kvfReleaseId(2));
-    EXPECT_TRUE(kvfReleaseId(1));
-    EXPECT_EQ(kvfNewId(), 1u);
-    EXPECT_EQ(kvfNewId(), 2u);
-    EXPECT_EQ(kvfNewId(), 4u);
-    EXPECT_EQ(capture.text(), "");
-}
-
 TEST(Ids, ReleaseMessages) {
     ScratchDir dir;
     LogCapture capture;
@@ -169,11 +148,18 @@ TEST(Ids, ReleaseMessages) {
               "releaseId: ID already released (1) continues here\n");
 }
 
-TEST(Ids, AllTaken) {
+TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken) {
     ScratchDir dir;
     LogCapture capture;
+    EXPECT_EQ(kvfNewId(), 1u);
+    EXPECT_EQ(kvfNewId(), 2u);
+    EXPECT_EQ(kvfNewId(), 3u);
+    EXPECT_TRUE(kvfReleaseId(2));
+    EXPECT_TRUE(kvfReleaseId(1));
+    EXPECT_EQ(kvfNewId(), 1u);
+    EXPECT_EQ(kvfNewId(), 2u);
     unsigned int last = 0;
-    for (unsigned int expected = 1; expected <= 65535; ++expected) {
+    for (unsigned int expected = 4; expected <= 65535; ++expected) {
         last = kvfNewId();
         if (last != expected) break;
     }

@@ -1,5 +1,5 @@
 // Camera: the view matrix of each aiming mode, checked against textbook
-// transforms, the published statics, moveDoom and the copy.
+// transforms, the published statics and moveDoom.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -49,16 +49,6 @@ class Camera : public pvtest::RecordingTest {
 protected:
     void SetUp() override { PV_glMatrixMode(GL_MODELVIEW); }
 };
-
-TEST_F(Camera, DefaultsNameTypeAndUp)
-{
-    PVCAMERA camera;
-    EXPECT_EQ(PV_TYPE_CAMERA, camera.getType());
-    EXPECT_EQ("[camera " + std::to_string(camera.getId()) + "]", camera.getName());
-    expectVector({0, 1, 0}, camera.getUpDirection(), "up");
-    expectVector({0, 0, 0}, camera.getPreRotation(), "pre-rotation");
-    expectViewMatrix(Mat4::identity(), *camera.getThisCameraMatrix(), "fresh camera");
-}
 
 TEST_F(Camera, FreeCameraInvertsItsTransform)
 {
@@ -143,12 +133,6 @@ TEST_F(Camera, FollowAimsAtTheWorldPositionOfTheNode)
     camera.setPreRotation(45, 0, 0);  // replaced by the look-at
     camera.setTargetNode(&followed);
     expectView(camera, Mat4::lookAt({0, 10, 10}, {5, 0, 0}, {0, 1, 0}), "follow camera");
-
-    // The view really points at the node: it lands on the negative z axis.
-    const Vec3 seen = Mat4::lookAt({0, 10, 10}, {5, 0, 0}, {0, 1, 0}).transformPoint({5, 0, 0});
-    EXPECT_NEAR(0.0, seen.x, 1e-9);
-    EXPECT_NEAR(0.0, seen.y, 1e-9);
-    EXPECT_LT(seen.z, 0.0);
     expectVector({0, 10, 10}, PVCAMERA::getCameraPosition(), "eye");
 }
 

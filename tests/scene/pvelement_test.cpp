@@ -286,46 +286,44 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     EXPECT_EQ("", log.fresh());
 }
 
-TEST_F(RenderList, CountsLightsAndTransparencies)
-{
-    start(16);
-    PVNODE* root = make("root", PV_TYPE_NODE);
-    make("light1", PV_TYPE_LIGHT, {}, root);
-    make("light2", PV_TYPE_LIGHT, {}, root);
-    make("opaque", PV_TYPE_MESH, {}, root);
-    pvtest::makeTransparent(make("glass", PV_TYPE_MESH, {}, root));
-    make("emitter", PV_TYPE_EMITTER, {}, root);
-    make("helper", PV_TYPE_HELPER, {}, root);
-    make("box", PV_TYPE_BOX, {}, root);
-    root->pass(false);
-    EXPECT_EQ(7u, PVELEMENT::getNumberOfPassedElements());
-    EXPECT_EQ(2u, PVELEMENT::getNumberOfLights());
-    EXPECT_EQ(3u, PVELEMENT::getNumberOfTransparencies());
-    EXPECT_EQ(PVELEMENT::getPassedElement(0), PVELEMENT::getLight(0));
-    EXPECT_EQ(nullptr, PVELEMENT::getLight(PVELEMENT::getNumberOfLights()));
-    PVELEMENT::reset();
-    EXPECT_EQ(0u, PVELEMENT::getNumberOfLights());
-    EXPECT_EQ(0u, PVELEMENT::getNumberOfTransparencies());
-    EXPECT_EQ(nullptr, PVELEMENT::getLight(0));
-}
-
-TEST_F(RenderList, Sort3DPutsLightsFirstThenOpaqueThenTransparent)
+// Lights are counted and sorted first, then opaque records, then see-through
+// meshes, helpers and emitters back to front.
+TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
 {
     start(16);
     EXPECT_FALSE(PVELEMENT::sort3D());
     PVNODE* root = make("root", PV_TYPE_NODE);
-    PVNODE* glass = make("glass", PV_TYPE_MESH, {}, root);
+    PVNODE* glass = make("glass", PV_TYPE_MESH, {0, 0, -1}, root);
     pvtest::makeTransparent(glass);
-    PVNODE* opaque = make("opaque", PV_TYPE_MESH, {}, root);
+    PVNODE* near = make("near", PV_TYPE_MESH, {0, 0, -1}, root);
     PVNODE* light1 = make("light1", PV_TYPE_LIGHT, {}, root);
+    PVNODE* far = make("far", PV_TYPE_MESH, {0, 0, -9}, root);
     PVNODE* light2 = make("light2", PV_TYPE_LIGHT, {}, root);
+    PVNODE* box = make("box", PV_TYPE_BOX, {0, 0, -5}, root);
+    PVNODE* emitter = make("emitter", PV_TYPE_EMITTER, {0, 0, -3}, root);
+    PVNODE* helper = make("helper", PV_TYPE_HELPER, {0, 0, -2}, root);
     root->pass(false);
+    EXPECT_EQ(8u, PVELEMENT::getNumberOfPassedElements());
+    ASSERT_EQ(2u, PVELEMENT::getNumberOfLights());
+    EXPECT_EQ(3u, PVELEMENT::getNumberOfTransparencies());
+    EXPECT_EQ(nullptr, PVELEMENT::getLight(2));
+
     EXPECT_TRUE(PVELEMENT::sort3D());
     const std::vector<PVNODE*> order = passedNodes();
     EXPECT_EQ((std::set<PVNODE*>{light1, light2}), (std::set<PVNODE*>{order[0], order[1]}));
-    EXPECT_EQ(opaque, order[2]);
-    EXPECT_EQ(glass, order[3]);
+    EXPECT_EQ((std::set<PVNODE*>{near, far, box}), (std::set<PVNODE*>{order[2], order[3], order[4]}));
+    EXPECT_EQ((std::vector<PVNODE*>{emitter, helper, glass}), std::vector<PVNODE*>(order.begin() + 5, order.end()));
     EXPECT_EQ(order[0], PVELEMENT::getLight(0)->getNode());
+
+    PVELEMENT::reset();
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfLights());
+    EXPECT_EQ(0u, PVELEMENT::getNumberOfTransparencies());
+    EXPECT_EQ(nullptr, PVELEMENT::getLight(0));
+    // An all-opaque list stays in pass order, near before far.
+    near->pass(false);
+    far->pass(false);
+    EXPECT_TRUE(PVELEMENT::sort3D());
+    EXPECT_EQ((std::vector<PVNODE*>{near, far}), passedNodes());
 }
 
 TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
@@ -342,18 +340,6 @@ TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
     root->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
     EXPECT_EQ((std::vector<PVNODE*>{wall, wide, far, near, spark}), passedNodes());
-}
-
-TEST_F(RenderList, Sort3DLeavesAnAllOpaqueListAlone)
-{
-    start(16);
-    PVNODE* root = make("root", PV_TYPE_NODE);
-    std::vector<PVNODE*> meshes;
-    for (int i = 0; i < 6; i++)
-        meshes.push_back(make("mesh", PV_TYPE_MESH, {0, 0, float(-i)}, root));
-    root->pass(false);
-    EXPECT_TRUE(PVELEMENT::sort3D());
-    EXPECT_EQ(meshes, passedNodes());
 }
 
 TEST_F(RenderList, Sort2DDrawsTheForemostLast)

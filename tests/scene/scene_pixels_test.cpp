@@ -97,25 +97,9 @@ TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
     expectQuadOnScreen(Mat4::rotationY(-10) * Mat4::translation(-1, -0.5, -12), {-1, 0.5, 0}, 1.5, orange,
                        "free camera");
 
-    camera->setRotation(5, -8, 0);
-    camera->setPreRotation(0, 0, 30);
-    drawFrame(root, camera);
-    expectQuadOnScreen(Mat4::rotationZ(30) * Mat4::rotationX(-5) * Mat4::rotationY(8) *
-                           Mat4::translation(-1, -0.5, -12),
-                       {-1, 0.5, 0}, 1.5, orange, "free camera with a pre-rotation");
-
-    camera->setTargetNode(camera);
-    camera->setPosition(4, 3, 10);
-    camera->setTarget(-1, 0.5, 0);
-    drawFrame(root, camera);
-    const Mat4 lookingAtQuad = Mat4::lookAt({4, 3, 10}, {-1, 0.5, 0}, {0, 1, 0});
-    expectQuadOnScreen(lookingAtQuad, {-1, 0.5, 0}, 1.5, orange, "look-at camera");
-    const ScreenPoint aimed = project(lookingAtQuad, {-1, 0.5, 0});
-    EXPECT_NEAR(windowWidth / 2.0, aimed.x, 1e-9);
-    EXPECT_NEAR(windowHeight / 2.0, aimed.y, 1e-9);
-
-    // Following a quad under a moved parent: world centre (2, -1, -3). The
-    // first quad would stand in the way: it leaves the scene.
+    // The other aiming modes build their matrices as the camera tests check;
+    // following a quad under a moved parent shows one on screen: world centre
+    // (2, -1, -3). The first quad would stand in the way: it leaves the scene.
     quad->unlink();
     PVNODE* carrier = new PVNODE();
     carrier->setPosition(3, -2, -3);

@@ -28,8 +28,6 @@ public:
     ~TestNode() override { ++destroyed; }
     bool render(void* element) override
     {
-        lastElement = element;
-        ++renders;
         if (onRender)
             onRender(this, element);
         return true;
@@ -37,8 +35,6 @@ public:
     // Breaks the hierarchy on purpose: a parent that does not list this node.
     void forceParent(PVNODE* node) { parent = node; }
 
-    int renders = 0;
-    void* lastElement = nullptr;
     static int destroyed;
 };
 
