@@ -220,8 +220,8 @@ bool PVANIM::parse(const char* file, const unsigned char* data, unsigned int siz
     uint16_t bones = 0, frames = 0;
     // Names wait here until the whole file has been checked (one rendering thread).
     static char names[PV_ANIM_MAX_BONES][PV_ANIM_NAME_SIZE];
-    bool intact = reader.skip(1) && reader.readU16(bones) && reader.readU16(frames) &&
-                  bones <= PV_ANIM_MAX_BONES;
+    bool intact =
+        reader.skip(1) && reader.readU16(bones) && reader.readU16(frames) && bones <= PV_ANIM_MAX_BONES;
     for (unsigned int b = 0; intact && b < bones; b++)
         intact = reader.readString(names[b], PV_ANIM_NAME_SIZE);
     intact = intact && reader.remaining() / pvaRecordSize >= size_t(frames) * bones;

@@ -168,7 +168,6 @@ private:
     static GLubyte* colors;
     static GLfixed* texCoords;
     static GLushort* indices;
-
 };
 
 #endif

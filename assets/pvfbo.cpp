@@ -14,9 +14,15 @@ PVFBO* PVFBO::firstFbo = nullptr;
 PVFBO* PVFBO::currentFbo = nullptr;
 int PVFBO::viewport[4] = {0, 0, 0, 0};
 
-PVFBO::PVFBO()
-    : id(kvfNewId()), previous(nullptr), next(nullptr), texture(nullptr), sizeX(0), sizeY(0),
-      frameBufferHandle(0), renderBufferHandle(0)
+PVFBO::PVFBO() :
+    id(kvfNewId()),
+    previous(nullptr),
+    next(nullptr),
+    texture(nullptr),
+    sizeX(0),
+    sizeY(0),
+    frameBufferHandle(0),
+    renderBufferHandle(0)
 {
     snprintf(name, sizeof(name), "[fbo %d]", id);
     Registry::append(this);

@@ -60,8 +60,13 @@ PVSHADER* PVSHADER::waterS = nullptr;
 PVSHADER* PVSHADER::terrainComplex = nullptr;
 PVSHADER* PVSHADER::terrainSimple = nullptr;
 
-PVSHADER::PVSHADER()
-    : id(kvfNewId()), vertexReady(false), fragmentReady(false), params(), previous(nullptr), next(nullptr)
+PVSHADER::PVSHADER() :
+    id(kvfNewId()),
+    vertexReady(false),
+    fragmentReady(false),
+    params(),
+    previous(nullptr),
+    next(nullptr)
 {
     snprintf(name, sizeof(name), "[shader %d]", id);
     strcpy(vsFilename, "[none]");
@@ -80,13 +85,24 @@ PVSHADER::~PVSHADER()
 // The built-in shader slots in creation order.
 PVSHADER** PVSHADER::builtIn(int index)
 {
-    static PVSHADER** const slots[PV_SHADER_BUILTINS] = {
-        &pplDirect, &pplOmni, &pplSpot, &pplDirectA, &pplOmniA, &pplSpotA, &pplDirectT,
-        &pplOmniT, &pplSpotT, &pplDirectTA, &pplOmniTA, &pplSpotTA, &pplSpotS, &pplSpotSA,
-        &pplSpotTS, &pplSpotTSA, &passthrough, &passthroughA, &passthroughZPass, &passthroughZPassA,
-        &bloomBright, &bloomToneMapping, &bloomCombine, &bloomForceAlpha, &bloomV, &bloomH,
-        &gaussian, &emitter, &dofCombine, &dof, &skydome, &water, &waterS, &terrainComplex,
-        &terrainSimple};
+    static PVSHADER** const slots[PV_SHADER_BUILTINS] = {&pplDirect,        &pplOmni,
+                                                         &pplSpot,          &pplDirectA,
+                                                         &pplOmniA,         &pplSpotA,
+                                                         &pplDirectT,       &pplOmniT,
+                                                         &pplSpotT,         &pplDirectTA,
+                                                         &pplOmniTA,        &pplSpotTA,
+                                                         &pplSpotS,         &pplSpotSA,
+                                                         &pplSpotTS,        &pplSpotTSA,
+                                                         &passthrough,      &passthroughA,
+                                                         &passthroughZPass, &passthroughZPassA,
+                                                         &bloomBright,      &bloomToneMapping,
+                                                         &bloomCombine,     &bloomForceAlpha,
+                                                         &bloomV,           &bloomH,
+                                                         &gaussian,         &emitter,
+                                                         &dofCombine,       &dof,
+                                                         &skydome,          &water,
+                                                         &waterS,           &terrainComplex,
+                                                         &terrainSimple};
     return slots[index];
 }
 
@@ -191,10 +207,7 @@ char* PVSHADER::getVSFilename() { return vsFilename; }
 char* PVSHADER::getPSFilename() { return psFilename; }
 unsigned int PVSHADER::getId() { return id; }
 
-unsigned int PVSHADER::getParam(unsigned int slot)
-{
-    return slot < PV_SHADER_PARAMS ? params[slot] : 0;
-}
+unsigned int PVSHADER::getParam(unsigned int slot) { return slot < PV_SHADER_PARAMS ? params[slot] : 0; }
 
 void PVSHADER::setPath(const char* path)
 {

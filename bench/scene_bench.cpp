@@ -4,8 +4,8 @@
 
 #include <pevrano.h>
 
-#include <vector>
 #include "benchengine.h"
+#include <vector>
 
 namespace {
 
@@ -33,7 +33,7 @@ PVNODE* buildThreeLevelTree()
         group->setRotation(0.0f, float(g) * 11.0f, 0.0f);
         group->link(root);
         for (int l = 0; l < 32; l++) {
-            const PV_NODE_TYPE type = l % 16 == 0 ? PV_TYPE_LIGHT
+            const PV_NODE_TYPE type = l % 16 == 0  ? PV_TYPE_LIGHT
                                       : l % 8 == 0 ? PV_TYPE_HELPER
                                                    : PV_TYPE_MESH;
             PVNODE* leaf = makeLeaf(type);

@@ -52,8 +52,14 @@ namespace {
 const unsigned int defaultVideoMemory = 16u * 1024u * 1024u;
 
 // Class-wide start-up steps of init, in order; a failure releases the ones before it.
-enum StartUpStep { SETTINGS_STARTED = 1, OPENGL_STARTED, SHADERS_STARTED, ELEMENTS_STARTED, FONTS_STARTED,
-                   MESHES_STARTED };
+enum StartUpStep {
+    SETTINGS_STARTED = 1,
+    OPENGL_STARTED,
+    SHADERS_STARTED,
+    ELEMENTS_STARTED,
+    FONTS_STARTED,
+    MESHES_STARTED
+};
 
 // Renders, in list order, the passed elements whose node type is accepted.
 template <typename Filter> void renderPassedElementsWhere(Filter accept)
@@ -114,7 +120,8 @@ bool PEVRANO::initClasses(PVSETTINGS* settings)
     if (!PVSHADER::init())
         return failStartUp("   [!] Unable to init shaders @ PEVRANO::init\n", OPENGL_STARTED);
     if (!PVELEMENT::init(settings->getRenderingElements()))
-        return failStartUp("   [!] Rendering elements failed to initialize @ PEVRANO::init\n", SHADERS_STARTED);
+        return failStartUp("   [!] Rendering elements failed to initialize @ PEVRANO::init\n",
+                           SHADERS_STARTED);
     if (!PVFONT::init())
         return failStartUp("   [!] Unable to initialize font class @ PEVRANO::init\n", ELEMENTS_STARTED);
     if (!PVMESH::init())
@@ -231,8 +238,8 @@ void PEVRANO::shadowingOn()
 
 bool PEVRANO::clear(bool color, bool depth, bool stencil)
 {
-    renderingOnFbo = PVSETTINGS::getSDLForceFBO() || (blooming && PVSHADER::useBloom()) ||
-                     (DOF && PVSHADER::useDOF());
+    renderingOnFbo =
+        PVSETTINGS::getSDLForceFBO() || (blooming && PVSHADER::useBloom()) || (DOF && PVSHADER::useDOF());
     if (renderingOnFbo)
         renderOnFbo(0);
 

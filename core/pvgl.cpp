@@ -24,16 +24,10 @@ struct ShadowStack {
 ShadowStack shadowStacks[2];
 int currentStack = PV_GL_MODELVIEW_STACK;
 
-ShadowStack& current()
-{
-    return shadowStacks[currentStack];
-}
+ShadowStack& current() { return shadowStacks[currentStack]; }
 
 // top = left * top, with K3MMATRIX's product order.
-void premultiplyTop(const K3MMATRIX& left)
-{
-    current().top() = left * current().top();
-}
+void premultiplyTop(const K3MMATRIX& left) { current().top() = left * current().top(); }
 
 void toFixed(const float* values, GLfixed* fixed, int count)
 {
@@ -83,20 +77,11 @@ void PV_glClearColor(float r, float g, float b, float a)
     glClearColorx(PV_floatToFixed(r), PV_floatToFixed(g), PV_floatToFixed(b), PV_floatToFixed(a));
 }
 
-void PV_glClearDepthf(float depth)
-{
-    glClearDepthx(PV_floatToFixed(depth));
-}
+void PV_glClearDepthf(float depth) { glClearDepthx(PV_floatToFixed(depth)); }
 
-void PV_glAlphaFunc(GLenum func, float ref)
-{
-    glAlphaFuncx(func, PV_floatToFixed(ref));
-}
+void PV_glAlphaFunc(GLenum func, float ref) { glAlphaFuncx(func, PV_floatToFixed(ref)); }
 
-void PV_glLightf(GLenum light, GLenum pname, float value)
-{
-    glLightx(light, pname, PV_floatToFixed(value));
-}
+void PV_glLightf(GLenum light, GLenum pname, float value) { glLightx(light, pname, PV_floatToFixed(value)); }
 
 void PV_glLightfv(GLenum light, GLenum pname, const float* values)
 {
@@ -117,10 +102,7 @@ void PV_glMaterialfv(GLenum face, GLenum pname, const float* values)
     glMaterialxv(face, pname, fixed);
 }
 
-void PV_glLightModelf(GLenum pname, float value)
-{
-    glLightModelx(pname, PV_floatToFixed(value));
-}
+void PV_glLightModelf(GLenum pname, float value) { glLightModelx(pname, PV_floatToFixed(value)); }
 
 void PV_glLightModelfv(GLenum pname, const float* values)
 {

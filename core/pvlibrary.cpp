@@ -10,13 +10,15 @@ namespace {
 const char* const engineVersion = PEVRANO_VERSION_STRING;
 
 // Runs before the library's other static initialisers, so they may log.
-__attribute__((constructor(101))) void libraryLoaded() {
+__attribute__((constructor(101))) void libraryLoaded()
+{
     kvfInit("pevrano_log.txt");
     kvfLog("   Log file for %s\n", engineVersion);
 }
 
 // Runs after the library's other static finalisers.
-__attribute__((destructor(101))) void libraryUnloaded() {
+__attribute__((destructor(101))) void libraryUnloaded()
+{
     kvfLog("   Log completed\n");
     kvfShutdown();
 }

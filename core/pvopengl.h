@@ -10,9 +10,9 @@ class PVFBO;
 
 // Rendering profiles read by the drawing code.
 enum PV_OPENGL_PROFILE : int {
-    PV_OPENGL_PROFILE_NORMAL = 1,     // ordinary rendering
+    PV_OPENGL_PROFILE_NORMAL = 1,  // ordinary rendering
     PV_OPENGL_PROFILE_SELECTION = 2,  // flat colour codes for picking
-    PV_OPENGL_PROFILE_DOF = 3         // depth-of-field pre-pass
+    PV_OPENGL_PROFILE_DOF = 3  // depth-of-field pre-pass
 };
 
 // Number of frame-buffer slots reachable through getFbo.

@@ -9,11 +9,10 @@
 #include <cstddef>
 #include <cstring>
 
-template <class T, T **Head, T *T::*Previous, T *T::*Next>
-class PVREGISTRY {
+template <class T, T** Head, T* T::*Previous, T* T::*Next> class PVREGISTRY {
 public:
     // Links object behind the last registered one.
-    static void append(T *object)
+    static void append(T* object)
     {
         if (!*Head) {
             *Head = object;
@@ -26,7 +25,7 @@ public:
     }
 
     // Unlinks object from its neighbours; a removed head passes the head on.
-    static void remove(T *object)
+    static void remove(T* object)
     {
         if (object->*Previous)
             (object->*Previous)->*Next = object->*Next;
@@ -43,33 +42,30 @@ public:
     static unsigned int count()
     {
         unsigned int total = 0;
-        for (T *object = *Head; object; object = object->*Next)
+        for (T* object = *Head; object; object = object->*Next)
             total++;
         return total;
     }
 
-    template <class Predicate>
-    static T *find(Predicate matches)
+    template <class Predicate> static T* find(Predicate matches)
     {
-        for (T *object = *Head; object; object = object->*Next)
+        for (T* object = *Head; object; object = object->*Next)
             if (matches(*object))
                 return object;
         return nullptr;
     }
 
     // First object whose text field equals wanted exactly; null for null.
-    template <size_t Size>
-    static T *findByText(char (T::*field)[Size], const char *wanted)
+    template <size_t Size> static T* findByText(char (T::*field)[Size], const char* wanted)
     {
         if (!wanted)
             return nullptr;
-        return find([field, wanted](const T &object) { return strcmp(object.*field, wanted) == 0; });
+        return find([field, wanted](const T& object) { return strcmp(object.*field, wanted) == 0; });
     }
 
-    template <class Value>
-    static T *findByValue(Value T::*field, Value wanted)
+    template <class Value> static T* findByValue(Value T::*field, Value wanted)
     {
-        return find([field, wanted](const T &object) { return object.*field == wanted; });
+        return find([field, wanted](const T& object) { return object.*field == wanted; });
     }
 
     // Deletes every object in registry order, reading each one's successor
@@ -78,8 +74,8 @@ public:
     static int deleteAll()
     {
         int total = 0;
-        for (T *object = *Head; object;) {
-            T *next = object->*Next;
+        for (T* object = *Head; object;) {
+            T* next = object->*Next;
             delete object;
             object = next;
             total++;
@@ -94,7 +90,7 @@ private:
     // library's own classes link and unlink, so the library keeps it to
     // itself: a symbol shared across libraries would be unique process-wide
     // and keep the library from ever being unloaded.
-    __attribute__((visibility("hidden"))) inline static T *tail = nullptr;
+    __attribute__((visibility("hidden"))) inline static T* tail = nullptr;
 };
 
 #endif

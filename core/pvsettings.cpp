@@ -51,26 +51,26 @@ const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
 
 }  // namespace
 
-PVSETTINGS::PVSETTINGS()
-    : windowX(240),
-      windowY(320),
-      colorDepth(16),
-      zetaDepth(16),
-      stencilDepth(0),
-      fullScreen(true),
-      resizable(false),
-      landscape(false),
-      CAVESplashScreen(false),
-      audioChannels(16),
-      audioBuffers(32),
-      audioElements(128),
-      renderingElements(0),
-      useShaders(false),
-      shadowMapSize(1024),
-      FBOSizeX(1024),
-      FBOSizeY(768),
-      waterSize(256),
-      forceFBO(false)
+PVSETTINGS::PVSETTINGS() :
+    windowX(240),
+    windowY(320),
+    colorDepth(16),
+    zetaDepth(16),
+    stencilDepth(0),
+    fullScreen(true),
+    resizable(false),
+    landscape(false),
+    CAVESplashScreen(false),
+    audioChannels(16),
+    audioBuffers(32),
+    audioElements(128),
+    renderingElements(0),
+    useShaders(false),
+    shadowMapSize(1024),
+    FBOSizeX(1024),
+    FBOSizeY(768),
+    waterSize(256),
+    forceFBO(false)
 {
     std::strcpy(title, PEVRANO_VERSION_STRING);
     pvePath[0] = pvaPath[0] = mpgPath[0] = '\0';

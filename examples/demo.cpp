@@ -117,7 +117,8 @@ void addEffects(PVNODE* scene)
     const struct {
         const char* file;
         float x, y, z;
-    } effects[] = {{"fire.xml", 0.0f, 0.0f, 1.0f}, {"smoke.xml", 0.0f, 0.9f, 1.0f}, {"sparks.xml", 2.0f, 0.0f, 1.5f}};
+    } effects[] = {
+        {"fire.xml", 0.0f, 0.0f, 1.0f}, {"smoke.xml", 0.0f, 0.9f, 1.0f}, {"sparks.xml", 2.0f, 0.0f, 1.5f}};
     for (const auto& effect : effects) {
         PVEMITTER* emitter = new PVEMITTER();
         if (!emitter->load((std::string(PEVRANO_EFFECTS_DIR "/") + effect.file).c_str()))
@@ -337,8 +338,9 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "the engine did not start; see %s\n", log.c_str());
         return EXIT_FAILURE;
     }
-    std::printf("display %dx%d, %d-bit colour, %s\n", PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY(),
-                PVSETTINGS::getSDLColorDepth(), PVSETTINGS::getSDLWindow() ? "X11 window" : "off-screen");
+    std::printf("display %dx%d, %d-bit colour, %s\n", PVSETTINGS::getSDLWindowX(),
+                PVSETTINGS::getSDLWindowY(), PVSETTINGS::getSDLColorDepth(),
+                PVSETTINGS::getSDLWindow() ? "X11 window" : "off-screen");
 
     PVOPENGL::setGlobalAmbientLight(0.15f, 0.15f, 0.2f, 1.0f);
     PVNODE* scene = buildScene();
@@ -358,7 +360,8 @@ int main(int argc, char** argv)
         drawFrame(frame, camera, scene, run);
         // The last frame is read before the swap, while its buffer is still defined.
         if (frame == frameCount - 1)
-            saved = saveScreenshot(screenshot.c_str(), PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
+            saved =
+                saveScreenshot(screenshot.c_str(), PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
         PEVRANO::swap();
     }
     // In an X window the interface stays live until the user quits.

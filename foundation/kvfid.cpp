@@ -18,28 +18,34 @@ unsigned int lowestFree = 1;
 
 }  // namespace
 
-bool kvfCreateIdTable() {
+bool kvfCreateIdTable()
+{
     kvfDestroyIdTable();
     idTable = static_cast<unsigned char*>(kvfMalloc(tableBytes));
-    if (!idTable) return false;
+    if (!idTable)
+        return false;
     memset(idTable, 0, tableBytes);
     lowestFree = 1;
     return true;
 }
 
-void kvfDestroyIdTable() {
-    if (!idTable) return;
+void kvfDestroyIdTable()
+{
+    if (!idTable)
+        return;
     kvfFree(idTable);
     idTable = nullptr;
 }
 
-unsigned int kvfNewId() {
+unsigned int kvfNewId()
+{
     if (!idTable) {
         kvfLog("kvfNewId: ID table not initialized\n");
         return 0;
     }
     for (unsigned int id = lowestFree; id < idLimit; ++id) {
-        if (idTable[id]) continue;
+        if (idTable[id])
+            continue;
         idTable[id] = 1;
         lowestFree = id + 1;
         return id;
@@ -49,7 +55,8 @@ unsigned int kvfNewId() {
     return 0;
 }
 
-bool kvfReleaseId(unsigned int id) {
+bool kvfReleaseId(unsigned int id)
+{
     if (id == 0 || id >= idLimit) {
         kvfLog("releaseId: invalid params (%d)\n", static_cast<int>(id));
         return false;
@@ -64,6 +71,7 @@ bool kvfReleaseId(unsigned int id) {
         return false;
     }
     idTable[id] = 0;
-    if (id < lowestFree) lowestFree = id;
+    if (id < lowestFree)
+        lowestFree = id;
     return true;
 }

@@ -21,9 +21,11 @@ KVFLOGSINK logSink = nullptr;
 void* logSinkContext = nullptr;
 
 // Appends piece to out when it fits whole (terminator included).
-bool appendWhole(char* out, size_t& length, const char* piece) {
+bool appendWhole(char* out, size_t& length, const char* piece)
+{
     size_t pieceLength = strlen(piece);
-    if (length + pieceLength + 1 > messageBytes) return false;
+    if (length + pieceLength + 1 > messageBytes)
+        return false;
     memcpy(out + length, piece, pieceLength + 1);
     length += pieceLength;
     return true;
@@ -32,19 +34,24 @@ bool appendWhole(char* out, size_t& length, const char* piece) {
 // HTML form of a message: line feeds become breaks, every blank followed by
 // another blank becomes a non-breaking space. Nothing else is escaped, so the
 // banners' tags reach the page as tags.
-void expandHtml(const char* text, char* out) {
+void expandHtml(const char* text, char* out)
+{
     size_t length = 0;
     out[0] = '\0';
     for (const char* c = text; *c; ++c) {
         const char single[2] = {*c, '\0'};
         const char* piece = single;
-        if (*c == '\n') piece = "<BR>\n";
-        else if (*c == ' ' && c[1] == ' ') piece = "&nbsp";
-        if (!appendWhole(out, length, piece)) return;
+        if (*c == '\n')
+            piece = "<BR>\n";
+        else if (*c == ' ' && c[1] == ' ')
+            piece = "&nbsp";
+        if (!appendWhole(out, length, piece))
+            return;
     }
 }
 
-void writeText(const char* text) {
+void writeText(const char* text)
+{
     if (htmlMode) {
         char expanded[messageBytes];
         expandHtml(text, expanded);
@@ -55,25 +62,30 @@ void writeText(const char* text) {
     fflush(logFile);
 }
 
-void echoToConsole(const char* text) {
-    if (!consoleEcho) return;
+void echoToConsole(const char* text)
+{
+    if (!consoleEcho)
+        return;
     fputs(text, stdout);
     fflush(stdout);
 }
 
 // Day first, no leading zeros: 3/7/2008 14:5:9.120.
-void formatDateTime(char* out, size_t capacity) {
+void formatDateTime(char* out, size_t capacity)
+{
     kvfLocalTime now = kvfGetLocalTime();
-    snprintf(out, capacity, "%u/%u/%u %u:%u:%u.%u", now.day, now.month, now.year, now.hour,
-             now.minute, now.second, now.millisecond);
+    snprintf(out, capacity, "%u/%u/%u %u:%u:%u.%u", now.day, now.month, now.year, now.hour, now.minute,
+             now.second, now.millisecond);
 }
 
-void formatClockTime(char* out, size_t capacity) {
+void formatClockTime(char* out, size_t capacity)
+{
     kvfLocalTime now = kvfGetLocalTime();
     snprintf(out, capacity, "%u:%u:%u.%u", now.hour, now.minute, now.second, now.millisecond);
 }
 
-void writeSummary() {
+void writeSummary()
+{
     char timeText[64];
     formatDateTime(timeText, sizeof timeText);
     if (htmlMode)
@@ -97,10 +109,13 @@ void writeSummary() {
 
 }  // namespace
 
-bool kvfOpenLog(const char* logFileName) {
-    if (logFile || !logFileName) return false;
+bool kvfOpenLog(const char* logFileName)
+{
+    if (logFile || !logFileName)
+        return false;
     logFile = fopen(logFileName, "w");
-    if (!logFile) return false;
+    if (!logFile)
+        return false;
     if (strstr(logFileName, ".html")) {
         htmlMode = true;
         kvfLog("<HTML><BODY>");
@@ -108,7 +123,8 @@ bool kvfOpenLog(const char* logFileName) {
     return true;
 }
 
-void kvfLogStartBanner() {
+void kvfLogStartBanner()
+{
     char timeText[64];
     formatDateTime(timeText, sizeof timeText);
     if (htmlMode)
@@ -119,15 +135,19 @@ void kvfLogStartBanner() {
                KVF_VERSION_STRING, timeText);
 }
 
-void kvfCloseLog() {
-    if (!logFile) return;
+void kvfCloseLog()
+{
+    if (!logFile)
+        return;
     writeSummary();
     fclose(logFile);
     logFile = nullptr;
 }
 
-bool kvfLog(const char* format, ...) {
-    if (!logFile || !format) return false;
+bool kvfLog(const char* format, ...)
+{
+    if (!logFile || !format)
+        return false;
     char message[messageBytes];
     va_list arguments;
     va_start(arguments, format);
@@ -135,11 +155,13 @@ bool kvfLog(const char* format, ...) {
     va_end(arguments);
     echoToConsole(message);
     writeText(message);
-    if (logSink) logSink(message, logSinkContext);
+    if (logSink)
+        logSink(message, logSinkContext);
     return true;
 }
 
-bool kvfError(const char* from, const char* detail, const char* format, ...) {
+bool kvfError(const char* from, const char* detail, const char* format, ...)
+{
     char message[messageBytes] = "";
     if (format) {
         va_list arguments;
@@ -172,7 +194,8 @@ bool kvfError(const char* from, const char* detail, const char* format, ...) {
 
 void kvfSetConsoleEcho(bool on) { consoleEcho = on; }
 
-void kvfSetLogSink(KVFLOGSINK sink, void* context) {
+void kvfSetLogSink(KVFLOGSINK sink, void* context)
+{
     logSink = sink;
     logSinkContext = context;
 }

@@ -10,18 +10,22 @@ kvfMemoryStats counters;
 
 // The peak is a 32-bit figure: larger amounts of memory in use read as the
 // largest one it holds.
-unsigned int physicalMemoryInUse() {
+unsigned int physicalMemoryInUse()
+{
     unsigned long long inUse = kvfPhysicalMemoryInUse();
     return inUse > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(inUse);
 }
 
-void raisePeakPhysical() {
+void raisePeakPhysical()
+{
     unsigned int inUse = physicalMemoryInUse();
-    if (inUse > counters.peakPhysical) counters.peakPhysical = inUse;
+    if (inUse > counters.peakPhysical)
+        counters.peakPhysical = inUse;
 }
 }  // namespace
 
-void* kvfMalloc(unsigned int size) {
+void* kvfMalloc(unsigned int size)
+{
     counters.ratio += 1;
     counters.allocations += 1;
     counters.totalBytes += size;
@@ -30,7 +34,8 @@ void* kvfMalloc(unsigned int size) {
     return block;
 }
 
-void kvfFree(void* block) {
+void kvfFree(void* block)
+{
     counters.ratio -= 1;
     counters.releases += 1;
     free(block);

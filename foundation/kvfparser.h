@@ -9,9 +9,9 @@
 
 // An open parser; owned by the caller, closed while buffer is null.
 struct kvfParser {
-    char* buffer = nullptr; // file content plus a terminating zero byte
-    int size = 0;           // content size in bytes
-    int position = 0;       // where the next line read starts
+    char* buffer = nullptr;  // file content plus a terminating zero byte
+    int size = 0;  // content size in bytes
+    int position = 0;  // where the next line read starts
 };
 
 bool kvfOpenParser(kvfParser* parser, const char* path);

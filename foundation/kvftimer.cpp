@@ -10,7 +10,7 @@ const int timerCount = 8;
 struct TimerSlot {
     float fps = 0.0f;
     float factor = 0.0f;
-    float rate = 0.0f; // 0.0 marks a free slot
+    float rate = 0.0f;  // 0.0 marks a free slot
     long long frequency = 0;
     long long now = 0;
     long long last = 0;
@@ -20,7 +20,8 @@ TimerSlot timers[timerCount];
 
 // The slot behind a handle; null, with the caller's "wrong params" line, for
 // an out-of-range handle or a free slot.
-TimerSlot* usedSlot(int timer, const char* caller) {
+TimerSlot* usedSlot(int timer, const char* caller)
+{
     if (timer < 0 || timer >= timerCount || timers[timer].rate == 0.0f) {
         kvfLog("%s: wrong params\n", caller);
         return nullptr;
@@ -30,14 +31,18 @@ TimerSlot* usedSlot(int timer, const char* caller) {
 
 }  // namespace
 
-void kvfResetTimers() {
-    for (TimerSlot& slot : timers) slot.rate = 0.0f;
+void kvfResetTimers()
+{
+    for (TimerSlot& slot : timers)
+        slot.rate = 0.0f;
 }
 
-int kvfNewTimer(float rate) {
+int kvfNewTimer(float rate)
+{
     for (int index = 0; index < timerCount; ++index) {
         TimerSlot& slot = timers[index];
-        if (slot.rate != 0.0f) continue;
+        if (slot.rate != 0.0f)
+            continue;
         slot.rate = rate;
         slot.last = kvfPerformanceCounter();
         slot.frequency = kvfPerformanceFrequency();
@@ -47,34 +52,43 @@ int kvfNewTimer(float rate) {
     return -1;
 }
 
-bool kvfFreeTimer(int timer) {
+bool kvfFreeTimer(int timer)
+{
     TimerSlot* slot = usedSlot(timer, "kvfFreeTimer");
-    if (!slot) return false;
+    if (!slot)
+        return false;
     slot->rate = 0.0f;
     return true;
 }
 
-bool kvfAdjournTimer(int timer) {
+bool kvfAdjournTimer(int timer)
+{
     TimerSlot* slot = usedSlot(timer, "kvfAdjournTimer");
-    if (!slot) return false;
+    if (!slot)
+        return false;
     slot->now = kvfPerformanceCounter();
     float ticks = static_cast<float>(slot->now - slot->last);
     float frequency = static_cast<float>(slot->frequency);
     slot->factor = ticks / (frequency / slot->rate);
-    if (!(slot->factor > 0.0f)) slot->factor = 1.0f;
+    if (!(slot->factor > 0.0f))
+        slot->factor = 1.0f;
     slot->fps = slot->rate / slot->factor;
     slot->last = slot->now;
     return true;
 }
 
-float kvfGetTimerFactor(int timer) {
+float kvfGetTimerFactor(int timer)
+{
     const TimerSlot* slot = usedSlot(timer, "kvfGetTimerFactor");
-    if (!slot) return -1.0f;
+    if (!slot)
+        return -1.0f;
     return slot->factor;
 }
 
-float kvfGetTimerFps(int timer) {
+float kvfGetTimerFps(int timer)
+{
     const TimerSlot* slot = usedSlot(timer, "kvfGetTimerFps");
-    if (!slot) return -1.0f;
+    if (!slot)
+        return -1.0f;
     return slot->fps;
 }

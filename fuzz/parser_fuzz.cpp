@@ -21,11 +21,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     kvfGetFloat(&parser, "PEVRANO_farPlane", &real);
     kvfGetString(&parser, "PEVRANO_windowTitle", line);
     kvfStripComments(&parser, '#');
-    while (kvfReadLine(&parser, line)) {
-    }
+    while (kvfReadLine(&parser, line)) {}
     parser.position = 0;
-    while (kvfReadCompactLine(&parser, line)) {
-    }
+    while (kvfReadCompactLine(&parser, line)) {}
     kvfCloseParser(&parser);
     return 0;
 }

@@ -18,7 +18,7 @@ float degrees(double r) { return float(r * 180.0 / 3.1415927410125732); }
 
 // Common part of setRotationX/Y/Z: the 3x3 block, the bottom row and the
 // y, z translation zeroed, 1 in m[12], m[15] left as it is.
-void clearForAxisRotation(float *m)
+void clearForAxisRotation(float* m)
 {
     for (int i = 0; i < 12; i++)
         m[i] = 0.0f;
@@ -102,19 +102,18 @@ void K3MMATRIX::setRotation(float angle, float x, float y, float z)
 {
     float r = angle / 180.0f * PI_FLOAT;
     float c = cosf64(r), s = sinf64(r), t = 1.0f - c;
-    *this = K3MMATRIX(x * x * t + c, x * y * t + z * s, x * z * t - y * s, 0.0f,
-                      y * x * t - z * s, y * y * t + c, y * z * t + x * s, 0.0f,
-                      x * z * t + y * s, y * z * t - x * s, z * z * t + c, 0.0f,
-                      0.0f, 0.0f, 0.0f, 1.0f);
+    *this = K3MMATRIX(x * x * t + c, x * y * t + z * s, x * z * t - y * s, 0.0f, y * x * t - z * s,
+                      y * y * t + c, y * z * t + x * s, 0.0f, x * z * t + y * s, y * z * t - x * s,
+                      z * z * t + c, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f);
 }
 
-K3MMATRIX K3MMATRIX::fromQuaternion(const K3MVECTOR4D &q)
+K3MMATRIX K3MMATRIX::fromQuaternion(const K3MVECTOR4D& q)
 {
     float x = q.x, y = q.y, z = q.z, w = q.w;
     *this = K3MMATRIX(1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w), 0.0f,
                       2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w), 0.0f,
-                      2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y), 0.0f,
-                      0.0f, 0.0f, 0.0f, 1.0f);
+                      2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y), 0.0f, 0.0f, 0.0f,
+                      0.0f, 1.0f);
     return *this;
 }
 
@@ -175,6 +174,5 @@ K3MVECTOR3D K3MMATRIX::toEuler() const
     if (m[4] < -0.998)
         return K3MVECTOR3D(degrees(std::atan2(double(m[2]), double(m[10]))), -90.0f, 0.0f);
     return K3MVECTOR3D(degrees(std::atan2(double(-m[8]), double(m[0]))),
-                       degrees(std::atan2(double(-m[6]), double(m[5]))),
-                       degrees(std::asin(double(m[4]))));
+                       degrees(std::atan2(double(-m[6]), double(m[5]))), degrees(std::asin(double(m[4]))));
 }

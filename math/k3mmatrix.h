@@ -11,14 +11,16 @@ public:
     float m[16];
 
     K3MMATRIX() { setIdentity(); }
-    K3MMATRIX(const float *v)
+    K3MMATRIX(const float* v)
     {
         for (int i = 0; i < 16; i++)
             m[i] = v[i];
     }
-    K3MMATRIX(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7,
-              float m8, float m9, float m10, float m11, float m12, float m13, float m14, float m15)
-        : m{m0, m1, m2, m3, m4, m5, m6, m7, m8, m9, m10, m11, m12, m13, m14, m15} {}
+    K3MMATRIX(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8,
+              float m9, float m10, float m11, float m12, float m13, float m14, float m15) :
+        m {m0, m1, m2, m3, m4, m5, m6, m7, m8, m9, m10, m11, m12, m13, m14, m15}
+    {
+    }
 
     void setIdentity()
     {
@@ -41,15 +43,25 @@ public:
     }
 
     K3MVECTOR3D getTranslation() const { return K3MVECTOR3D(m[12], m[13], m[14]); }
-    void setTranslation(float x, float y, float z) { m[12] = x; m[13] = y; m[14] = z; }
-    void setTranslation(const K3MVECTOR3D &t) { setTranslation(t.x, t.y, t.z); }
+    void setTranslation(float x, float y, float z)
+    {
+        m[12] = x;
+        m[13] = y;
+        m[14] = z;
+    }
+    void setTranslation(const K3MVECTOR3D& t) { setTranslation(t.x, t.y, t.z); }
     // Overwrites the three diagonal elements only.
-    void setScaling(const K3MVECTOR3D &s) { m[0] = s.x; m[5] = s.y; m[10] = s.z; }
+    void setScaling(const K3MVECTOR3D& s)
+    {
+        m[0] = s.x;
+        m[5] = s.y;
+        m[10] = s.z;
+    }
 
     // C = A * B: C[4c + r] = sum over k of A[4c + k] * B[4k + r]. In GL terms
     // this is B.A: the right-hand operand is applied after the left one, as a
     // parent's transform after its child's.
-    K3MMATRIX operator*(const K3MMATRIX &b) const
+    K3MMATRIX operator*(const K3MMATRIX& b) const
     {
         K3MMATRIX c;
         for (int col = 0; col < 4; col++)
@@ -58,7 +70,7 @@ public:
                                      m[4 * col + 2] * b.m[8 + row] + m[4 * col + 3] * b.m[12 + row];
         return c;
     }
-    K3MMATRIX operator*=(const K3MMATRIX &b) { return *this = *this * b; }
+    K3MMATRIX operator*=(const K3MMATRIX& b) { return *this = *this * b; }
 
     void transpose();
     // Determinant of the 3x3 rotation/scale block.
@@ -68,22 +80,21 @@ public:
     void invert() { *this = inverse(); }
 
     // R.v with the 3x3 block only.
-    K3MVECTOR3D rotate(const K3MVECTOR2D &v) const
+    K3MVECTOR3D rotate(const K3MVECTOR2D& v) const
     {
         return K3MVECTOR3D(v.x * m[0] + v.y * m[4], v.x * m[1] + v.y * m[5], v.x * m[2] + v.y * m[6]);
     }
-    K3MVECTOR3D rotate(const K3MVECTOR3D &v) const
+    K3MVECTOR3D rotate(const K3MVECTOR3D& v) const
     {
-        return K3MVECTOR3D(v.x * m[0] + v.y * m[4] + v.z * m[8],
-                           v.x * m[1] + v.y * m[5] + v.z * m[9],
+        return K3MVECTOR3D(v.x * m[0] + v.y * m[4] + v.z * m[8], v.x * m[1] + v.y * m[5] + v.z * m[9],
                            v.x * m[2] + v.y * m[6] + v.z * m[10]);
     }
-    K3MVECTOR3D rotate(const K3MVECTOR4D &v) const { return rotate(K3MVECTOR3D(v.x, v.y, v.z)); }
+    K3MVECTOR3D rotate(const K3MVECTOR4D& v) const { return rotate(K3MVECTOR3D(v.x, v.y, v.z)); }
 
     // M.(v, 1); a 4D argument scales the translation column by its w.
-    K3MVECTOR4D transform(const K3MVECTOR2D &v) const { return transform(K3MVECTOR4D(v.x, v.y, 0.0f, 1.0f)); }
-    K3MVECTOR4D transform(const K3MVECTOR3D &v) const { return transform(K3MVECTOR4D(v.x, v.y, v.z, 1.0f)); }
-    K3MVECTOR4D transform(const K3MVECTOR4D &v) const
+    K3MVECTOR4D transform(const K3MVECTOR2D& v) const { return transform(K3MVECTOR4D(v.x, v.y, 0.0f, 1.0f)); }
+    K3MVECTOR4D transform(const K3MVECTOR3D& v) const { return transform(K3MVECTOR4D(v.x, v.y, v.z, 1.0f)); }
+    K3MVECTOR4D transform(const K3MVECTOR4D& v) const
     {
         return K3MVECTOR4D(v.x * m[0] + v.y * m[4] + v.z * m[8] + v.w * m[12],
                            v.x * m[1] + v.y * m[5] + v.z * m[9] + v.w * m[13],
@@ -101,7 +112,7 @@ public:
     // normalised); the translation is cleared.
     void setRotation(float angle, float x, float y, float z);
 
-    K3MMATRIX fromQuaternion(const K3MVECTOR4D &q);
+    K3MMATRIX fromQuaternion(const K3MVECTOR4D& q);
     K3MVECTOR4D toQuaterion() const;
     // The variant the skeletal animation uses; its signs are those of the
     // conjugate of toQuaterion's first case.

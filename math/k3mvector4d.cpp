@@ -1,28 +1,16 @@
 #include "math/k3mvector4d.h"
 #include "math/k3mvectorops.h"
 
-float K3MVECTOR4D::length() const
-{
-    return k3mvectorops::length(*this);
-}
+float K3MVECTOR4D::length() const { return k3mvectorops::length(*this); }
 
-K3MVECTOR4D K3MVECTOR4D::setLength(float l)
-{
-    return k3mvectorops::setLength(*this, l);
-}
+K3MVECTOR4D K3MVECTOR4D::setLength(float l) { return k3mvectorops::setLength(*this, l); }
 
-K3MVECTOR4D K3MVECTOR4D::normalize()
-{
-    return k3mvectorops::normalize(*this);
-}
+K3MVECTOR4D K3MVECTOR4D::normalize() { return k3mvectorops::normalize(*this); }
 
-double K3MVECTOR4D::angle(const K3MVECTOR4D &v) const
-{
-    return k3mvectorops::angle(*this, v);
-}
+double K3MVECTOR4D::angle(const K3MVECTOR4D& v) const { return k3mvectorops::angle(*this, v); }
 
 // The 3D point has no w, so its z stands in for it in the fourth difference.
-float K3MVECTOR4D::distance(const K3MVECTOR3D &v) const
+float K3MVECTOR4D::distance(const K3MVECTOR3D& v) const
 {
     float dx = v.x - x, dy = v.y - y, dz = v.z - z, dw = v.z - w;
     return float(std::sqrt(double(dx * dx + dy * dy + dz * dz + dw * dw)));
@@ -34,9 +22,7 @@ K3MVECTOR4D K3MVECTOR4D::quaternionSetEulers(float a, float b, float c)
     float sa = float(std::sin(double(a / 2))), ca = float(std::cos(double(a / 2)));
     float sb = float(std::sin(double(b / 2))), cb = float(std::cos(double(b / 2)));
     float sc = float(std::sin(double(c / 2))), cc = float(std::cos(double(c / 2)));
-    return set(ca * sb * cc + sa * cb * sc,
-               sa * cb * cc - ca * sb * sc,
-               ca * cb * sc - sa * sb * cc,
+    return set(ca * sb * cc + sa * cb * sc, sa * cb * cc - ca * sb * sc, ca * cb * sc - sa * sb * cc,
                ca * cb * cc + sa * sb * sc);
 }
 

@@ -12,21 +12,30 @@ public:
 
     K3MVECTOR4D() : x(0.0f), y(0.0f), z(0.0f), w(1.0f) {}
     K3MVECTOR4D(float x_, float y_, float z_, float w_) : x(x_), y(y_), z(z_), w(w_) {}
-    K3MVECTOR4D(double x_, double y_, double z_, double w_)
-        : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
-    K3MVECTOR4D(int x_, int y_, int z_, int w_)
-        : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
-    K3MVECTOR4D(const float *v) : x(v[0]), y(v[1]), z(v[2]), w(v[3]) {}
+    K3MVECTOR4D(double x_, double y_, double z_, double w_) :
+        x(float(x_)),
+        y(float(y_)),
+        z(float(z_)),
+        w(float(w_))
+    {
+    }
+    K3MVECTOR4D(int x_, int y_, int z_, int w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
+    K3MVECTOR4D(const float* v) : x(v[0]), y(v[1]), z(v[2]), w(v[3]) {}
     // Mixed argument types (ints with floats, say) convert each to float.
     template <class X, class Y, class Z, class W, class = K3MNumbers<X, Y, Z, W>>
-    K3MVECTOR4D(X x_, Y y_, Z z_, W w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
+    K3MVECTOR4D(X x_, Y y_, Z z_, W w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_))
+    {
+    }
     // Smaller vectors gain z = 0 and w = 1 (also used for assignment).
-    K3MVECTOR4D(const K3MVECTOR2D &v) : x(v.x), y(v.y), z(0.0f), w(1.0f) {}
-    K3MVECTOR4D(const K3MVECTOR3D &v) : x(v.x), y(v.y), z(v.z), w(1.0f) {}
+    K3MVECTOR4D(const K3MVECTOR2D& v) : x(v.x), y(v.y), z(0.0f), w(1.0f) {}
+    K3MVECTOR4D(const K3MVECTOR3D& v) : x(v.x), y(v.y), z(v.z), w(1.0f) {}
 
     K3MVECTOR4D set(float x_, float y_, float z_, float w_)
     {
-        x = x_; y = y_; z = z_; w = w_;
+        x = x_;
+        y = y_;
+        z = z_;
+        w = w_;
         return *this;
     }
     K3MVECTOR4D set(double x_, double y_, double z_, double w_)
@@ -37,65 +46,85 @@ public:
     {
         return set(float(x_), float(y_), float(z_), float(w_));
     }
-    K3MVECTOR4D set(const float *v) { return set(v[0], v[1], v[2], v[3]); }
+    K3MVECTOR4D set(const float* v) { return set(v[0], v[1], v[2], v[3]); }
     template <class X, class Y, class Z, class W, class = K3MNumbers<X, Y, Z, W>>
-    K3MVECTOR4D set(X x_, Y y_, Z z_, W w_) { return set(float(x_), float(y_), float(z_), float(w_)); }
+    K3MVECTOR4D set(X x_, Y y_, Z z_, W w_)
+    {
+        return set(float(x_), float(y_), float(z_), float(w_));
+    }
     // Zeroes w as well, unlike the default constructor.
     void reset() { x = y = z = w = 0.0f; }
 
     // An index outside 0..3 ends the process with status 1.
-    float &operator[](int i)
+    float& operator[](int i)
     {
         switch (i) {
-        case 0: return x;
-        case 1: return y;
-        case 2: return z;
-        case 3: return w;
-        default: std::exit(1);
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        case 3:
+            return w;
+        default:
+            std::exit(1);
         }
     }
-    const float &operator[](int i) const { return const_cast<K3MVECTOR4D &>(*this)[i]; }
-    operator float *() { return &x; }
-    operator const float *() const { return &x; }
+    const float& operator[](int i) const { return const_cast<K3MVECTOR4D&>(*this)[i]; }
+    operator float*() { return &x; }
+    operator const float*() const { return &x; }
 
-    int operator==(const K3MVECTOR4D &v) const { return x == v.x && y == v.y && z == v.z && w == v.w; }
-    int operator!=(const K3MVECTOR4D &v) const { return !(*this == v); }
+    int operator==(const K3MVECTOR4D& v) const { return x == v.x && y == v.y && z == v.z && w == v.w; }
+    int operator!=(const K3MVECTOR4D& v) const { return !(*this == v); }
 
     K3MVECTOR4D operator+() const { return *this; }
     K3MVECTOR4D operator-() const { return K3MVECTOR4D(-x, -y, -z, -w); }
 
-    K3MVECTOR4D operator+(const K3MVECTOR4D &v) const { return K3MVECTOR4D(x + v.x, y + v.y, z + v.z, w + v.w); }
-    K3MVECTOR4D operator-(const K3MVECTOR4D &v) const { return K3MVECTOR4D(x - v.x, y - v.y, z - v.z, w - v.w); }
-    K3MVECTOR4D operator*(const K3MVECTOR4D &v) const { return K3MVECTOR4D(x * v.x, y * v.y, z * v.z, w * v.w); }
-    K3MVECTOR4D operator/(const K3MVECTOR4D &v) const { return K3MVECTOR4D(x / v.x, y / v.y, z / v.z, w / v.w); }
+    K3MVECTOR4D operator+(const K3MVECTOR4D& v) const
+    {
+        return K3MVECTOR4D(x + v.x, y + v.y, z + v.z, w + v.w);
+    }
+    K3MVECTOR4D operator-(const K3MVECTOR4D& v) const
+    {
+        return K3MVECTOR4D(x - v.x, y - v.y, z - v.z, w - v.w);
+    }
+    K3MVECTOR4D operator*(const K3MVECTOR4D& v) const
+    {
+        return K3MVECTOR4D(x * v.x, y * v.y, z * v.z, w * v.w);
+    }
+    K3MVECTOR4D operator/(const K3MVECTOR4D& v) const
+    {
+        return K3MVECTOR4D(x / v.x, y / v.y, z / v.z, w / v.w);
+    }
     K3MVECTOR4D operator+(float f) const { return K3MVECTOR4D(x + f, y + f, z + f, w + f); }
     K3MVECTOR4D operator-(float f) const { return K3MVECTOR4D(x - f, y - f, z - f, w - f); }
     K3MVECTOR4D operator*(float f) const { return K3MVECTOR4D(x * f, y * f, z * f, w * f); }
     K3MVECTOR4D operator/(float f) const { return K3MVECTOR4D(x / f, y / f, z / f, w / f); }
 
-    K3MVECTOR4D operator+=(const K3MVECTOR4D &v) { return *this = *this + v; }
-    K3MVECTOR4D operator-=(const K3MVECTOR4D &v) { return *this = *this - v; }
-    K3MVECTOR4D operator*=(const K3MVECTOR4D &v) { return *this = *this * v; }
-    K3MVECTOR4D operator/=(const K3MVECTOR4D &v) { return *this = *this / v; }
+    K3MVECTOR4D operator+=(const K3MVECTOR4D& v) { return *this = *this + v; }
+    K3MVECTOR4D operator-=(const K3MVECTOR4D& v) { return *this = *this - v; }
+    K3MVECTOR4D operator*=(const K3MVECTOR4D& v) { return *this = *this * v; }
+    K3MVECTOR4D operator/=(const K3MVECTOR4D& v) { return *this = *this / v; }
     K3MVECTOR4D operator*=(float f) { return *this = *this * f; }
     K3MVECTOR4D operator/=(float f) { return *this = *this / f; }
 
     // Dot product over all four components.
-    float operator%(const K3MVECTOR4D &v) const { return x * v.x + y * v.y + z * v.z + w * v.w; }
+    float operator%(const K3MVECTOR4D& v) const { return x * v.x + y * v.y + z * v.z + w * v.w; }
 
     float squaredLength() const { return *this % *this; }
     float length() const;
     K3MVECTOR4D setLength(float l);
     K3MVECTOR4D normalize();
-    double angle(const K3MVECTOR4D &v) const;
+    double angle(const K3MVECTOR4D& v) const;
     // Takes a 3D point; the fourth difference pairs its z with this w.
-    float distance(const K3MVECTOR3D &v) const;
-    K3MVECTOR4D lerp(const K3MVECTOR4D &b, float t) const { return *this + (b - *this) * t; }
+    float distance(const K3MVECTOR3D& v) const;
+    K3MVECTOR4D lerp(const K3MVECTOR4D& b, float t) const { return *this + (b - *this) * t; }
 
     // Quaternion operations; angles in radians.
     K3MVECTOR4D quaternionSetIdentity() { return set(0.0f, 0.0f, 0.0f, 1.0f); }
     K3MVECTOR4D quaternionSetEulers(float a, float b, float c);
-    K3MVECTOR4D quaternionSetEulers(const K3MVECTOR3D &angles)
+    K3MVECTOR4D quaternionSetEulers(const K3MVECTOR3D& angles)
     {
         return quaternionSetEulers(angles.x, angles.y, angles.z);
     }
@@ -107,12 +136,10 @@ public:
     K3MVECTOR4D quaternionInverted() const { return K3MVECTOR4D(-x, -y, -z, w); }
     K3MVECTOR4D quaternionInvert() { return *this = quaternionInverted(); }
     // Hamilton product this * q.
-    K3MVECTOR4D quaternionMultiply(const K3MVECTOR4D &q) const
+    K3MVECTOR4D quaternionMultiply(const K3MVECTOR4D& q) const
     {
-        return K3MVECTOR4D(w * q.x + x * q.w + y * q.z - z * q.y,
-                           w * q.y + y * q.w + z * q.x - x * q.z,
-                           w * q.z + z * q.w + x * q.y - y * q.x,
-                           w * q.w - x * q.x - y * q.y - z * q.z);
+        return K3MVECTOR4D(w * q.x + x * q.w + y * q.z - z * q.y, w * q.y + y * q.w + z * q.x - x * q.z,
+                           w * q.z + z * q.w + x * q.y - y * q.x, w * q.w - x * q.x - y * q.y - z * q.z);
     }
 };
 

@@ -8,22 +8,13 @@
 namespace k3mvectorops {
 
 // Square root taken in double precision, rounded to float.
-template <class V>
-float length(const V &v)
-{
-    return float(std::sqrt(double(v.squaredLength())));
-}
+template <class V> float length(const V& v) { return float(std::sqrt(double(v.squaredLength()))); }
 
 // No guard against a zero length: a zero vector becomes NaN.
-template <class V>
-V setLength(V &v, float l)
-{
-    return v *= l / length(v);
-}
+template <class V> V setLength(V& v, float l) { return v *= l / length(v); }
 
 // A zero vector is divided by 1 and stays zero.
-template <class V>
-V normalize(V &v)
+template <class V> V normalize(V& v)
 {
     float len = length(v);
     if (len == 0.0f)
@@ -32,8 +23,7 @@ V normalize(V &v)
 }
 
 // Angle in radians; a NaN (zero-length operand, cosine rounded past 1) gives 0.
-template <class V>
-double angle(const V &a, const V &b)
+template <class V> double angle(const V& a, const V& b)
 {
     double result = std::acos(double((a % b) / (length(a) * length(b))));
     return std::isnan(result) ? 0.0 : result;

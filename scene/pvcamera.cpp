@@ -37,10 +37,8 @@ void PVCAMERA::lookAt(const K3MVECTOR3D& eye, const K3MVECTOR3D& centre, const K
     s.normalize();
     K3MVECTOR3D v = f ^ s;
     v.normalize();
-    const K3MMATRIX view(s.x, v.x, f.x, 0.0f,
-                         s.y, v.y, f.y, 0.0f,
-                         s.z, v.z, f.z, 0.0f,
-                         0.0f, 0.0f, 0.0f, 1.0f);
+    const K3MMATRIX view(s.x, v.x, f.x, 0.0f, s.y, v.y, f.y, 0.0f, s.z, v.z, f.z, 0.0f, 0.0f, 0.0f, 0.0f,
+                         1.0f);
     PV_glLoadMatrixf(view.m);
     PV_glTranslatef(-eye.x, -eye.y, -eye.z);
 }

@@ -22,15 +22,15 @@ unsigned int PVELEMENT::numberOfElements = 0;
 unsigned int PVELEMENT::numberOfPassedElements = 0;
 unsigned int PVELEMENT::numberOfLights = 0;
 unsigned int PVELEMENT::numberOfTransparencies = 0;
-PVELEMENT *PVELEMENT::element = nullptr;
-PVELEMENT **PVELEMENT::elementPointer = nullptr;
+PVELEMENT* PVELEMENT::element = nullptr;
+PVELEMENT** PVELEMENT::elementPointer = nullptr;
 
-PVELEMENT *PVELEMENT::getNearestLight(unsigned int slot) const
+PVELEMENT* PVELEMENT::getNearestLight(unsigned int slot) const
 {
     return slot < PV_ELEMENT_LIGHTS ? nearestLight[slot] : nullptr;
 }
 
-void PVELEMENT::setNearestLight(unsigned int slot, PVELEMENT *light)
+void PVELEMENT::setNearestLight(unsigned int slot, PVELEMENT* light)
 {
     if (slot < PV_ELEMENT_LIGHTS)
         nearestLight[slot] = light;
@@ -44,8 +44,8 @@ bool PVELEMENT::init(unsigned int n)
     }
     if (n == 0 || n > PV_ELEMENT_MAX)
         n = PV_ELEMENT_MAX;
-    void *records = kvfMalloc(n * sizeof(PVELEMENT));
-    void *pointers = kvfMalloc(n * sizeof(PVELEMENT *));
+    void* records = kvfMalloc(n * sizeof(PVELEMENT));
+    void* pointers = kvfMalloc(n * sizeof(PVELEMENT*));
     if (!records || !pointers) {
         if (records)
             kvfFree(records);
@@ -54,8 +54,8 @@ bool PVELEMENT::init(unsigned int n)
         kvfLog("   [!] Out of memory @ PVELEMENT::init\n");
         return false;
     }
-    element = static_cast<PVELEMENT *>(records);
-    elementPointer = static_cast<PVELEMENT **>(pointers);
+    element = static_cast<PVELEMENT*>(records);
+    elementPointer = static_cast<PVELEMENT**>(pointers);
     for (unsigned int i = 0; i < n; i++)
         elementPointer[i] = new (&element[i]) PVELEMENT();
     numberOfElements = n;
@@ -87,7 +87,7 @@ void PVELEMENT::reset()
     numberOfTransparencies = 0;
 }
 
-bool PVELEMENT::pass(PVNODE *node, bool flag)
+bool PVELEMENT::pass(PVNODE* node, bool flag)
 {
     if (!node) {
         kvfLog("   [!] Invalid params @ PVELEMENT::pass\n");
@@ -102,7 +102,7 @@ bool PVELEMENT::pass(PVNODE *node, bool flag)
 
 // The flag is not used: the first child of a minimised window is passed with
 // it set, every other child with it clear.
-bool PVELEMENT::passNode(PVNODE *node, bool)
+bool PVELEMENT::passNode(PVNODE* node, bool)
 {
     PV_glPushMatrix();
     node->applyLocalTransform();
@@ -122,20 +122,20 @@ bool PVELEMENT::passNode(PVNODE *node, bool)
     return true;
 }
 
-void PVELEMENT::passChildren(PVNODE *node)
+void PVELEMENT::passChildren(PVNODE* node)
 {
     for (unsigned int i = 0; i < node->getNumberOfChildren(); i++)
         node->getChild(i)->pass(false);
 }
 
-bool PVELEMENT::isHiddenMesh(PVNODE *node)
+bool PVELEMENT::isHiddenMesh(PVNODE* node)
 {
-    return node->getType() == PV_TYPE_MESH && static_cast<PVMESH *>(node)->isHidden();
+    return node->getType() == PV_TYPE_MESH && static_cast<PVMESH*>(node)->isHidden();
 }
 
 // Distance culling of mesh-like nodes against the eye at the origin of the
 // current model-view space.
-bool PVELEMENT::isClipped(PVNODE *node)
+bool PVELEMENT::isClipped(PVNODE* node)
 {
     const PV_NODE_TYPE type = node->getType();
     if (!clipping || (type != PV_TYPE_MESH && type != PV_TYPE_TERRAIN && type != PV_TYPE_HELPER))
@@ -150,26 +150,26 @@ bool PVELEMENT::isClipped(PVNODE *node)
     return true;
 }
 
-void PVELEMENT::addRecord(PVNODE *node)
+void PVELEMENT::addRecord(PVNODE* node)
 {
-    PVELEMENT &record = element[numberOfPassedElements];
+    PVELEMENT& record = element[numberOfPassedElements];
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, node->getCachedMatrix()->m);
     record.node = node;
     record.auxId = node->getAuxId();
     record.matrix = *node->getCachedMatrix();
     record.param1 = 0;
-    for (PVELEMENT *&light : record.nearestLight)
+    for (PVELEMENT*& light : record.nearestLight)
         light = nullptr;
     elementPointer[numberOfPassedElements] = &record;
-    if (node->getType() == PV_TYPE_MESH && static_cast<PVMESH *>(node)->isSkinned())
-        record.param1 = takeSkeletonSlot(static_cast<PVMESH *>(node));
+    if (node->getType() == PV_TYPE_MESH && static_cast<PVMESH*>(node)->isSkinned())
+        record.param1 = takeSkeletonSlot(static_cast<PVMESH*>(node));
     numberOfPassedElements++;
     countRecord(node);
 }
 
 // The bones' matrices, relative to the mesh's parent, go into the next slot
 // of the skeleton cache; a full cache leaves the mesh with slot 16.
-unsigned int PVELEMENT::takeSkeletonSlot(PVMESH *mesh)
+unsigned int PVELEMENT::takeSkeletonSlot(PVMESH* mesh)
 {
     if (PVMESH::getNumberOfSkeletons() >= PV_MESH_SKELETONS) {
         kvfLog("   [!] Skeleton cache full @ PVELEMENT::pass\n");
@@ -183,7 +183,7 @@ unsigned int PVELEMENT::takeSkeletonSlot(PVMESH *mesh)
     return slot;
 }
 
-bool PVELEMENT::passSkeleton(PVNODE *node, PVMESH *mesh)
+bool PVELEMENT::passSkeleton(PVNODE* node, PVMESH* mesh)
 {
     if (!node) {
         kvfLog("   [!] Invalid params @ PVELEMENT::skeletonPass\n");
@@ -191,7 +191,7 @@ bool PVELEMENT::passSkeleton(PVNODE *node, PVMESH *mesh)
     }
     PV_glPushMatrix();
     node->applyLocalTransform();
-    K3MMATRIX *skeleton = PVMESH::nextSkeleton();
+    K3MMATRIX* skeleton = PVMESH::nextSkeleton();
     if (node->getType() == PV_TYPE_MESH && skeleton) {
         for (unsigned int b = 0; b < mesh->getNumberOfBones(); b++) {
             if (mesh->getBone(b)->node == node) {
@@ -206,7 +206,7 @@ bool PVELEMENT::passSkeleton(PVNODE *node, PVMESH *mesh)
     return true;
 }
 
-void PVELEMENT::countRecord(PVNODE *node)
+void PVELEMENT::countRecord(PVNODE* node)
 {
     if (node->getType() == PV_TYPE_LIGHT)
         numberOfLights++;
@@ -215,14 +215,14 @@ void PVELEMENT::countRecord(PVNODE *node)
 }
 
 // Emitters and helpers always blend; a mesh blends when its material does.
-bool PVELEMENT::isTransparent(PVNODE *node)
+bool PVELEMENT::isTransparent(PVNODE* node)
 {
     switch (node->getType()) {
     case PV_TYPE_EMITTER:
     case PV_TYPE_HELPER:
         return true;
     case PV_TYPE_MESH: {
-        PVMATERIAL *material = static_cast<PVMESH *>(node)->getMaterial();
+        PVMATERIAL* material = static_cast<PVMESH*>(node)->getMaterial();
         return material && material->isTransparent();
     }
     default:
@@ -232,65 +232,62 @@ bool PVELEMENT::isTransparent(PVNODE *node)
 
 // Orders floats strictly with NaN after every number, so that a corrupt
 // matrix cannot break the sort's ordering contract.
-static bool floatBefore(float a, float b)
-{
-    return a < b || (std::isnan(b) && !std::isnan(a));
-}
+static bool floatBefore(float a, float b) { return a < b || (std::isnan(b) && !std::isnan(a)); }
 
 // Lights first (0), then opaque elements (1), then transparent ones (2).
-int PVELEMENT::drawingRank(PVNODE *node)
+int PVELEMENT::drawingRank(PVNODE* node)
 {
     if (node->getType() == PV_TYPE_LIGHT)
         return 0;
     return isTransparent(node) ? 2 : 1;
 }
 
-bool PVELEMENT::before3D(const PVELEMENT *a, const PVELEMENT *b)
+bool PVELEMENT::before3D(const PVELEMENT* a, const PVELEMENT* b)
 {
     return drawingRank(a->node) < drawingRank(b->node);
 }
 
 // Eye-space z of the element's nearest side: the most negative is farthest.
-float PVELEMENT::sortDepth(const PVELEMENT *record)
+float PVELEMENT::sortDepth(const PVELEMENT* record)
 {
     return record->matrix.m[14] - PVMESH::radiusOf(record->node);
 }
 
-bool PVELEMENT::fartherBefore(const PVELEMENT *a, const PVELEMENT *b)
+bool PVELEMENT::fartherBefore(const PVELEMENT* a, const PVELEMENT* b)
 {
     return floatBefore(sortDepth(a), sortDepth(b));
 }
 
-bool PVELEMENT::behindBefore(const PVELEMENT *a, const PVELEMENT *b)
+bool PVELEMENT::behindBefore(const PVELEMENT* a, const PVELEMENT* b)
 {
     return foremostStamp(a->node) < foremostStamp(b->node);
 }
 
-long PVELEMENT::foremostStamp(PVNODE *node)
+long PVELEMENT::foremostStamp(PVNODE* node)
 {
     const PV_NODE_TYPE type = node->getType();
     if (type < PV_TYPE_BOX || type > PV_TYPE_VSCROLLBAR)
         return 0;
-    return static_cast<PVBOX *>(node)->getForemostTimeStamp();
+    return static_cast<PVBOX*>(node)->getForemostTimeStamp();
 }
 
-bool PVELEMENT::isMinimizedWindow(PVNODE *node)
+bool PVELEMENT::isMinimizedWindow(PVNODE* node)
 {
-    return node->getType() == PV_TYPE_WINDOW && static_cast<PVWINDOW *>(node)->isMinimized();
+    return node->getType() == PV_TYPE_WINDOW && static_cast<PVWINDOW*>(node)->isMinimized();
 }
 
-bool PVELEMENT::manageGUIEvents(char key, int x, int y, int pointerDown, int, unsigned int *clickedId)
+bool PVELEMENT::manageGUIEvents(char key, int x, int y, int pointerDown, int, unsigned int* clickedId)
 {
     return PVINPUT::manage(key, x, y, pointerDown, clickedId);
 }
 
-static bool isExclusiveLight(PVNODE *node)
+static bool isExclusiveLight(PVNODE* node)
 {
-    return node->getType() == PV_TYPE_LIGHT && static_cast<PVLIGHT *>(node)->isExclusive();
+    return node->getType() == PV_TYPE_LIGHT && static_cast<PVLIGHT*>(node)->isExclusive();
 }
 
 // Exclusive lights first, then nearest first.
-bool PVELEMENT::lightBefore(const PVELEMENT *a, const PVELEMENT *b)
+bool PVELEMENT::lightBefore(const PVELEMENT* a, const PVELEMENT* b)
 {
     const bool aExclusive = isExclusiveLight(a->node);
     const bool bExclusive = isExclusiveLight(b->node);
@@ -306,7 +303,7 @@ bool PVELEMENT::sort3D()
 {
     if (!numberOfPassedElements)
         return false;
-    PVELEMENT **const end = elementPointer + numberOfPassedElements;
+    PVELEMENT** const end = elementPointer + numberOfPassedElements;
     if (numberOfLights || numberOfTransparencies)
         std::sort(elementPointer, end, before3D);
     if (numberOfTransparencies > 1)
@@ -327,19 +324,16 @@ bool PVELEMENT::sortLights(K3MVECTOR3D p)
     if (!numberOfPassedElements || !numberOfLights)
         return false;
     for (unsigned int i = 0; i < numberOfLights; i++) {
-        PVELEMENT *light = elementPointer[i];
+        PVELEMENT* light = elementPointer[i];
         light->distance = light->matrix.getTranslation().distance(p);
     }
     std::sort(elementPointer, elementPointer + numberOfLights, lightBefore);
     return true;
 }
 
-PVELEMENT *PVELEMENT::getLight(unsigned int i)
-{
-    return i < numberOfLights ? elementPointer[i] : nullptr;
-}
+PVELEMENT* PVELEMENT::getLight(unsigned int i) { return i < numberOfLights ? elementPointer[i] : nullptr; }
 
-PVELEMENT *PVELEMENT::getPassedElement(unsigned int i)
+PVELEMENT* PVELEMENT::getPassedElement(unsigned int i)
 {
     return i < numberOfPassedElements ? elementPointer[i] : nullptr;
 }

@@ -20,23 +20,28 @@ class PVELEMENT {
 public:
     PVELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
     // A record for a node drawn outside the list (the skybox).
-    PVELEMENT(PVNODE *drawn, const K3MMATRIX &modelView)
-        : node(drawn), matrix(modelView), auxId(0), distance(0.0f), nearestLight(), param1(0)
+    PVELEMENT(PVNODE* drawn, const K3MMATRIX& modelView) :
+        node(drawn),
+        matrix(modelView),
+        auxId(0),
+        distance(0.0f),
+        nearestLight(),
+        param1(0)
     {
     }
-    PVELEMENT(const PVELEMENT &other) = default;
-    PVELEMENT &operator=(const PVELEMENT &other) = default;
+    PVELEMENT(const PVELEMENT& other) = default;
+    PVELEMENT& operator=(const PVELEMENT& other) = default;
 
     // The record.
-    PVNODE *getNode() const { return node; }
-    K3MMATRIX *getMatrix() { return &matrix; }
+    PVNODE* getNode() const { return node; }
+    K3MMATRIX* getMatrix() { return &matrix; }
     float getDistance() const { return distance; }
     unsigned int getAuxId() const { return auxId; }
     unsigned int getParam1() const { return param1; }
     void setParam1(unsigned int value) { param1 = value; }
     // Slots 0 to 3; other slots read null and ignore writes.
-    PVELEMENT *getNearestLight(unsigned int slot) const;
-    void setNearestLight(unsigned int slot, PVELEMENT *light);
+    PVELEMENT* getNearestLight(unsigned int slot) const;
+    void setNearestLight(unsigned int slot, PVELEMENT* light);
 
     // Life of the list: n records (0 or more than 1024 means 1024).
     static bool init(unsigned int n);
@@ -47,10 +52,10 @@ public:
 
     // Records node and its subtree, depth first; false for a null node or a
     // full list (the rest of that subtree is then left out).
-    static bool pass(PVNODE *node, bool flag);
+    static bool pass(PVNODE* node, bool flag);
     // Fills the next skeleton cache slot with the model-view matrices of
     // mesh's bones found under node (relative to the current matrix).
-    static bool passSkeleton(PVNODE *node, PVMESH *mesh);
+    static bool passSkeleton(PVNODE* node, PVMESH* mesh);
 
     static bool sort3D();
     static bool sort2D();
@@ -59,9 +64,9 @@ public:
     static bool sortLights(K3MVECTOR3D p);
 
     // Light i of the sorted list, null when i is not below the light count.
-    static PVELEMENT *getLight(unsigned int i);
+    static PVELEMENT* getLight(unsigned int i);
     // Record i in drawing order, null when i is not below the passed count.
-    static PVELEMENT *getPassedElement(unsigned int i);
+    static PVELEMENT* getPassedElement(unsigned int i);
 
     static unsigned int getNumberOfElements() { return numberOfElements; }
     static unsigned int getNumberOfPassedElements() { return numberOfPassedElements; }
@@ -78,34 +83,34 @@ public:
     // downwards, pointerDown non-zero while held; the fifth argument is not
     // used. True when the pointer is over a displayed widget; *clickedId
     // (when not null) gets the id of the button reported by this call, or 0.
-    static bool manageGUIEvents(char key, int x, int y, int pointerDown, int unused, unsigned int *clickedId);
+    static bool manageGUIEvents(char key, int x, int y, int pointerDown, int unused, unsigned int* clickedId);
 
 private:
-    static bool passNode(PVNODE *node, bool flag);
-    static bool isClipped(PVNODE *node);
-    static void addRecord(PVNODE *node);
-    static unsigned int takeSkeletonSlot(PVMESH *mesh);
-    static void countRecord(PVNODE *node);
-    static void passChildren(PVNODE *node);
-    static bool isTransparent(PVNODE *node);
-    static bool isHiddenMesh(PVNODE *node);
-    static int drawingRank(PVNODE *node);
-    static float sortDepth(const PVELEMENT *record);
+    static bool passNode(PVNODE* node, bool flag);
+    static bool isClipped(PVNODE* node);
+    static void addRecord(PVNODE* node);
+    static unsigned int takeSkeletonSlot(PVMESH* mesh);
+    static void countRecord(PVNODE* node);
+    static void passChildren(PVNODE* node);
+    static bool isTransparent(PVNODE* node);
+    static bool isHiddenMesh(PVNODE* node);
+    static int drawingRank(PVNODE* node);
+    static float sortDepth(const PVELEMENT* record);
     // Drawing order of 2D widgets (greatest last); 0 for other nodes.
-    static long foremostStamp(PVNODE *node);
+    static long foremostStamp(PVNODE* node);
     // A minimised window passes only its first child (its title bar).
-    static bool isMinimizedWindow(PVNODE *node);
+    static bool isMinimizedWindow(PVNODE* node);
     // Strict orderings for the sorts: true when a is drawn (or chosen) before b.
-    static bool before3D(const PVELEMENT *a, const PVELEMENT *b);
-    static bool fartherBefore(const PVELEMENT *a, const PVELEMENT *b);
-    static bool behindBefore(const PVELEMENT *a, const PVELEMENT *b);
-    static bool lightBefore(const PVELEMENT *a, const PVELEMENT *b);
+    static bool before3D(const PVELEMENT* a, const PVELEMENT* b);
+    static bool fartherBefore(const PVELEMENT* a, const PVELEMENT* b);
+    static bool behindBefore(const PVELEMENT* a, const PVELEMENT* b);
+    static bool lightBefore(const PVELEMENT* a, const PVELEMENT* b);
 
-    PVNODE *node;
+    PVNODE* node;
     K3MMATRIX matrix;
     unsigned int auxId;
     float distance;
-    PVELEMENT *nearestLight[PV_ELEMENT_LIGHTS];
+    PVELEMENT* nearestLight[PV_ELEMENT_LIGHTS];
     // Skeleton cache slot of a skinned mesh (16 when the cache was full).
     unsigned int param1;
 
@@ -116,8 +121,8 @@ private:
     static unsigned int numberOfPassedElements;
     static unsigned int numberOfLights;
     static unsigned int numberOfTransparencies;
-    static PVELEMENT *element;
-    static PVELEMENT **elementPointer;
+    static PVELEMENT* element;
+    static PVELEMENT** elementPointer;
 };
 
 #endif

@@ -1,36 +1,36 @@
 // Light: omni, directional and spot lights programmed into GL light slots.
 #include "scene/pvlight.h"
 
-#include "core/pvgl.h"
 #include "core/pevrano.h"
+#include "core/pvgl.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfreader.h"
 
+#include "scene/pvelement.h"
 #include <cstring>
 #include <new>
-#include "scene/pvelement.h"
 
 bool PVLIGHT::lighting = false;
 PVLIGHT::SLOTSTATE PVLIGHT::programmed[PV_ELEMENT_LIGHTS];
 
-PVLIGHT::PVLIGHT()
-    : lightType(PV_LIGHT_OMNI),
-      ambient(0.2f, 0.2f, 0.2f, 1.0f),
-      diffuse(0.7f, 0.7f, 0.7f, 1.0f),
-      specular(0.2f, 0.2f, 0.2f, 1.0f),
-      attenuation(1.0f, 0.0f, 0.0f),
-      cutOff(180.0f),
-      exponent(0.0f),
-      exclusive(false),
-      shadowCaster(false),
-      shadowNearPlane(1.0f),
-      shadowFarPlane(1024.0f)
+PVLIGHT::PVLIGHT() :
+    lightType(PV_LIGHT_OMNI),
+    ambient(0.2f, 0.2f, 0.2f, 1.0f),
+    diffuse(0.7f, 0.7f, 0.7f, 1.0f),
+    specular(0.2f, 0.2f, 0.2f, 1.0f),
+    attenuation(1.0f, 0.0f, 0.0f),
+    cutOff(180.0f),
+    exponent(0.0f),
+    exclusive(false),
+    shadowCaster(false),
+    shadowNearPlane(1.0f),
+    shadowFarPlane(1024.0f)
 {
     type = PV_TYPE_LIGHT;
     setDefaultName("[light %d]");
 }
 
-PVLIGHT::~PVLIGHT() { }
+PVLIGHT::~PVLIGHT() {}
 
 void PVLIGHT::lightingOn()
 {

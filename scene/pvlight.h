@@ -13,11 +13,7 @@
 class PVELEMENT;
 class KVFREADER;
 
-enum PV_LIGHT_TYPE : int32_t {
-    PV_LIGHT_OMNI = 0,
-    PV_LIGHT_DIRECTIONAL = 1,
-    PV_LIGHT_SPOT = 2
-};
+enum PV_LIGHT_TYPE : int32_t { PV_LIGHT_OMNI = 0, PV_LIGHT_DIRECTIONAL = 1, PV_LIGHT_SPOT = 2 };
 
 class PVLIGHT : public PVNODE {
 public:

@@ -10,24 +10,34 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
-#include "foundation/kvfstring.h"
 #include "foundation/kvfreader.h"
+#include "foundation/kvfstring.h"
 #include "scene/pvelement.h"
 
-PVNODE *PVNODE::firstNode = nullptr;
+PVNODE* PVNODE::firstNode = nullptr;
 
 const char PVNODE::typeName[PV_NODE_TYPE_COUNT][PV_NODE_NAME_SIZE] = {
-    "node",  "root",     "light",  "mesh",   "camera", "emitter",    "skydome",
-    "water", "terrain",  "helper", "sound",  "box",    "label",      "button",
+    "node",   "root",      "light",      "mesh",       "camera", "emitter", "skydome",
+    "water",  "terrain",   "helper",     "sound",      "box",    "label",   "button",
     "window", "textfield", "hscrollbar", "vscrollbar", "custom"};
 
 // Ancestors collected by getFinalMatrix, nearest first.
-static PVNODE *ancestorStack[PV_NODE_MAX_DEPTH];
+static PVNODE* ancestorStack[PV_NODE_MAX_DEPTH];
 
-PVNODE::PVNODE()
-    : id(kvfNewId()), auxId(0), type(PV_TYPE_NODE), timeStamp(0), shared(false), data(nullptr),
-      positioning(PV_POSITIONING_VECTORS), targetNode(nullptr), previousNode(nullptr),
-      nextNode(nullptr), numberOfChildren(0), parent(nullptr), children(nullptr)
+PVNODE::PVNODE() :
+    id(kvfNewId()),
+    auxId(0),
+    type(PV_TYPE_NODE),
+    timeStamp(0),
+    shared(false),
+    data(nullptr),
+    positioning(PV_POSITIONING_VECTORS),
+    targetNode(nullptr),
+    previousNode(nullptr),
+    nextNode(nullptr),
+    numberOfChildren(0),
+    parent(nullptr),
+    children(nullptr)
 {
     setDefaultName("[node %d]");
     Registry::append(this);
@@ -42,23 +52,20 @@ PVNODE::~PVNODE()
     Registry::remove(this);
 }
 
-bool PVNODE::render(void *)
-{
-    return false;
-}
+bool PVNODE::render(void*) { return false; }
 
-void PVNODE::setDefaultName(const char *format)
+void PVNODE::setDefaultName(const char* format)
 {
     snprintf(name, sizeof(name), format, static_cast<int>(id));
 }
 
-void PVNODE::setName(const char *newName)
+void PVNODE::setName(const char* newName)
 {
     // The argument may be this node's own name (or a part of it).
     kvfCopyIfFits(name, sizeof name, newName);
 }
 
-const char *PVNODE::getTypeName() const
+const char* PVNODE::getTypeName() const
 {
     if (type < 0 || type >= PV_NODE_TYPE_COUNT)
         return "";
@@ -83,7 +90,7 @@ K3MVECTOR3D PVNODE::placedPosition() const
     return position;
 }
 
-void PVNODE::applyRotation(const K3MVECTOR3D &angles)
+void PVNODE::applyRotation(const K3MVECTOR3D& angles)
 {
     PV_glRotatef(angles.x, 1.0f, 0.0f, 0.0f);
     PV_glRotatef(angles.y, 0.0f, 1.0f, 0.0f);
@@ -91,7 +98,7 @@ void PVNODE::applyRotation(const K3MVECTOR3D &angles)
 }
 
 // Swaps in a new children array (from kvfMalloc, or null when count is 0).
-bool PVNODE::replaceChildren(PVNODE **newChildren, unsigned int count)
+bool PVNODE::replaceChildren(PVNODE** newChildren, unsigned int count)
 {
     if (children)
         kvfFree(children);
@@ -100,7 +107,7 @@ bool PVNODE::replaceChildren(PVNODE **newChildren, unsigned int count)
     return true;
 }
 
-int PVNODE::findChildIndex(const PVNODE *child) const
+int PVNODE::findChildIndex(const PVNODE* child) const
 {
     for (unsigned int i = 0; children && i < numberOfChildren; i++)
         if (children[i] == child)
@@ -108,7 +115,7 @@ int PVNODE::findChildIndex(const PVNODE *child) const
     return -1;
 }
 
-bool PVNODE::link(PVNODE *parentNode)
+bool PVNODE::link(PVNODE* parentNode)
 {
     if (!parentNode || parentNode == this) {
         kvfLog("   [!] Invalid param @ PVNODE::link\n");
@@ -119,13 +126,13 @@ bool PVNODE::link(PVNODE *parentNode)
         return false;
     }
     const unsigned int count = parentNode->numberOfChildren;
-    PVNODE **grown = static_cast<PVNODE **>(kvfMalloc((count + 1) * sizeof(PVNODE *)));
+    PVNODE** grown = static_cast<PVNODE**>(kvfMalloc((count + 1) * sizeof(PVNODE*)));
     if (!grown) {
         kvfLog("   [!] Out of memory @ PVNODE::link\n");
         return false;
     }
     if (count)
-        memcpy(grown, parentNode->children, count * sizeof(PVNODE *));
+        memcpy(grown, parentNode->children, count * sizeof(PVNODE*));
     grown[count] = this;
     parentNode->replaceChildren(grown, count + 1);
     parent = parentNode;
@@ -150,7 +157,7 @@ bool PVNODE::unlink()
         return false;
     }
     const unsigned int count = parent->numberOfChildren - 1;
-    PVNODE **shrunk = static_cast<PVNODE **>(kvfMalloc(count * sizeof(PVNODE *)));
+    PVNODE** shrunk = static_cast<PVNODE**>(kvfMalloc(count * sizeof(PVNODE*)));
     if (!shrunk) {
         kvfLog("   [!] Out of memory @ PVNODE::unlink\n");
         return false;
@@ -170,15 +177,15 @@ bool PVNODE::remove()
         return false;
     }
     // The children array changes under the loop, so walk a copy.
-    const std::vector<PVNODE *> orphans(children, children ? children + numberOfChildren : children);
-    for (PVNODE *child : orphans) {
+    const std::vector<PVNODE*> orphans(children, children ? children + numberOfChildren : children);
+    for (PVNODE* child : orphans) {
         child->unlink();
         child->link(parent);
     }
     return unlink();
 }
 
-PVNODE *PVNODE::getChild(unsigned int index)
+PVNODE* PVNODE::getChild(unsigned int index)
 {
     if (index >= numberOfChildren) {
         kvfLog("   [!] Invalid params @ PVNODE::getChild\n");
@@ -187,32 +194,32 @@ PVNODE *PVNODE::getChild(unsigned int index)
     return children ? children[index] : nullptr;
 }
 
-PVNODE *PVNODE::findByNameInHierarchy(const char *wanted)
+PVNODE* PVNODE::findByNameInHierarchy(const char* wanted)
 {
     if (!wanted)
         return nullptr;
     if (strcmp(name, wanted) == 0)
         return this;
     for (unsigned int i = 0; children && i < numberOfChildren; i++)
-        if (PVNODE *found = children[i]->findByNameInHierarchy(wanted))
+        if (PVNODE* found = children[i]->findByNameInHierarchy(wanted))
             return found;
     return nullptr;
 }
 
-PVNODE *PVNODE::findByIdInHierarchy(unsigned int wanted)
+PVNODE* PVNODE::findByIdInHierarchy(unsigned int wanted)
 {
     if (id == wanted)
         return this;
     for (unsigned int i = 0; children && i < numberOfChildren; i++)
-        if (PVNODE *found = children[i]->findByIdInHierarchy(wanted))
+        if (PVNODE* found = children[i]->findByIdInHierarchy(wanted))
             return found;
     return nullptr;
 }
 
-K3MMATRIX PVNODE::getFinalMatrix(const char *stopName)
+K3MMATRIX PVNODE::getFinalMatrix(const char* stopName)
 {
     int depth = 0;
-    for (PVNODE *ancestor = parent; ancestor; ancestor = ancestor->parent) {
+    for (PVNODE* ancestor = parent; ancestor; ancestor = ancestor->parent) {
         ancestorStack[depth++] = ancestor;
         if (depth == PV_NODE_MAX_DEPTH) {
             kvfLog("   [!] Depth overflow @ PVNODE::getFinalMatrix()\n");
@@ -240,20 +247,11 @@ bool PVNODE::pass(bool flag)
     return true;
 }
 
-unsigned int PVNODE::getNumberOfNodes()
-{
-    return Registry::count();
-}
+unsigned int PVNODE::getNumberOfNodes() { return Registry::count(); }
 
-PVNODE *PVNODE::findByName(const char *wanted)
-{
-    return Registry::findByText(&PVNODE::name, wanted);
-}
+PVNODE* PVNODE::findByName(const char* wanted) { return Registry::findByText(&PVNODE::name, wanted); }
 
-PVNODE *PVNODE::findById(unsigned int wanted)
-{
-    return Registry::findByValue(&PVNODE::id, wanted);
-}
+PVNODE* PVNODE::findById(unsigned int wanted) { return Registry::findByValue(&PVNODE::id, wanted); }
 
 bool PVNODE::cleanUp()
 {
@@ -264,7 +262,7 @@ bool PVNODE::cleanUp()
     return true;
 }
 
-bool PVNODE::displayTree(PVNODE *root)
+bool PVNODE::displayTree(PVNODE* root)
 {
     if (!root) {
         kvfLog("   [!] Invalid params @ PVNODE::displayTree\n");
@@ -279,7 +277,7 @@ bool PVNODE::displayTree(PVNODE *root)
     return true;
 }
 
-PVNODE *PVNODE::displayTreeRecursive(PVNODE *node, int indent)
+PVNODE* PVNODE::displayTreeRecursive(PVNODE* node, int indent)
 {
     if (!node)
         return nullptr;
@@ -289,7 +287,7 @@ PVNODE *PVNODE::displayTreeRecursive(PVNODE *node, int indent)
     return nullptr;
 }
 
-bool PVNODE::readName(KVFREADER &reader)
+bool PVNODE::readName(KVFREADER& reader)
 {
     char text[PV_NODE_NAME_SIZE];
     if (!reader.readString(text, sizeof text))
@@ -298,7 +296,7 @@ bool PVNODE::readName(KVFREADER &reader)
     return true;
 }
 
-bool PVNODE::readVector(KVFREADER &reader, K3MVECTOR3D &vector)
+bool PVNODE::readVector(KVFREADER& reader, K3MVECTOR3D& vector)
 {
     float v[3];
     if (!reader.readFloats(v, 3))
@@ -307,9 +305,9 @@ bool PVNODE::readVector(KVFREADER &reader, K3MVECTOR3D &vector)
     return true;
 }
 
-PVNODE *PVNODE::load(KVFREADER &reader, uint16_t &children)
+PVNODE* PVNODE::load(KVFREADER& reader, uint16_t& children)
 {
-    PVNODE *node = new (std::nothrow) PVNODE();
+    PVNODE* node = new (std::nothrow) PVNODE();
     if (!node) {
         kvfLog("   [!] Consistency error: node == NULL @ PVNODE::load\n");
         return nullptr;

@@ -44,10 +44,7 @@ enum PV_NODE_TYPE : int32_t {
 
 // Where the local transform comes from: the position, origin and rotation
 // vectors, or the node's own matrix. Any other value adds no local transform.
-enum PV_NODE_POSITIONING : int32_t {
-    PV_POSITIONING_VECTORS = 0,
-    PV_POSITIONING_MATRIX = 1
-};
+enum PV_NODE_POSITIONING : int32_t { PV_POSITIONING_VECTORS = 0, PV_POSITIONING_MATRIX = 1 };
 
 class PVNODE {
 public:
@@ -56,44 +53,44 @@ public:
     explicit PVNODE(bool);
     // Shallow copies: every field as it stands (id, registry links, parent and
     // children pointer included); the copy is not registered and takes no id.
-    PVNODE(const PVNODE &other) = default;
-    PVNODE &operator=(const PVNODE &other) = default;
+    PVNODE(const PVNODE& other) = default;
+    PVNODE& operator=(const PVNODE& other) = default;
     // Releases the id and the children array and leaves the registry; the
     // parent keeps its pointer to this node.
     virtual ~PVNODE();
     // Draws the node for one render-list record (a PVELEMENT); a plain node
     // draws nothing and returns false.
-    virtual bool render(void *element);
+    virtual bool render(void* element);
 
     // Identity.
-    void setName(const char *newName);
-    const char *getName() const { return name; }
+    void setName(const char* newName);
+    const char* getName() const { return name; }
     unsigned int getId() const { return id; }
     void setAuxId(unsigned int value) { auxId = value; }
     unsigned int getAuxId() const { return auxId; }
     PV_NODE_TYPE getType() const { return type; }
-    const char *getTypeName() const;
+    const char* getTypeName() const;
     long getTimeStamp() const { return timeStamp; }
-    void setData(void *value) { data = value; }
-    void *getData() const { return data; }
+    void setData(void* value) { data = value; }
+    void* getData() const { return data; }
     bool isShared() const { return shared; }
     void setSharedStatus(bool status) { shared = status; }
 
     // Registry and hierarchy.
-    PVNODE *getNextNode() const { return nextNode; }
-    PVNODE *getPreviousNode() const { return previousNode; }
+    PVNODE* getNextNode() const { return nextNode; }
+    PVNODE* getPreviousNode() const { return previousNode; }
     unsigned int getNumberOfChildren() const { return numberOfChildren; }
-    PVNODE *getParent() const { return parent; }
+    PVNODE* getParent() const { return parent; }
     bool isRoot() const { return parent == nullptr; }
 
     // Local transform.
     void setPositioning(PV_NODE_POSITIONING value) { positioning = value; }
     PV_NODE_POSITIONING getPositioning() const { return positioning; }
-    void setTargetNode(PVNODE *node) { targetNode = node; }
-    PVNODE *getTargetNode() const { return targetNode; }
+    void setTargetNode(PVNODE* node) { targetNode = node; }
+    PVNODE* getTargetNode() const { return targetNode; }
     void setMatrix(K3MMATRIX value) { matrix = value; }
     K3MMATRIX getMatrix() const { return matrix; }
-    K3MMATRIX *getCachedMatrix() { return &cachedMatrix; }
+    K3MMATRIX* getCachedMatrix() { return &cachedMatrix; }
 
     // Vector fields: the two-float forms keep the third component.
     void setPosition(float x, float y) { setXY(position, x, y); }
@@ -127,43 +124,43 @@ public:
     void rotate(K3MVECTOR3D delta) { rotation += delta; }
 
     // Makes this node the last child of parentNode.
-    bool link(PVNODE *parentNode);
+    bool link(PVNODE* parentNode);
     // Detaches this node from its parent.
     bool unlink();
     // Detaches this node and hands its children, in order, to its parent.
     bool remove();
-    PVNODE *getChild(unsigned int index);
+    PVNODE* getChild(unsigned int index);
     // Depth-first, pre-order searches starting with this node.
-    PVNODE *findByNameInHierarchy(const char *wanted);
-    PVNODE *findByIdInHierarchy(unsigned int wanted);
+    PVNODE* findByNameInHierarchy(const char* wanted);
+    PVNODE* findByIdInHierarchy(unsigned int wanted);
     // World matrix built from the ancestors down to this node; with a stop
     // name, the climb ends at the first ancestor of that name (included).
-    K3MMATRIX getFinalMatrix(const char *stopName);
+    K3MMATRIX getFinalMatrix(const char* stopName);
     // Stamps the node with the frame stamp and puts it and its subtree into
     // the render list.
     bool pass(bool flag);
 
     // Registry.
-    static PVNODE *getFirstNode() { return firstNode; }
+    static PVNODE* getFirstNode() { return firstNode; }
     static unsigned int getNumberOfNodes();
-    static PVNODE *findByName(const char *wanted);
-    static PVNODE *findById(unsigned int wanted);
+    static PVNODE* findByName(const char* wanted);
+    static PVNODE* findById(unsigned int wanted);
     // Deletes every live node; false (and no log line) for an empty registry.
     static bool cleanUp();
     // Reads a plain node's scene-file record at the reader's position; its
     // children count goes to children. Null (the node deleted again) when the
     // record is cut short.
-    static PVNODE *load(KVFREADER &reader, uint16_t &children);
+    static PVNODE* load(KVFREADER& reader, uint16_t& children);
     // Logs the hierarchy under root, one indented line per node.
-    static bool displayTree(PVNODE *root);
-    static PVNODE *displayTreeRecursive(PVNODE *node, int indent);
+    static bool displayTree(PVNODE* root);
+    static PVNODE* displayTreeRecursive(PVNODE* node, int indent);
 
     // Printable names of the node types, indexed by PV_NODE_TYPE.
     static const char typeName[PV_NODE_TYPE_COUNT][PV_NODE_NAME_SIZE];
 
 protected:
     // Derived constructors overwrite the name and the type.
-    void setDefaultName(const char *format);
+    void setDefaultName(const char* format);
     // Multiplies the wrapper's current matrix by this node's local transform.
     void applyLocalTransform() const;
     // The node's location: its position, or with matrix positioning the
@@ -171,10 +168,10 @@ protected:
     K3MVECTOR3D placedPosition() const;
     // Rotates the wrapper's current matrix about x, then y, then z (degrees),
     // the order every node rotation uses.
-    static void applyRotation(const K3MVECTOR3D &angles);
+    static void applyRotation(const K3MVECTOR3D& angles);
     // Reads a name and three vectors, as scene-file records store them.
-    bool readName(KVFREADER &reader);
-    static bool readVector(KVFREADER &reader, K3MVECTOR3D &vector);
+    bool readName(KVFREADER& reader);
+    static bool readVector(KVFREADER& reader, K3MVECTOR3D& vector);
 
     unsigned int id;
     unsigned int auxId;
@@ -182,23 +179,23 @@ protected:
     PV_NODE_TYPE type;
     long timeStamp;
     bool shared;
-    void *data;
+    void* data;
     PV_NODE_POSITIONING positioning;
     K3MVECTOR3D position;
     K3MVECTOR3D rotation;
     K3MVECTOR3D origin;
     K3MVECTOR3D direction;
     K3MVECTOR3D target;
-    PVNODE *targetNode;
+    PVNODE* targetNode;
     K3MMATRIX matrix;
     K3MMATRIX cachedMatrix;
-    PVNODE *previousNode;
-    PVNODE *nextNode;
+    PVNODE* previousNode;
+    PVNODE* nextNode;
     unsigned int numberOfChildren;
-    PVNODE *parent;
-    PVNODE **children;
+    PVNODE* parent;
+    PVNODE** children;
 
-    static PVNODE *firstNode;
+    static PVNODE* firstNode;
 
 private:
     using Registry = PVREGISTRY<PVNODE, &PVNODE::firstNode, &PVNODE::previousNode, &PVNODE::nextNode>;
@@ -208,13 +205,13 @@ private:
     // The render list applies local transforms while it walks a subtree.
     friend class PVELEMENT;
 
-    static void setXY(K3MVECTOR3D &vector, float x, float y)
+    static void setXY(K3MVECTOR3D& vector, float x, float y)
     {
         vector.x = x;
         vector.y = y;
     }
-    int findChildIndex(const PVNODE *child) const;
-    bool replaceChildren(PVNODE **newChildren, unsigned int count);
+    int findChildIndex(const PVNODE* child) const;
+    bool replaceChildren(PVNODE** newChildren, unsigned int count);
 };
 
 #endif

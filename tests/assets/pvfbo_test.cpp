@@ -42,7 +42,7 @@ TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
                   float luminance = 0.5f;
                   EXPECT_TRUE(fbo.computeLuminance(&luminance));
               }),
-              Calls{});
+              Calls {});
     EXPECT_EQ(fbo.getTexture(), nullptr);
     EXPECT_EQ(fbo.getSizeX(), 0);
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
@@ -67,8 +67,8 @@ TEST_F(FrameBuffers, RenderSetsTheViewportOncePerBinding)
                   other.render(nullptr);
                   fbo.render(nullptr);
               }),
-              (Calls{"glViewport(0,0,128,64)", "glViewport(0,0,128,64)", "glViewport(0,0,32,16)",
-                                       "glViewport(0,0,128,64)"}));
+              (Calls {"glViewport(0,0,128,64)", "glViewport(0,0,128,64)", "glViewport(0,0,32,16)",
+                      "glViewport(0,0,128,64)"}));
 
     // A null texture is refused with the message even here.
     EXPECT_FALSE(fbo.bindTexture(0, nullptr));

@@ -10,10 +10,7 @@
 
 namespace {
 
-std::string defaultName(unsigned int id)
-{
-    return "[shader " + std::to_string(id) + "]";
-}
+std::string defaultName(unsigned int id) { return "[shader " + std::to_string(id) + "]"; }
 
 std::vector<PVSHADER*> registry()
 {
@@ -28,16 +25,24 @@ using Shaders = pvtest::RecordingTest;
 
 TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
 {
-    PVSHADER* const* slots[] = {
-        &PVSHADER::pplDirect, &PVSHADER::pplOmni, &PVSHADER::pplSpot, &PVSHADER::pplDirectA,
-        &PVSHADER::pplOmniA, &PVSHADER::pplSpotA, &PVSHADER::pplDirectT, &PVSHADER::pplOmniT,
-        &PVSHADER::pplSpotT, &PVSHADER::pplDirectTA, &PVSHADER::pplOmniTA, &PVSHADER::pplSpotTA,
-        &PVSHADER::pplSpotS, &PVSHADER::pplSpotSA, &PVSHADER::pplSpotTS, &PVSHADER::pplSpotTSA,
-        &PVSHADER::passthrough, &PVSHADER::passthroughA, &PVSHADER::passthroughZPass,
-        &PVSHADER::passthroughZPassA, &PVSHADER::bloomBright, &PVSHADER::bloomToneMapping,
-        &PVSHADER::bloomCombine, &PVSHADER::bloomForceAlpha, &PVSHADER::bloomV, &PVSHADER::bloomH,
-        &PVSHADER::gaussian, &PVSHADER::emitter, &PVSHADER::dofCombine, &PVSHADER::dof, &PVSHADER::skydome,
-        &PVSHADER::water, &PVSHADER::waterS, &PVSHADER::terrainComplex, &PVSHADER::terrainSimple};
+    PVSHADER* const* slots[] = {&PVSHADER::pplDirect,        &PVSHADER::pplOmni,
+                                &PVSHADER::pplSpot,          &PVSHADER::pplDirectA,
+                                &PVSHADER::pplOmniA,         &PVSHADER::pplSpotA,
+                                &PVSHADER::pplDirectT,       &PVSHADER::pplOmniT,
+                                &PVSHADER::pplSpotT,         &PVSHADER::pplDirectTA,
+                                &PVSHADER::pplOmniTA,        &PVSHADER::pplSpotTA,
+                                &PVSHADER::pplSpotS,         &PVSHADER::pplSpotSA,
+                                &PVSHADER::pplSpotTS,        &PVSHADER::pplSpotTSA,
+                                &PVSHADER::passthrough,      &PVSHADER::passthroughA,
+                                &PVSHADER::passthroughZPass, &PVSHADER::passthroughZPassA,
+                                &PVSHADER::bloomBright,      &PVSHADER::bloomToneMapping,
+                                &PVSHADER::bloomCombine,     &PVSHADER::bloomForceAlpha,
+                                &PVSHADER::bloomV,           &PVSHADER::bloomH,
+                                &PVSHADER::gaussian,         &PVSHADER::emitter,
+                                &PVSHADER::dofCombine,       &PVSHADER::dof,
+                                &PVSHADER::skydome,          &PVSHADER::water,
+                                &PVSHADER::waterS,           &PVSHADER::terrainComplex,
+                                &PVSHADER::terrainSimple};
     ASSERT_TRUE(PVTESTACCESS::shaderInit());
     std::vector<PVSHADER*> shaders = registry();
     ASSERT_EQ(shaders.size(), 35u);

@@ -32,7 +32,8 @@ using pvtest::Rgb;
 
 void expectColour(int x, int y, const Rgb& want)
 {
-    pvtest::expectColour(want, pvtest::pixelAt(x, y), "(" + std::to_string(x) + ", " + std::to_string(y) + ")");
+    pvtest::expectColour(want, pvtest::pixelAt(x, y),
+                         "(" + std::to_string(x) + ", " + std::to_string(y) + ")");
 }
 
 // Every pixel of the 240 x 320 window has the colour, except the one at (x, y)
@@ -57,8 +58,8 @@ const Rgb black = {0, 0, 0};
 // Draws an axis-aligned red rectangle in the current (2D) projection.
 void drawRectangle(float left, float top, float right, float bottom)
 {
-    const GLfixed v[] = {PV_floatToFixed(left),  PV_floatToFixed(top),    PV_floatToFixed(right),
-                         PV_floatToFixed(top),   PV_floatToFixed(left),   PV_floatToFixed(bottom),
+    const GLfixed v[] = {PV_floatToFixed(left),  PV_floatToFixed(top),   PV_floatToFixed(right),
+                         PV_floatToFixed(top),   PV_floatToFixed(left),  PV_floatToFixed(bottom),
                          PV_floatToFixed(right), PV_floatToFixed(bottom)};
     PVOPENGL::colorArrayOff();
     PVOPENGL::textureArrayOff();
@@ -99,11 +100,18 @@ void setEveryTwoDSwitchTheOtherWay()
 
 Calls begin2DCalls(bool landscape)
 {
-    Calls calls = {"glDisable(GL_LIGHTING)", "glDisable(GL_BLEND)", "glDisable(GL_CULL_FACE)",
-                   "glDisable(GL_DEPTH_TEST)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
-                   "glEnableClientState(GL_VERTEX_ARRAY)", "glDisableClientState(GL_NORMAL_ARRAY)",
-                   "glEnableClientState(GL_COLOR_ARRAY)", "glEnableClientState(GL_TEXTURE_COORD_ARRAY)",
-                   "glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glLoadIdentity()"};
+    Calls calls = {"glDisable(GL_LIGHTING)",
+                   "glDisable(GL_BLEND)",
+                   "glDisable(GL_CULL_FACE)",
+                   "glDisable(GL_DEPTH_TEST)",
+                   "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
+                   "glEnableClientState(GL_VERTEX_ARRAY)",
+                   "glDisableClientState(GL_NORMAL_ARRAY)",
+                   "glEnableClientState(GL_COLOR_ARRAY)",
+                   "glEnableClientState(GL_TEXTURE_COORD_ARRAY)",
+                   "glMatrixMode(GL_PROJECTION)",
+                   "glPushMatrix()",
+                   "glLoadIdentity()"};
     if (landscape)
         calls.push_back("glRotatex(" + ninety + ",0,0,65536)");
     const std::string sides = landscape ? H + "," + W : W + "," + H;
@@ -120,14 +128,32 @@ Calls selectCalls(int x, int y)
     const std::string point = std::to_string(x) + "," + std::to_string(y) + ",1,1";
     const std::string read = "glReadPixels(" + point + ",GL_RGBA,GL_UNSIGNED_BYTE)";
     return {read,
-            "glMatrixMode(GL_PROJECTION)", "glPushMatrix()", "glMatrixMode(GL_MODELVIEW)", "glPushMatrix()",
-            "glClearColorx(0,0,0,0)", "glScissor(" + point + ")", "glEnable(GL_SCISSOR_TEST)",
-            "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)", "glDepthFunc(GL_LEQUAL)",
-            "glClearColorx(65536,65536,0,65536)", read,
-            "glDisable(GL_DEPTH_TEST)", "glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", "glViewport(0,0,240,320)",
-            "glOrthox(0," + W + "," + H + ",0,-65536,65536)", "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()",
-            "glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glViewport(0,0,240,320)", "glMatrixMode(GL_MODELVIEW)",
-            "glPopMatrix()", "glDisable(GL_SCISSOR_TEST)", "glEnable(GL_DEPTH_TEST)", "glDepthFunc(GL_LESS)"};
+            "glMatrixMode(GL_PROJECTION)",
+            "glPushMatrix()",
+            "glMatrixMode(GL_MODELVIEW)",
+            "glPushMatrix()",
+            "glClearColorx(0,0,0,0)",
+            "glScissor(" + point + ")",
+            "glEnable(GL_SCISSOR_TEST)",
+            "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)",
+            "glDepthFunc(GL_LEQUAL)",
+            "glClearColorx(65536,65536,0,65536)",
+            read,
+            "glDisable(GL_DEPTH_TEST)",
+            "glMatrixMode(GL_PROJECTION)",
+            "glLoadIdentity()",
+            "glViewport(0,0,240,320)",
+            "glOrthox(0," + W + "," + H + ",0,-65536,65536)",
+            "glMatrixMode(GL_MODELVIEW)",
+            "glLoadIdentity()",
+            "glMatrixMode(GL_PROJECTION)",
+            "glPopMatrix()",
+            "glViewport(0,0,240,320)",
+            "glMatrixMode(GL_MODELVIEW)",
+            "glPopMatrix()",
+            "glDisable(GL_SCISSOR_TEST)",
+            "glEnable(GL_DEPTH_TEST)",
+            "glDepthFunc(GL_LESS)"};
 }
 
 }  // namespace
@@ -141,7 +167,7 @@ TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
     PEVRANO::DOFOn();
     PVOPENGL::setBackgroundColor(0.25f, 0.5f, 0.75f, 1.0f);
     EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, true, true)); }),
-              Calls{"glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)"});
+              Calls {"glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT|GL_STENCIL_BUFFER_BIT)"});
     expectWindow({0.25, 0.5, 0.75});
 
     PVOPENGL::setBackgroundColor(1.0f, 1.0f, 1.0f, 1.0f);
@@ -150,9 +176,10 @@ TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
                   EXPECT_TRUE(PEVRANO::clear(false, true, false));
                   EXPECT_TRUE(PEVRANO::clear(false, false, true));
               }),
-              (Calls{"glClear(GL_DEPTH_BUFFER_BIT)", "glClear(GL_STENCIL_BUFFER_BIT)"}));
+              (Calls {"glClear(GL_DEPTH_BUFFER_BIT)", "glClear(GL_STENCIL_BUFFER_BIT)"}));
     expectWindow({0.25, 0.5, 0.75});
-    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, false, false)); }), Calls{"glClear(GL_COLOR_BUFFER_BIT)"});
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::clear(true, false, false)); }),
+              Calls {"glClear(GL_COLOR_BUFFER_BIT)"});
     expectWindow({1, 1, 1});
 }
 
@@ -167,8 +194,9 @@ TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
         std::vector<std::pair<int, int>> redPixels, bluePixels;
     };
     // Rectangle (10, 20) - (30, 40); portrait GL rows are counted up: 319 - y.
-    const Case cases[] = {{false, {{20, 319 - 30}, {11, 319 - 21}}, {{8, 319 - 30}, {20, 319 - 42}, {20, 30}}},
-                          {true, {{30, 20}, {21, 11}}, {{20, 5}, {45, 20}}}};
+    const Case cases[] = {
+        {false, {{20, 319 - 30}, {11, 319 - 21}}, {{8, 319 - 30}, {20, 319 - 42}, {20, 30}}},
+        {true, {{30, 20}, {21, 11}}, {{20, 5}, {45, 20}}}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.landscape ? "landscape" : "portrait");
         start(c.landscape ? pvtest::landscapeSettings() : PVSETTINGS());
@@ -176,12 +204,13 @@ TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
         PEVRANO::clear(true, true, false);
         setEveryTwoDSwitchTheOtherWay();
         const std::array<float, 16> perspective = shadowProjection();
-        EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::begin2D()); }), begin2DCalls(c.landscape)) << recorder.text();
+        EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::begin2D()); }), begin2DCalls(c.landscape))
+            << recorder.text();
         expectShadowProjectionIsGls();
         drawRectangle(10, 20, 30, 40);
         EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end2D()); }),
-                  (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
-                         "glEnable(GL_CULL_FACE)", "glEnable(GL_DEPTH_TEST)"}));
+                  (Calls {"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
+                          "glEnable(GL_CULL_FACE)", "glEnable(GL_DEPTH_TEST)"}));
         EXPECT_EQ(shadowProjection(), perspective);
         for (const auto& [x, y] : c.redPixels)
             expectColour(x, y, red);
@@ -200,13 +229,14 @@ TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
     // Depth of field has no shader capability here: no pre-pass either.
     PEVRANO::DOFOn();
     PEVRANO::begin3D(nullptr);
-    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end3D(false)); }), Calls{});
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end3D(false)); }), Calls {});
     PEVRANO::DOFOff();
 
     PEVRANO::wireframeOn();
     for (bool swapNow : {false, true}) {
         PEVRANO::begin3D(nullptr);
-        EXPECT_EQ(record([swapNow] { EXPECT_TRUE(PEVRANO::end3D(swapNow)); }), Calls{"glDisable(GL_CULL_FACE)"});
+        EXPECT_EQ(record([swapNow] { EXPECT_TRUE(PEVRANO::end3D(swapNow)); }),
+                  Calls {"glDisable(GL_CULL_FACE)"});
     }
     EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
     EXPECT_TRUE(PVOPENGL::isCulled());
@@ -219,8 +249,8 @@ TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
     PVOPENGL::cullingOff();
     PEVRANO::begin2D();
     EXPECT_EQ(record([] { PEVRANO::end2D(); }),
-              (Calls{"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
-                     "glEnable(GL_DEPTH_TEST)"}));
+              (Calls {"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
+                      "glEnable(GL_DEPTH_TEST)"}));
     EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
 }
 
@@ -234,8 +264,9 @@ TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
     const Calls calls = record([] { EXPECT_TRUE(PEVRANO::begin3D(nullptr)); });
     ASSERT_GT(calls.size(), 4u);
     EXPECT_EQ(Calls(calls.begin(), calls.begin() + 4),
-              (Calls{"glDisableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
-                     "glDisable(GL_BLEND)", "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
+              (Calls {"glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
+                      "glDisableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisable(GL_BLEND)",
+                      "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
         << recorder.text();
     EXPECT_EQ(recorder.count("glDisable"), 1u);
     EXPECT_EQ(recorder.count("glLightModelx"), 1u);
@@ -244,7 +275,7 @@ TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
 TEST_F(Frame, SwapFlushesAndFinishesBeforeSwapping)
 {
     start();
-    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::swap()); }), (Calls{"glFlush()", "glFinish()"}));
+    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::swap()); }), (Calls {"glFlush()", "glFinish()"}));
 }
 
 // Picking at window point (50, 100) clears only the pixel under it (to colour
@@ -257,7 +288,7 @@ TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
         bool landscape;
         int x, y;
     };
-    for (const Case& c : {Case{false, 50, 220}, Case{true, 220, 270}}) {
+    for (const Case& c : {Case {false, 50, 220}, Case {true, 220, 270}}) {
         SCOPED_TRACE(c.landscape ? "landscape" : "portrait");
         start(c.landscape ? pvtest::landscapeSettings() : PVSETTINGS());
         PVOPENGL::setBackgroundColor(1.0f, 1.0f, 0.0f, 1.0f);
@@ -265,7 +296,8 @@ TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
         PEVRANO::begin3D(nullptr);
         PEVRANO::end3D(false);
         unsigned int code = 1;
-        EXPECT_EQ(record([&code] { code = PEVRANO::select(50, 100); }), selectCalls(c.x, c.y)) << recorder.text();
+        EXPECT_EQ(record([&code] { code = PEVRANO::select(50, 100); }), selectCalls(c.x, c.y))
+            << recorder.text();
         EXPECT_EQ(code, 0u);
         EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
         EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));

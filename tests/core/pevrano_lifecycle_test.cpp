@@ -74,7 +74,8 @@ TEST_F(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
 
     std::vector<LogLine> request = pvtest::defaultSettingsRequestLines();
     request[3] = exact("          depth: 16, zeta: 64, stencil: 0");
-    std::vector<LogLine> lines = pvtest::upTo(pvtest::initLines(false, request), "          Font path   : ''");
+    std::vector<LogLine> lines =
+        pvtest::upTo(pvtest::initLines(false, request), "          Font path   : ''");
     pvtest::append(lines, {pvtest::like("      OpenGL ES [0-9]+\\.[0-9]+"),
                            exact("      Number of available configs: 0"),
                            exact("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init"),
@@ -97,8 +98,8 @@ TEST_F(Lifecycle, FailingOpenGLStepReleasesTheSettings)
 
     std::vector<LogLine> lines = pvtest::upTo(pvtest::initLines(), "   Settings initialized");
     pvtest::append(lines, {exact("   [!] OpenGL already active @ PVOPENGL::init"),
-                           exact("   [!] Unable to init OpenGL @ PEVRANO::init"), exact("   Release settings..."),
-                           exact("   Settings released")});
+                           exact("   [!] Unable to init OpenGL @ PEVRANO::init"),
+                           exact("   Release settings..."), exact("   Settings released")});
     pvtest::expectLog(log.text().substr(before), lines);
 
     ASSERT_TRUE(PVTESTACCESS::openglFree());

@@ -30,7 +30,7 @@ Matrix shadow(int which)
 
 Matrix glMatrix(GLenum which)
 {
-    Matrix m{};
+    Matrix m {};
     glGetFloatv(which, m.data());
     return m;
 }
@@ -65,16 +65,16 @@ TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedFixedPoint)
         PV_glClearDepthf(0.75f);
         PV_glAlphaFunc(GL_GEQUAL, 0.5f);
     });
-    EXPECT_EQ(calls, (Calls{"glColor4x(65536,65536,65536,65536)", "glColor4x(32768,-98304,131071,-32768)",
-                            "glClearColorx(1,-1,0,0)", "glClearColorx(16384,49152,0,65536)",
-                            "glLightxv(GL_LIGHT1,GL_AMBIENT,{16384,32768,49152,65536})",
-                            "glLightxv(GL_LIGHT2,GL_POSITION,{-131072,8192,6553600,0})",
-                            "glLightx(GL_LIGHT3,GL_SPOT_CUTOFF,2981888)",
-                            "glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{6553,13107,19660,26214})",
-                            "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,786432)",
-                            "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,49152,65536})",
-                            "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glClearDepthx(49152)",
-                            "glAlphaFuncx(GL_GEQUAL,32768)"}));
+    EXPECT_EQ(calls, (Calls {"glColor4x(65536,65536,65536,65536)", "glColor4x(32768,-98304,131071,-32768)",
+                             "glClearColorx(1,-1,0,0)", "glClearColorx(16384,49152,0,65536)",
+                             "glLightxv(GL_LIGHT1,GL_AMBIENT,{16384,32768,49152,65536})",
+                             "glLightxv(GL_LIGHT2,GL_POSITION,{-131072,8192,6553600,0})",
+                             "glLightx(GL_LIGHT3,GL_SPOT_CUTOFF,2981888)",
+                             "glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{6553,13107,19660,26214})",
+                             "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,786432)",
+                             "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,49152,65536})",
+                             "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glClearDepthx(49152)",
+                             "glAlphaFuncx(GL_GEQUAL,32768)"}));
 }
 
 // The 16.16 range ends below 32768: the largest float inside it keeps its
@@ -90,29 +90,31 @@ TEST_F(GlWrapper, ValuesBeyondTheFixedRangeSaturate)
         PV_glLightfv(GL_LIGHT0, GL_POSITION, special);
         PV_glClearDepthf(40000.0f);
     });
-    EXPECT_EQ(calls, (Calls{"glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
-                            "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,2147483647,-2147483648})",
-                            "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,0,0})",
-                            "glClearDepthx(2147483647)"}));
+    EXPECT_EQ(calls,
+              (Calls {"glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
+                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,2147483647,-2147483648})",
+                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,0,0})",
+                      "glClearDepthx(2147483647)"}));
 }
 
 TEST_F(GlWrapper, LoadMatrixSendsFixedValuesAndKeepsFloats)
 {
-    const Matrix m = {0.5f, -1.5f, 1.99999f, 0.0f, 1.0f, 2.0f, -0.25f, 0.0f,
-                      3.0f, -0.00001f, 1.0f, 0.0f, 10.0f, -20.0f, 30.5f, 1.0f};
-    EXPECT_EQ(record([&m] {
-                  PV_glMatrixMode(GL_MODELVIEW);
-                  PV_glLoadMatrixf(m.data());
-              }),
-              (Calls{"glMatrixMode(GL_MODELVIEW)",
-                     "glLoadMatrixx({32768,-98304,131071,0,65536,131072,-16384,0,196608,0,65536,0,655360,-1310720,"
-                     "1998848,65536})"}));
+    const Matrix m = {0.5f, -1.5f,     1.99999f, 0.0f, 1.0f,  2.0f,   -0.25f, 0.0f,
+                      3.0f, -0.00001f, 1.0f,     0.0f, 10.0f, -20.0f, 30.5f,  1.0f};
+    EXPECT_EQ(
+        record([&m] {
+            PV_glMatrixMode(GL_MODELVIEW);
+            PV_glLoadMatrixf(m.data());
+        }),
+        (Calls {"glMatrixMode(GL_MODELVIEW)",
+                "glLoadMatrixx({32768,-98304,131071,0,65536,131072,-16384,0,196608,0,65536,0,655360,-1310720,"
+                "1998848,65536})"}));
     expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::fromGl(m.data()), 0.0f, "shadow keeps the floats");
 }
 
 TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
 {
-    const Matrix m = {2.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.5f, 0.0f, 0.0f,
+    const Matrix m = {2.0f, 0.0f,  0.0f, 0.0f, 0.0f,   0.5f, 0.0f, 0.0f,
                       0.0f, 0.25f, 1.0f, 0.0f, -1.25f, 4.0f, 0.0f, 1.0f};
     const Calls calls = record([&m] {
         PV_glMatrixMode(GL_MODELVIEW);
@@ -122,12 +124,14 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
         PV_glMultMatrixf(m.data());
     });
     // 0.6 * 65536 = 39321.6, 0.8 * 65536 = 52428.8.
-    EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", "glTranslatex(65536,-131072,196608)",
-                            "glRotatex(1966080,39321,0,52428)",
-                            "glMultMatrixx({131072,0,0,0,0,32768,0,0,0,16384,65536,0,-81920,262144,0,65536})"}));
+    EXPECT_EQ(calls,
+              (Calls {"glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()", "glTranslatex(65536,-131072,196608)",
+                      "glRotatex(1966080,39321,0,52428)",
+                      "glMultMatrixx({131072,0,0,0,0,32768,0,0,0,16384,65536,0,-81920,262144,0,65536})"}));
 
     // Each operation X makes the top X * top.
-    const Mat4 expected = Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
+    const Mat4 expected =
+        Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
     expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
     // GL, fed the same operations in fixed point, holds the same matrix.
     expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
@@ -138,7 +142,7 @@ TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
     PV_glMatrixMode(GL_PROJECTION);
     PV_glLoadIdentity();
     EXPECT_EQ(record([] { PV_glFrustum(-1.0f, 2.0f, -1.0f, 1.0f, 2.0f, 10.0f); }),
-              Calls{"glFrustumx(-65536,131072,-65536,65536,131072,655360)"});
+              Calls {"glFrustumx(-65536,131072,-65536,65536,131072,655360)"});
 
     // Shadow: no factor n on the diagonal, off-diagonal terms in 2, 6 and 11:
     // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
@@ -202,7 +206,7 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
                   PV_glMatrixMode(GL_TEXTURE);
                   PV_glTranslatef(5.0f, 0.0f, 0.0f);
               }),
-              (Calls{"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
+              (Calls {"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
     expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f, "projection follows");
     expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
@@ -211,8 +215,8 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
 
 TEST_F(GlWrapper, ShadowStacksStartZeroedAndAreReadByStackIndexOnly)
 {
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4{}, 0.0f, "model-view");
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4{}, 0.0f, "projection");
+    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4 {}, 0.0f, "model-view");
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4 {}, 0.0f, "projection");
     PV_glMatrixMode(GL_MODELVIEW);
     PV_glLoadIdentity();
     Matrix untouched;

@@ -19,10 +19,7 @@ namespace {
 using pvtest::Calls;
 using OpenGlState = pvtest::GlContextTest;
 
-std::string glText(GLenum which)
-{
-    return reinterpret_cast<const char*>(glGetString(which));
-}
+std::string glText(GLenum which) { return reinterpret_cast<const char*>(glGetString(which)); }
 
 using pvtest::cachedSwitches;
 using pvtest::Switch;
@@ -52,7 +49,7 @@ TEST_F(OpenGlState, SwitchesStartOffAndCallGlOnlyOnChange)
                   for (const Switch& s : cachedSwitches)
                       s.off();
               }),
-              Calls{});
+              Calls {});
     EXPECT_EQ(record([] {
                   for (const Switch& s : cachedSwitches) {
                       s.on();
@@ -79,11 +76,18 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
     recorder.stop();
     EXPECT_TRUE(PVTESTACCESS::openglIsActive());
 
-    Calls expected = {"glClearColorx(32768,16384,0,65536)", "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{0,0,0,65536})",
-                      "glClearDepthx(65536)", "glClearStencil(0)", "glDepthFunc(GL_LESS)", "glEnable(GL_DEPTH_TEST)",
-                      "glShadeModel(GL_SMOOTH)", "glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST)",
-                      "glDisable(GL_DITHER)", "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)",
-                      "glAlphaFuncx(GL_GEQUAL,32768)", "glEnable(GL_CULL_FACE)"};
+    Calls expected = {"glClearColorx(32768,16384,0,65536)",
+                      "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{0,0,0,65536})",
+                      "glClearDepthx(65536)",
+                      "glClearStencil(0)",
+                      "glDepthFunc(GL_LESS)",
+                      "glEnable(GL_DEPTH_TEST)",
+                      "glShadeModel(GL_SMOOTH)",
+                      "glHint(GL_PERSPECTIVE_CORRECTION_HINT,GL_NICEST)",
+                      "glDisable(GL_DITHER)",
+                      "glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)",
+                      "glAlphaFuncx(GL_GEQUAL,32768)",
+                      "glEnable(GL_CULL_FACE)"};
     for (const char* light : {"GL_LIGHT0", "GL_LIGHT1", "GL_LIGHT2", "GL_LIGHT3"}) {
         const std::string prefix = std::string("glLightx(") + light + ",";
         expected.push_back(prefix + "GL_SPOT_EXPONENT,0)");
@@ -101,8 +105,9 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
     EXPECT_TRUE(PVOPENGL::isCulled());
 
     std::string expectedLog = "   Init OpenGL...\n      Vendor    : " + glText(GL_VENDOR) +
-                              "\n      Renderer  : " + glText(GL_RENDERER) + "\n      Version   : " +
-                              glText(GL_VERSION) + "\n      Extensions: " + glText(GL_EXTENSIONS) +
+                              "\n      Renderer  : " + glText(GL_RENDERER) +
+                              "\n      Version   : " + glText(GL_VERSION) +
+                              "\n      Extensions: " + glText(GL_EXTENSIONS) +
                               "\n\n   OpenGL initialized\n   [!] OpenGL already active @ PVOPENGL::init\n";
     EXPECT_FALSE(PVTESTACCESS::openglInit());
     EXPECT_EQ(log.text(), expectedLog);
@@ -116,7 +121,7 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
 TEST_F(OpenGlState, GlobalAmbientLightIsApplied)
 {
     Calls calls = record([] { PVOPENGL::setGlobalAmbientLight(0.25f, 0.5f, 1.0f, 0.75f); });
-    EXPECT_EQ(calls, (Calls{"glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,65536,49152})"}));
+    EXPECT_EQ(calls, (Calls {"glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,65536,49152})"}));
 }
 
 void expectFixedNear(const std::vector<long long>& actual, const std::vector<double>& expected)
@@ -176,7 +181,7 @@ TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngl
     // An empty size warns and carries on.
     record([] { EXPECT_TRUE(PVOPENGL::resize(0, 0, 0, 0)); });
     EXPECT_EQ(log.text(), "   [!] invalid params @ PVOPENGL::resize\n");
-    EXPECT_EQ(recorder.filter("glViewport"), Calls{"glViewport(0," + std::to_string(windowY) + ",0,0)"});
+    EXPECT_EQ(recorder.filter("glViewport"), Calls {"glViewport(0," + std::to_string(windowY) + ",0,0)"});
     EXPECT_EQ(recorder.count("glFrustumx"), 1u);
 }
 
@@ -203,8 +208,8 @@ TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
     // 2/h and column 1 (-1, 0) by 1/h; the depth rows are F's.
     float projection[16];
     PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
-    const double expected[16] = {0, 2 / h, 0, 0, -1 / h, 0, 0, 0, 0, 0, -1025.0 / 1023.0, -2048.0 / 1023.0,
-                                 0, 0, -1, 0};
+    const double expected[16] = {0, 2 / h, 0,  0, -1 / h, 0, 0, 0, 0, 0, -1025.0 / 1023.0, -2048.0 / 1023.0,
+                                 0, 0,     -1, 0};
     for (int i = 0; i < 16; i++)
         EXPECT_NEAR(projection[i], expected[i], 1e-5) << "shadow element " << i;
     EXPECT_EQ(log.text().substr(initLength), "");
@@ -215,9 +220,9 @@ TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)
     bool ok = false;
     Calls calls = record([&ok] { ok = PVOPENGL::setFrustum(-1.0f, 1.0f, -0.5f, 0.5f, 1.0f, 9.0f, true); });
     EXPECT_TRUE(ok);
-    EXPECT_EQ(calls, (Calls{"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                            "glFrustumx(-65536,65536,-32768,32768,65536,589824)", "glMatrixMode(GL_MODELVIEW)",
-                            "glLoadIdentity()"}));
+    EXPECT_EQ(calls, (Calls {"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
+                             "glFrustumx(-65536,65536,-32768,32768,65536,589824)",
+                             "glMatrixMode(GL_MODELVIEW)", "glLoadIdentity()"}));
 }
 
 }  // namespace

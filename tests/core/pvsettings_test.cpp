@@ -83,26 +83,25 @@ TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 // inside longer text, and the character after the key is skipped whatever it is.
 TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::writeFile("game.cfg",
-                      "# display\n"
-                      "PEVRANO_windowX = 480   # wider\n"
-                      "PEVRANO_windowY\t=\t6 4 0\r\n"
-                      "PEVRANO_colorDepth:24\n"
-                      "PEVRANO_zetaDepth=24\n"
-                      "PEVRANO_zetaDepth=32\n"
-                      "OLD_PEVRANO_FBOSizeX=2048\n"
-                      "PEVRANO_FBOSizeX=512\n"
-                      "PEVRANO_waterSizeMax=9\n"
-                      "PEVRANO_fullScreen=0\n"
-                      "PEVRANO_landscape=2\n"
-                      "PEVRANO_useShaders=1\n"
-                      "PEVRANO_audioChannels=12abc\n"
-                      "PEVRANO_renderingElements=\n"
-                      "PEVRANO_title = \"My Game\"\n"
-                      "PEVRANO_pvePath=models/\n"
-                      "PEVRANO_texturePath = \"tex tures/\" # quoted\n"
-                      "PEVRANO_fontPath=\"fonts/\n"
-                      "PEVRANO_shaderPath=\"a\"b\"");
+    pvtest::writeFile("game.cfg", "# display\n"
+                                  "PEVRANO_windowX = 480   # wider\n"
+                                  "PEVRANO_windowY\t=\t6 4 0\r\n"
+                                  "PEVRANO_colorDepth:24\n"
+                                  "PEVRANO_zetaDepth=24\n"
+                                  "PEVRANO_zetaDepth=32\n"
+                                  "OLD_PEVRANO_FBOSizeX=2048\n"
+                                  "PEVRANO_FBOSizeX=512\n"
+                                  "PEVRANO_waterSizeMax=9\n"
+                                  "PEVRANO_fullScreen=0\n"
+                                  "PEVRANO_landscape=2\n"
+                                  "PEVRANO_useShaders=1\n"
+                                  "PEVRANO_audioChannels=12abc\n"
+                                  "PEVRANO_renderingElements=\n"
+                                  "PEVRANO_title = \"My Game\"\n"
+                                  "PEVRANO_pvePath=models/\n"
+                                  "PEVRANO_texturePath = \"tex tures/\" # quoted\n"
+                                  "PEVRANO_fontPath=\"fonts/\n"
+                                  "PEVRANO_shaderPath=\"a\"b\"");
     PVSETTINGS s;
     s.setRenderingElements(77);
     ASSERT_TRUE(s.load("game.cfg"));
@@ -118,9 +117,10 @@ TEST_F(SettingsFile, KeysFollowTheParserRules)
 // the viewport.
 TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
 {
-    pvtest::writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
-                                   "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
-                                   "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
+    pvtest::writeFile("small.cfg",
+                      "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
+                      "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
+                      "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
     PVSETTINGS s;
     ASSERT_TRUE(s.load("small.cfg"));
     start(s);
@@ -128,14 +128,14 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
     EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
     EXPECT_TRUE(PVSETTINGS::isSDLLandscape());
-    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 160, 120}));
+    EXPECT_EQ(pvtest::viewportInForce(), (Viewport {0, 0, 160, 120}));
     EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
     EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
 
     ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    EXPECT_EQ(pvtest::viewportInForce(), (Viewport{0, 0, 200, 100}));
+    EXPECT_EQ(pvtest::viewportInForce(), (Viewport {0, 0, 200, 100}));
 }
 
 // What is in force comes from GL, not from the request; the values with no

@@ -12,23 +12,27 @@ using namespace pvtest;
 
 namespace {
 
-int filesIn(const std::string& directory) {
+int filesIn(const std::string& directory)
+{
     int count = 0;
     DIR* dir = opendir(directory.c_str());
     while (dirent* entry = readdir(dir))
-        if (entry->d_name[0] != '.') ++count;
+        if (entry->d_name[0] != '.')
+            ++count;
     closedir(dir);
     return count;
 }
 
 // An error record as the log file holds it, in text form.
-std::string textErrorRecord(const std::string& from, const std::string& text) {
+std::string textErrorRecord(const std::string& from, const std::string& text)
+{
     return literal("Time:  ") + clockPattern + literal("\nFrom:  " + from + "\nError: " + text + "\n\n");
 }
 
 }  // namespace
 
-TEST(Log, EchoRepeatsEveryMessageOnStandardOutput) {
+TEST(Log, EchoRepeatsEveryMessageOnStandardOutput)
+{
     ScratchDir dir;
     kvfShutdown();
     StdoutCapture out;
@@ -45,7 +49,8 @@ TEST(Log, EchoRepeatsEveryMessageOnStandardOutput) {
     EXPECT_TRUE(matchesWhole(log, textStartBanner() + literal("   first\n   quiet\n   last\n"))) << log;
 }
 
-TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen) {
+TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen)
+{
     ScratchDir dir;
     {
         LogCapture capture;
@@ -60,7 +65,8 @@ TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen) {
     EXPECT_FALSE(kvfLog("nothing\n"));
 }
 
-TEST(Log, ClosedLogWritesNothingAnywhere) {
+TEST(Log, ClosedLogWritesNothingAnywhere)
+{
     ScratchDir dir;
     restartLog("closed.txt");
     kvfShutdown();
@@ -75,7 +81,8 @@ TEST(Log, ClosedLogWritesNothingAnywhere) {
     EXPECT_EQ(readFile("closed.txt"), closedLog);
 }
 
-TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem) {
+TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem)
+{
     ScratchDir dir;
     kvfShutdown();
     StdoutCapture out;
@@ -92,7 +99,8 @@ TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem) {
     EXPECT_EQ(filesIn(dir.path()), 0);
 }
 
-TEST(Log, ErrorRecordsInText) {
+TEST(Log, ErrorRecordsInText)
+{
     ScratchDir dir;
     LogCapture capture;
     StdoutCapture out;
@@ -101,16 +109,17 @@ TEST(Log, ErrorRecordsInText) {
     EXPECT_FALSE(kvfError("PVMESH::render", "", "%s", "100% wrong"));
     kvfSetConsoleEcho(false);
     std::string meshRecord = textErrorRecord("PVMESH::render - Error", "100% wrong");
-    EXPECT_TRUE(matchesWhole(capture.text(), textErrorRecord("PVTEXTURE::load - Error (wall.tga)", "bad size 3") +
-                                                 meshRecord))
+    EXPECT_TRUE(matchesWhole(
+        capture.text(), textErrorRecord("PVTEXTURE::load - Error (wall.tga)", "bad size 3") + meshRecord))
         << capture.text();
     std::string echoed = out.text();
-    EXPECT_TRUE(matchesWhole(echoed, literal("ERROR\n   from: PVMESH::render - Error\n   text: 100% wrong\n") +
-                                         meshRecord))
+    EXPECT_TRUE(matchesWhole(
+        echoed, literal("ERROR\n   from: PVMESH::render - Error\n   text: 100% wrong\n") + meshRecord))
         << echoed;
 }
 
-TEST(Log, HtmlPageAndTheModeOutlivingShutdown) {
+TEST(Log, HtmlPageAndTheModeOutlivingShutdown)
+{
     ScratchDir dir;
     restartLog("page.html");
     StdoutCapture out;
@@ -125,7 +134,8 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown) {
     LogSummary summary = readSummary(log);
     EXPECT_TRUE(summary.balanced()) << log;
     std::string expected =
-        htmlStartBanner(true) + literal("&nbsp&nbsp three blanks<BR>\none two<BR>\nsecond&nbsp line x<BR>\n") +
+        htmlStartBanner(true) +
+        literal("&nbsp&nbsp three blanks<BR>\none two<BR>\nsecond&nbsp line x<BR>\n") +
         literal("Time:&nbsp <B>") + clockPattern + literal("</B><BR>\n") +
         literal("From:&nbsp <B>PVFONT::load - Error (arial)</B><BR>\nError: <B>a&nbsp b</B><BR>\n<BR>\n") +
         literal("<H4><BR>\n<HR ALIGN=CENTER WIDTH=\"100%\" SIZE=\"2\">" + summary.ratioLine + "<BR>\n") +
@@ -142,7 +152,8 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown) {
     EXPECT_TRUE(matchesWhole(later, htmlStartBanner(false) + literal("&nbsp a<BR>\n"))) << later;
 }
 
-TEST(Log, OverlongMessagesAreCut) {
+TEST(Log, OverlongMessagesAreCut)
+{
     ScratchDir dir;
     LogCapture capture;
     StdoutCapture out;
@@ -155,7 +166,8 @@ TEST(Log, OverlongMessagesAreCut) {
     EXPECT_EQ(out.text(), std::string(1023, 'x'));
 }
 
-TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces) {
+TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces)
+{
     ScratchDir dir;
     restartLog("long.html");
     std::string before = readFile("long.html");
@@ -168,7 +180,10 @@ TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces) {
     kvfLog("%s", (std::string(1019, 'z') + "\n").c_str());
     kvfLog("end");
     std::string expected;
-    for (int i = 0; i < 204; ++i) expected += "&nbsp";
-    for (int i = 0; i < 204; ++i) expected += "<BR>\n";
-    EXPECT_EQ(readFile("long.html").substr(before.size()), expected + std::string(1020, 'y') + std::string(1019, 'z') + "end");
+    for (int i = 0; i < 204; ++i)
+        expected += "&nbsp";
+    for (int i = 0; i < 204; ++i)
+        expected += "<BR>\n";
+    EXPECT_EQ(readFile("long.html").substr(before.size()),
+              expected + std::string(1020, 'y') + std::string(1019, 'z') + "end");
 }

@@ -20,8 +20,10 @@ bool fakeMemory = false;
 unsigned long long fakeInUse = 0;
 }  // namespace
 
-unsigned long long kvfPhysicalMemoryInUse() {
-    if (fakeMemory) return fakeInUse;
+unsigned long long kvfPhysicalMemoryInUse()
+{
+    if (fakeMemory)
+        return fakeInUse;
     using Reading = unsigned long long (*)();
     static Reading real = reinterpret_cast<Reading>(dlsym(RTLD_NEXT, "_Z22kvfPhysicalMemoryInUsev"));
     return real ? real() : 0;
@@ -30,7 +32,8 @@ unsigned long long kvfPhysicalMemoryInUse() {
 namespace {
 
 struct FakeMemory {
-    explicit FakeMemory(unsigned long long inUse) {
+    explicit FakeMemory(unsigned long long inUse)
+    {
         fakeMemory = true;
         fakeInUse = inUse;
     }
@@ -38,14 +41,16 @@ struct FakeMemory {
 };
 
 // Megabytes as the summary prints them: divided in single precision, two decimals.
-double printedMegabytes(unsigned int bytes) {
+double printedMegabytes(unsigned int bytes)
+{
     char text[32];
     snprintf(text, sizeof text, "%.2f", static_cast<float>(bytes) / 1048576.0f);
     return std::stod(text);
 }
 
 // The 32-bit peak behind a byte count that the summary printed signed.
-unsigned int peakFromPrinted(long long printed) {
+unsigned int peakFromPrinted(long long printed)
+{
     return static_cast<unsigned int>(printed < 0 ? printed + 4294967296LL : printed);
 }
 
@@ -53,7 +58,8 @@ const long idTableBytes = 262144;
 
 }  // namespace
 
-TEST(Memory, SummaryReportsBalanceCountsAndTotal) {
+TEST(Memory, SummaryReportsBalanceCountsAndTotal)
+{
     ScratchDir dir;
     restartLog("first.txt");
     kvfShutdown();
@@ -78,7 +84,8 @@ TEST(Memory, SummaryReportsBalanceCountsAndTotal) {
     kvfFree(kept);
 }
 
-TEST(Memory, PeakIsTakenAtInitAndAfterEachAllocation) {
+TEST(Memory, PeakIsTakenAtInitAndAfterEachAllocation)
+{
     ScratchDir dir;
     FakeMemory memory(100000000);
     // The start sets the peak to the use of the moment, lower than before.
@@ -96,15 +103,18 @@ TEST(Memory, PeakIsTakenAtInitAndAfterEachAllocation) {
     fakeInUse = 250000000;
     kvfShutdown();
     // 200,000,000 / 1,048,576 = 190.7348...
-    EXPECT_EQ(readSummary(readFile("peak.txt")).peakLine, "Max. physical memory usage: 190.73 mb (200000000 bytes)");
+    EXPECT_EQ(readSummary(readFile("peak.txt")).peakLine,
+              "Max. physical memory usage: 190.73 mb (200000000 bytes)");
 }
 
-TEST(Memory, PeakAbove2GigabytesPrintsSigned) {
+TEST(Memory, PeakAbove2GigabytesPrintsSigned)
+{
     ScratchDir dir;
     FakeMemory memory(3000000000ULL);
     restartLog("peak.txt");
     kvfShutdown();
     // 3,000,000,000 / 1,048,576 = 2861.0229...; as a signed 32-bit number the
     // byte count is 3,000,000,000 - 4,294,967,296.
-    EXPECT_EQ(readSummary(readFile("peak.txt")).peakLine, "Max. physical memory usage: 2861.02 mb (-1294967296 bytes)");
+    EXPECT_EQ(readSummary(readFile("peak.txt")).peakLine,
+              "Max. physical memory usage: 2861.02 mb (-1294967296 bytes)");
 }

@@ -19,22 +19,28 @@ using Lines = std::vector<std::string>;
 // A parser opened on a file with the given content, closed on destruction.
 class OpenParser {
 public:
-    explicit OpenParser(const std::string& content) {
+    explicit OpenParser(const std::string& content)
+    {
         writeFile("parsed.cfg", content);
         opened = kvfOpenParser(&parser, "parsed.cfg");
     }
-    ~OpenParser() {
-        if (parser.buffer) kvfCloseParser(&parser);
+    ~OpenParser()
+    {
+        if (parser.buffer)
+            kvfCloseParser(&parser);
     }
-    int getInt(const char* key) {
+    int getInt(const char* key)
+    {
         int value = -999;
         found = kvfGetInt(&parser, key, &value);
         return value;
     }
     // The value of a key read as an int ('i'), a float ('f', all its digits)
     // or a string ('s'); what the untouched value reads when the key is missing.
-    std::string lookup(char kind, const char* key) {
-        if (kind == 'i') return std::to_string(getInt(key));
+    std::string lookup(char kind, const char* key)
+    {
+        if (kind == 'i')
+            return std::to_string(getInt(key));
         char value[256] = "untouched";
         if (kind == 's') {
             found = kvfGetString(&parser, key, value);
@@ -51,11 +57,13 @@ public:
 };
 
 // Every line the given reader gives for the content.
-Lines readLines(const std::string& content, bool (*read)(kvfParser*, char*) = kvfReadLine) {
+Lines readLines(const std::string& content, bool (*read)(kvfParser*, char*) = kvfReadLine)
+{
     OpenParser file(content);
     Lines lines;
     char line[256];
-    while (file.opened && read(&file.parser, line)) lines.push_back(line);
+    while (file.opened && read(&file.parser, line))
+        lines.push_back(line);
     return lines;
 }
 
@@ -66,7 +74,8 @@ struct Lookup {
     bool found;
 };
 
-void expectLookups(const std::string& content, std::initializer_list<Lookup> lookups) {
+void expectLookups(const std::string& content, std::initializer_list<Lookup> lookups)
+{
     OpenParser file(content);
     ASSERT_TRUE(file.opened);
     for (const Lookup& lookup : lookups) {
@@ -78,7 +87,8 @@ void expectLookups(const std::string& content, std::initializer_list<Lookup> loo
 
 }  // namespace
 
-TEST(Parser, OpenAndCloseFailures) {
+TEST(Parser, OpenAndCloseFailures)
+{
     ScratchDir dir;
     LogCapture capture;
     kvfParser parser;
@@ -93,17 +103,17 @@ TEST(Parser, OpenAndCloseFailures) {
     EXPECT_EQ(parser.buffer, nullptr);
     EXPECT_FALSE(kvfCloseParser(nullptr));
     EXPECT_FALSE(kvfCloseParser(&parser));
-    EXPECT_EQ(capture.text(),
-              "kvfOpenParser: invalid params\n"
-              "kvfOpenParser: invalid params\n"
-              "kvfOpenParser: unable to open file missing.cfg\n"
-              "kvfOpenParser: unable to open file folder.cfg\n"
-              "kvfOpenParser: file 'empty.cfg' is empty\n"
-              "kvfCloseParser: invalid params\n"
-              "kvfCloseParser: parser already free\n");
+    EXPECT_EQ(capture.text(), "kvfOpenParser: invalid params\n"
+                              "kvfOpenParser: invalid params\n"
+                              "kvfOpenParser: unable to open file missing.cfg\n"
+                              "kvfOpenParser: unable to open file folder.cfg\n"
+                              "kvfOpenParser: file 'empty.cfg' is empty\n"
+                              "kvfCloseParser: invalid params\n"
+                              "kvfCloseParser: parser already free\n");
 }
 
-TEST(Parser, OpenHoldsTheContentInOneCountedBlock) {
+TEST(Parser, OpenHoldsTheContentInOneCountedBlock)
+{
     ScratchDir dir;
     LogCapture capture;
     writeFile("five.cfg", "A=1\nB");
@@ -126,27 +136,30 @@ TEST(Parser, OpenHoldsTheContentInOneCountedBlock) {
     EXPECT_EQ(capture.text(), "kvfCloseParser: parser already free\n");
 }
 
-TEST(Parser, LineEnds) {
+TEST(Parser, LineEnds)
+{
     ScratchDir dir;
     LogCapture capture;
     // A carriage return before a line feed stays; the last line needs no end.
-    EXPECT_EQ(readLines("first\nsecond\r\nthird"), (Lines{"first", "second\r", "third"}));
-    EXPECT_EQ(readLines("\n\nlast\n"), (Lines{"", "", "last"}));
+    EXPECT_EQ(readLines("first\nsecond\r\nthird"), (Lines {"first", "second\r", "third"}));
+    EXPECT_EQ(readLines("\n\nlast\n"), (Lines {"", "", "last"}));
     // Carriage returns alone: each line loses its last character.
-    EXPECT_EQ(readLines("ab\rcd\r"), (Lines{"a", "c"}));
-    EXPECT_EQ(readLines("\rx"), (Lines{"", "x"}));
+    EXPECT_EQ(readLines("ab\rcd\r"), (Lines {"a", "c"}));
+    EXPECT_EQ(readLines("\rx"), (Lines {"", "x"}));
     // The first line feed anywhere ahead wins over a nearer carriage return.
-    EXPECT_EQ(readLines("x=1\ry=2\nz"), (Lines{"x=1\ry=2", "z"}));
+    EXPECT_EQ(readLines("x=1\ry=2\nz"), (Lines {"x=1\ry=2", "z"}));
     // Lines are cut to 255 characters.
     std::string longLine(300, 'k');
-    EXPECT_EQ(readLines(longLine + "\nnext\n" + longLine), (Lines{longLine.substr(0, 255), "next", longLine.substr(0, 255)}));
+    EXPECT_EQ(readLines(longLine + "\nnext\n" + longLine),
+              (Lines {longLine.substr(0, 255), "next", longLine.substr(0, 255)}));
     // Compact lines lose their blanks and tabs, quoted or not.
     EXPECT_EQ(readLines(" A = 1 \t\r\n\t\tB\t=  \"two words\"\nC", kvfReadCompactLine),
-              (Lines{"A=1\r", "B=\"twowords\"", "C"}));
+              (Lines {"A=1\r", "B=\"twowords\"", "C"}));
     EXPECT_EQ(capture.text(), "");
 }
 
-TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd) {
+TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd)
+{
     ScratchDir dir;
     // With a line-end character as the mark, the one that stops a run starts the next.
     const struct {
@@ -173,12 +186,13 @@ TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd) {
     EXPECT_FALSE(kvfStripComments(nullptr, '#'));
 }
 
-TEST(Parser, Lookups) {
+TEST(Parser, Lookups)
+{
     ScratchDir dir;
     expectLookups("WIDTH = 640\nHEIGHT=480px\nABCD=7\nABC=5\nNAME = \"my file\"\nRAW = plain\nHALF=\"open\n"
                   "SCALE=2.5e1x\nWIDTH=1024\nSIGN=-12\nKEYONLY",
                   {{"WIDTH", 'i', "640", true},  // the first line wins
-                   {"HEIGHT", 'i', "480", true}, // digits stop at the letters
+                   {"HEIGHT", 'i', "480", true},  // digits stop at the letters
                    {"ABCD", 'i', "7", true},
                    // "ABC" is found first inside "ABCD=7": its value starts at "=7".
                    {"ABC", 'i', "0", true},
@@ -200,7 +214,8 @@ TEST(Parser, Lookups) {
                    {"DEPTH", 's', "untouched", false}});
 }
 
-TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone) {
+TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone)
+{
     ScratchDir dir;
     OpenParser file("A=1\nB=2\nC=3\n");
     ASSERT_TRUE(file.opened);
@@ -214,15 +229,18 @@ TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone) {
     EXPECT_EQ(file.getInt("C"), 3);
 }
 
-TEST(Parser, LookupsAtTheEndOfTheFileOrWithCarriageReturns) {
+TEST(Parser, LookupsAtTheEndOfTheFileOrWithCarriageReturns)
+{
     ScratchDir dir;
     expectLookups("A=12", {{"A", 'i', "12", true}});
-    expectLookups("A=3\r\nS=\"q\"\r\nF=0.5\r\n", {{"A", 'i', "3", true}, {"S", 's', "q", true}, {"F", 'f', "0.5", true}});
+    expectLookups("A=3\r\nS=\"q\"\r\nF=0.5\r\n",
+                  {{"A", 'i', "3", true}, {"S", 's', "q", true}, {"F", 'f', "0.5", true}});
     // Carriage returns alone cost each line its last character.
     expectLookups("A=34\rB=5\r", {{"A", 'i', "3", true}, {"B", 'i', "0", true}});
 }
 
-TEST(Parser, ClosedParserAndBadArguments) {
+TEST(Parser, ClosedParserAndBadArguments)
+{
     ScratchDir dir;
     LogCapture capture;
     kvfParser closed;
@@ -242,7 +260,8 @@ TEST(Parser, ClosedParserAndBadArguments) {
     EXPECT_EQ(capture.text(), "");
 }
 
-TEST(Files, SizeAndExistence) {
+TEST(Files, SizeAndExistence)
+{
     ScratchDir dir;
     writeFile("ten.bin", std::string("0123\0\n6789", 10));
     writeFile("empty.bin", "");

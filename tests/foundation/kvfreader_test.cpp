@@ -39,8 +39,7 @@ struct Overrun {
 };
 
 // True when the read succeeds or touches its output.
-template <typename T, bool (KVFREADER::*read)(T&)>
-bool failsUntouched(KVFREADER& reader)
+template <typename T, bool (KVFREADER::*read)(T&)> bool failsUntouched(KVFREADER& reader)
 {
     T value = 7;
     return (reader.*read)(value) || value != 7;

@@ -22,8 +22,10 @@ bool fakeClock = false;
 long long fakeNow = 0;
 }  // namespace
 
-long long kvfPerformanceCounter() {
-    if (fakeClock) return fakeNow;
+long long kvfPerformanceCounter()
+{
+    if (fakeClock)
+        return fakeNow;
     using Counter = long long (*)();
     static Counter real = reinterpret_cast<Counter>(dlsym(RTLD_NEXT, "_Z21kvfPerformanceCounterv"));
     return real ? real() : 0;
@@ -32,7 +34,8 @@ long long kvfPerformanceCounter() {
 namespace {
 
 struct FakeClock {
-    explicit FakeClock(long long start) {
+    explicit FakeClock(long long start)
+    {
         fakeClock = true;
         fakeNow = start;
     }
@@ -42,11 +45,13 @@ struct FakeClock {
 }  // namespace
 
 // A timer of rate zero looks free: its slot is handed out again.
-TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed) {
+TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed)
+{
     ScratchDir dir;
     LogCapture capture;
     EXPECT_EQ(kvfNewTimer(0.0f), 0);
-    for (int expected = 0; expected < 8; ++expected) EXPECT_EQ(kvfNewTimer(1.0f), expected);
+    for (int expected = 0; expected < 8; ++expected)
+        EXPECT_EQ(kvfNewTimer(1.0f), expected);
     EXPECT_EQ(kvfNewTimer(1.0f), -1);
     EXPECT_EQ(capture.text(), "kvfNewTimer: no more timers\n");
     EXPECT_TRUE(kvfFreeTimer(5));
@@ -56,7 +61,8 @@ TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed) {
     EXPECT_EQ(kvfNewTimer(1.0f), -1);
 }
 
-TEST(Timers, BadHandlesAndFreeSlots) {
+TEST(Timers, BadHandlesAndFreeSlots)
+{
     ScratchDir dir;
     LogCapture capture;
     int timer = kvfNewTimer(1.0f);
@@ -78,7 +84,8 @@ TEST(Timers, BadHandlesAndFreeSlots) {
     EXPECT_EQ(capture.text(), expectedLog);
 }
 
-TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn) {
+TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
+{
     ScratchDir dir;
     LogCapture capture;
     FakeClock clock(5000000000LL);
@@ -115,7 +122,8 @@ TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn) {
     EXPECT_EQ(capture.text(), "");
 }
 
-TEST(Timers, RealClockMeasuresSeconds) {
+TEST(Timers, RealClockMeasuresSeconds)
+{
     ScratchDir dir;
     LogCapture capture;
     auto start = std::chrono::steady_clock::now();
@@ -129,7 +137,8 @@ TEST(Timers, RealClockMeasuresSeconds) {
     EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 1.0f / factor);
 }
 
-TEST(Ids, ReleaseMessages) {
+TEST(Ids, ReleaseMessages)
+{
     ScratchDir dir;
     LogCapture capture;
     unsigned int id = kvfNewId();
@@ -140,15 +149,15 @@ TEST(Ids, ReleaseMessages) {
     EXPECT_TRUE(kvfReleaseId(id));
     EXPECT_FALSE(kvfReleaseId(id));
     kvfLog(" continues here\n");
-    EXPECT_EQ(capture.text(),
-              "releaseId: invalid params (0)\n"
-              "releaseId: invalid params (70000)\n"
-              "releaseId: invalid params (65536)\n"
-              "releaseId: ID already released (65535)"
-              "releaseId: ID already released (1) continues here\n");
+    EXPECT_EQ(capture.text(), "releaseId: invalid params (0)\n"
+                              "releaseId: invalid params (70000)\n"
+                              "releaseId: invalid params (65536)\n"
+                              "releaseId: ID already released (65535)"
+                              "releaseId: ID already released (1) continues here\n");
 }
 
-TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken) {
+TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken)
+{
     ScratchDir dir;
     LogCapture capture;
     EXPECT_EQ(kvfNewId(), 1u);
@@ -161,7 +170,8 @@ TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken) {
     unsigned int last = 0;
     for (unsigned int expected = 4; expected <= 65535; ++expected) {
         last = kvfNewId();
-        if (last != expected) break;
+        if (last != expected)
+            break;
     }
     EXPECT_EQ(last, 65535u);
     EXPECT_EQ(kvfNewId(), 0u);

@@ -24,7 +24,8 @@ const std::string dateTimePattern =
 const std::string clockPattern = "[0-9]{1,2}:[0-9]{1,2}:[0-9]{1,2}\\.[0-9]{1,3}";
 const std::string dashes = "-------------------------------------------------------";
 
-inline std::string textStartBanner() {
+inline std::string textStartBanner()
+{
     return literal("[Kolvane foundation 0.4 started at ") + dateTimePattern +
            literal("]\n" + dashes + "\n\n");
 }
@@ -34,13 +35,15 @@ const std::string peakPattern = "Max\\. physical memory usage: ([0-9]+\\.[0-9]{2
 
 // End of a text log: separator, memory summary with the given ratio line and
 // total line, terminated banner. The peak line's figures are left open.
-inline std::string textSummary(const std::string& ratioLine, const std::string& totalLine) {
+inline std::string textSummary(const std::string& ratioLine, const std::string& totalLine)
+{
     return literal("\n" + dashes + "\n" + ratioLine + "\n") + peakPattern + "\n" +
            literal(totalLine + "\n[Kolvane foundation 0.4 terminated at ") + dateTimePattern + literal("]\n");
 }
 
 // Start banner of an HTML log, opening the page itself or not.
-inline std::string htmlStartBanner(bool opensPage) {
+inline std::string htmlStartBanner(bool opensPage)
+{
     return literal(std::string(opensPage ? "<HTML><BODY>" : "") + "<H4>[Kolvane foundation 0.4 started at ") +
            dateTimePattern + literal("]<BR>\n<HR ALIGN=CENTER WIDTH=\"100%\" SIZE=\"2\"><BR>\n<BR>\n</H4>");
 }
@@ -56,13 +59,15 @@ struct LogSummary {
 };
 
 // Reads the three summary lines, in a text log or an HTML one.
-inline LogSummary readSummary(const std::string& log) {
+inline LogSummary readSummary(const std::string& log)
+{
     static const std::regex pattern("(Final memory ratio: (-?[0-9]+) \\(([0-9]+)/([0-9]+)\\))(?:<BR>)?\n(" +
                                     peakPattern + ")(?:<BR>)?\n(Total allocated memory \\(kvfMalloc\\): " +
                                     "([0-9]+\\.[0-9]{2}) mb \\(([0-9]+) bytes\\))");
     LogSummary s;
     std::smatch m;
-    if (!(s.found = std::regex_search(log, m, pattern))) return s;
+    if (!(s.found = std::regex_search(log, m, pattern)))
+        return s;
     s.ratioLine = m.str(1);
     s.ratio = std::stol(m.str(2));
     s.allocations = std::stol(m.str(3));
@@ -77,7 +82,8 @@ inline LogSummary readSummary(const std::string& log) {
 }
 
 // Closes whatever log is open and starts a new one, without console echo.
-inline void restartLog(const char* name) {
+inline void restartLog(const char* name)
+{
     kvfShutdown();
     kvfSetConsoleEcho(false);
     ASSERT_TRUE(kvfInit(name));
@@ -86,26 +92,31 @@ inline void restartLog(const char* name) {
 // Redirects standard output into a file for its lifetime.
 class StdoutCapture {
 public:
-    StdoutCapture() : path_(std::string(P_tmpdir) + "/pevrano-stdout-XXXXXX") {
+    StdoutCapture() : path_(std::string(P_tmpdir) + "/pevrano-stdout-XXXXXX")
+    {
         fflush(stdout);
         saved_ = dup(1);
         int fd = mkstemp(&path_[0]);
         dup2(fd, 1);
         close(fd);
     }
-    ~StdoutCapture() {
+    ~StdoutCapture()
+    {
         restore();
         unlink(path_.c_str());
     }
     // Everything written so far; standard output is restored first.
-    std::string text() {
+    std::string text()
+    {
         restore();
         return readFile(path_);
     }
 
 private:
-    void restore() {
-        if (saved_ < 0) return;
+    void restore()
+    {
+        if (saved_ < 0)
+            return;
         fflush(stdout);
         dup2(saved_, 1);
         close(saved_);

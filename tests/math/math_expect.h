@@ -24,7 +24,7 @@ inline K3MVECTOR4D axisAngle(double angle, double x, double y, double z)
     return K3MVECTOR4D(x * s, y * s, z * s, std::cos(angle / 2));
 }
 
-inline ::testing::AssertionResult nearAll(const float *actual, std::initializer_list<double> expected,
+inline ::testing::AssertionResult nearAll(const float* actual, std::initializer_list<double> expected,
                                           double tolerance)
 {
     int i = 0;
@@ -37,7 +37,7 @@ inline ::testing::AssertionResult nearAll(const float *actual, std::initializer_
     return ::testing::AssertionSuccess();
 }
 
-inline ::testing::AssertionResult nearArray(const float *actual, const float *expected, int count,
+inline ::testing::AssertionResult nearArray(const float* actual, const float* expected, int count,
                                             double tolerance)
 {
     for (int i = 0; i < count; i++)
@@ -52,7 +52,7 @@ inline ::testing::AssertionResult nearArray(const float *actual, const float *ex
 // Exact comparison, component by component.
 #define EXPECT_COMPONENTS(actual, ...) EXPECT_TRUE(mathtest::nearAll(actual, {__VA_ARGS__}, 0.0))
 // Comparison within a tolerance.
-#define EXPECT_COMPONENTS_NEAR(tolerance, actual, ...) \
+#define EXPECT_COMPONENTS_NEAR(tolerance, actual, ...)                                                       \
     EXPECT_TRUE(mathtest::nearAll(actual, {__VA_ARGS__}, tolerance))
 
 #endif

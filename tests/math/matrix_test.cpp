@@ -211,10 +211,10 @@ TEST(MatrixQuaternion, FromQuaternionIsTheInverseRotation)
 
 TEST(MatrixQuaternion, RoundTrips)
 {
-    const K3MVECTOR4D samples[] = {axisAngle(0.0, 0, 1, 0), axisAngle(50 * RAD, 0.6, 0.0, 0.8),
-                                   axisAngle(-120 * RAD, 0.0, 1.0, 0.0), axisAngle(170 * RAD, 0.48, 0.6, 0.64),
-                                   axisAngle(175 * RAD, 0.0, 0.0, 1.0)};
-    for (const K3MVECTOR4D &q : samples) {
+    const K3MVECTOR4D samples[] = {
+        axisAngle(0.0, 0, 1, 0), axisAngle(50 * RAD, 0.6, 0.0, 0.8), axisAngle(-120 * RAD, 0.0, 1.0, 0.0),
+        axisAngle(170 * RAD, 0.48, 0.6, 0.64), axisAngle(175 * RAD, 0.0, 0.0, 1.0)};
+    for (const K3MVECTOR4D& q : samples) {
         K3MMATRIX m;
         m.fromQuaternion(q);
         // toQuaterion's main case gives q back.

@@ -8,10 +8,7 @@
 namespace {
 
 // The plane's four numbers, for whole comparisons.
-std::array<float, 4> values(const K3MPLANE &p)
-{
-    return {p.a, p.b, p.c, p.d};
-}
+std::array<float, 4> values(const K3MPLANE& p) { return {p.a, p.b, p.c, p.d}; }
 
 }  // namespace
 

@@ -13,7 +13,7 @@ using mathtest::PI;
 namespace {
 
 // Reference Hamilton product written in scalar/vector terms.
-K3MVECTOR4D hamilton(const K3MVECTOR4D &a, const K3MVECTOR4D &b)
+K3MVECTOR4D hamilton(const K3MVECTOR4D& a, const K3MVECTOR4D& b)
 {
     double va[3] = {a.x, a.y, a.z}, vb[3] = {b.x, b.y, b.z};
     double cross[3] = {va[1] * vb[2] - va[2] * vb[1], va[2] * vb[0] - va[0] * vb[2],
@@ -68,18 +68,22 @@ TEST(Quaternion, SetEulers)
     const double a = 0.4, b = -1.1, c = 2.3;
     // Each angle alone: a turns about y, b about x, c about z.
     K3MVECTOR4D q;
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(float(a), 0.0f, 0.0f), 0, std::sin(a / 2), 0, std::cos(a / 2));
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, float(b), 0.0f), std::sin(b / 2), 0, 0, std::cos(b / 2));
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, 0.0f, float(c)), 0, 0, std::sin(c / 2), std::cos(c / 2));
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(float(a), 0.0f, 0.0f), 0, std::sin(a / 2), 0,
+                           std::cos(a / 2));
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, float(b), 0.0f), std::sin(b / 2), 0, 0,
+                           std::cos(b / 2));
+    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, 0.0f, float(c)), 0, 0, std::sin(c / 2),
+                           std::cos(c / 2));
 
     // All three: the product (about y by a)(about x by b)(about z by c).
-    K3MVECTOR4D expected = hamilton(hamilton(axisAngle(a, 0, 1, 0), axisAngle(b, 1, 0, 0)), axisAngle(c, 0, 0, 1));
+    K3MVECTOR4D expected =
+        hamilton(hamilton(axisAngle(a, 0, 1, 0), axisAngle(b, 1, 0, 0)), axisAngle(c, 0, 0, 1));
     K3MVECTOR4D combined;
     combined.quaternionSetEulers(float(a), float(b), float(c));
     EXPECT_COMPONENTS_NEAR(1e-6, combined, expected.x, expected.y, expected.z, expected.w);
     K3MVECTOR4D fromVector;
-    EXPECT_COMPONENTS(fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))),
-                      combined.x, combined.y, combined.z, combined.w);
+    EXPECT_COMPONENTS(fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))), combined.x,
+                      combined.y, combined.z, combined.w);
     EXPECT_COMPONENTS(K3MVECTOR4D(1, 1, 1, 1).quaternionSetEulers(0.0f, 0.0f, 0.0f), 0, 0, 0, 1);
 }
 

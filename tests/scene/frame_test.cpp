@@ -11,9 +11,9 @@
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
+using pvtest::expectMatrixNear;
 using pvtest::Mat4;
 using pvtest::TestNode;
-using pvtest::expectMatrixNear;
 
 namespace {
 
@@ -78,7 +78,7 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
     root->pass(false);
     PEVRANO::end3D(false);
     EXPECT_EQ(before + 1, mesh->getTimeStamp());
-    EXPECT_EQ((std::vector<PVNODE*>{light, mesh, glass}), drawn);
+    EXPECT_EQ((std::vector<PVNODE*> {light, mesh, glass}), drawn);
     expectMatrixNear(Mat4::translation(1, 2, -13), drawnMatrices[1].m, "mesh seen from (0, 0, 10)", 1e-5);
 
     // The next frame starts an empty list; without a camera a default one
@@ -89,7 +89,7 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
     EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
     mesh->pass(false);
     PEVRANO::end3D(true);
-    ASSERT_EQ((std::vector<PVNODE*>{mesh}), drawn);
+    ASSERT_EQ((std::vector<PVNODE*> {mesh}), drawn);
     EXPECT_FLOAT_EQ(-3.0f, drawnMatrices[0].m[14]);
 }
 
@@ -113,7 +113,7 @@ TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
     EXPECT_FALSE(PVLIGHT::getLighting());
     window->pass(false);
     PEVRANO::end2D();
-    EXPECT_EQ((std::vector<PVNODE*>{box, window, button}), drawn);
+    EXPECT_EQ((std::vector<PVNODE*> {box, window, button}), drawn);
 }
 
 TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
@@ -128,7 +128,7 @@ TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
 
     PEVRANO::begin3D(camera);
     PEVRANO::end3D(false);
-    ASSERT_EQ((std::vector<PVNODE*>{dome}), drawn);
+    ASSERT_EQ((std::vector<PVNODE*> {dome}), drawn);
     // The camera's inverse rotation, then the sky's own; no translation.
     expectMatrixNear(Mat4::rotationY(-30) * Mat4::rotationZ(90), drawnMatrices[0].m, "skybox", 1e-5);
     PEVRANO::setSkybox(nullptr);
@@ -141,8 +141,7 @@ TEST_F(Frame, FreeReleasesEveryNodeAndTheList)
     new PVCAMERA();
     const size_t before = log.text().size();
     ASSERT_TRUE(PEVRANO::free());
-    EXPECT_NE(std::string::npos,
-              log.text().find("   3 node(s) released @ PVNODE::cleanUp\n", before));
+    EXPECT_NE(std::string::npos, log.text().find("   3 node(s) released @ PVNODE::cleanUp\n", before));
     EXPECT_EQ(nullptr, PVNODE::getFirstNode());
     EXPECT_FALSE(PVELEMENT::isActive());
 }

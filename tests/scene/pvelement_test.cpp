@@ -16,10 +16,10 @@
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
+using pvtest::expectMatrixNear;
 using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
-using pvtest::expectMatrixNear;
 
 // Heap allocations made by the calling thread while counting is on (other
 // threads, such as the GL driver's, are not counted).
@@ -29,7 +29,7 @@ static thread_local int allocationCount = 0;
 #if defined(__SANITIZE_ADDRESS__)
 // The sanitizer owns malloc: count through its allocation hook.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
-                                                          void (*)(const volatile void*));
+                                                         void (*)(const volatile void*));
 static void countAllocation(const volatile void*, size_t)
 {
     if (countingAllocations)
@@ -145,7 +145,7 @@ TEST_F(RenderList, AFullListStopsTheSubtree)
     PVNODE* m3 = make("m3", PV_TYPE_MESH, {}, root);
     PVNODE* below = make("below", PV_TYPE_MESH, {}, m3);
     EXPECT_TRUE(root->pass(false));
-    EXPECT_EQ((std::vector<PVNODE*>{m1, m2}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {m1, m2}), passedNodes());
     EXPECT_EQ(nullptr, PVELEMENT::getPassedElement(2));
     EXPECT_EQ("   [!] Scene too complex @ PVELEMENT::pass\n", log.fresh());
     EXPECT_EQ(PEVRANO::getTimeStamp(), m3->getTimeStamp());
@@ -160,14 +160,14 @@ TEST_F(RenderList, AFullListStopsTheSubtree)
     PVELEMENT::reset();
     EXPECT_EQ(0u, PVELEMENT::getNumberOfPassedElements());
     m3->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{m3, below}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {m3, below}), passedNodes());
 }
 
 TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
 {
     start(16);
-    const Vec3 rootPos{1, 2, 3}, rootRot{0, 90, 0};
-    const Vec3 meshPos{4, 0, -2}, meshOrigin{0, 1, 0}, meshRot{30, 0, 45};
+    const Vec3 rootPos {1, 2, 3}, rootRot {0, 90, 0};
+    const Vec3 meshPos {4, 0, -2}, meshOrigin {0, 1, 0}, meshRot {30, 0, 45};
     PVNODE* root = make("root", PV_TYPE_NODE);
     pvtest::place(*root, rootPos, {0, 0, 0}, rootRot);
     PVNODE* mesh = make("mesh", PV_TYPE_MESH, {}, root);
@@ -181,7 +181,7 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     const Mat4 view = Mat4::translation(0, 0, -10);
     root->pass(false);
 
-    EXPECT_EQ((std::vector<PVNODE*>{mesh, leaf}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {mesh, leaf}), passedNodes());
     const Mat4 meshView = view * pvtest::localTransform(rootPos, {0, 0, 0}, rootRot) *
                           pvtest::localTransform(meshPos, meshOrigin, meshRot);
     PVELEMENT* record = PVELEMENT::getPassedElement(0);
@@ -189,8 +189,8 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     expectMatrixNear(meshView, mesh->getCachedMatrix()->m, "mesh cached matrix");
     EXPECT_EQ(4242u, record->getAuxId());
     EXPECT_EQ(nullptr, record->getNearestLight(0));
-    expectMatrixNear(meshView * Mat4::translation(0, 0, 5),
-                     PVELEMENT::getPassedElement(1)->getMatrix()->m, "leaf under a plain node");
+    expectMatrixNear(meshView * Mat4::translation(0, 0, 5), PVELEMENT::getPassedElement(1)->getMatrix()->m,
+                     "leaf under a plain node");
     for (PVNODE* node : {root, mesh, plain, leaf})
         EXPECT_EQ(PEVRANO::getTimeStamp(), node->getTimeStamp()) << node->getName();
 
@@ -221,7 +221,7 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
 
     PVELEMENT::clippingOn();
     root->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{near, limit, light, emitter}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {near, limit, light, emitter}), passedNodes());
     EXPECT_EQ(" (clipped) far at distance 200.00\n"
               " (clipped) edge at distance 334.52\n"
               " (clipped) helper at distance 149.00\n",
@@ -230,7 +230,7 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
     PVELEMENT::reset();
     PVELEMENT::setClippingRadius(400);
     root->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{far, edge, near, limit, helper, light, emitter}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {far, edge, near, limit, helper, light, emitter}), passedNodes());
 
     PVELEMENT::reset();
     PVELEMENT::setClippingRadius(128);
@@ -249,7 +249,7 @@ TEST_F(RenderList, HiddenMeshesGetNoRecordButTheirChildrenDo)
     PVNODE* child = make("child", PV_TYPE_MESH, {1, 0, 0}, hidden);
     PVNODE* notMesh = make("notMesh", PV_TYPE_HELPER, {}, hidden);
     hidden->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{child, notMesh}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {child, notMesh}), passedNodes());
 }
 
 TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
@@ -266,7 +266,7 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     PVNODE* scrollBar = window->getChild(1);
     window->minmaximize();
     window->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {window, title, icon}), passedNodes());
     EXPECT_EQ(0, body->getTimeStamp());
     // The title bar sits 19 pixels above the window.
     expectMatrixNear(Mat4::translation(12, 3, 0), PVELEMENT::getPassedElement(2)->getMatrix()->m, "icon");
@@ -274,7 +274,8 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     PVELEMENT::reset();
     window->minmaximize();
     window->pass(false);
-    EXPECT_EQ((std::vector<PVNODE*>{window, title, icon, scrollBar, scrollBar->getChild(0), body}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {window, title, icon, scrollBar, scrollBar->getChild(0), body}),
+              passedNodes());
 
     PVELEMENT::reset();
     title->unlink();
@@ -282,7 +283,7 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     body->unlink();
     window->minmaximize();
     EXPECT_TRUE(window->pass(false));  // no first child to pass
-    EXPECT_EQ((std::vector<PVNODE*>{window}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {window}), passedNodes());
     EXPECT_EQ("", log.fresh());
 }
 
@@ -310,9 +311,10 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
 
     EXPECT_TRUE(PVELEMENT::sort3D());
     const std::vector<PVNODE*> order = passedNodes();
-    EXPECT_EQ((std::set<PVNODE*>{light1, light2}), (std::set<PVNODE*>{order[0], order[1]}));
-    EXPECT_EQ((std::set<PVNODE*>{near, far, box}), (std::set<PVNODE*>{order[2], order[3], order[4]}));
-    EXPECT_EQ((std::vector<PVNODE*>{emitter, helper, glass}), std::vector<PVNODE*>(order.begin() + 5, order.end()));
+    EXPECT_EQ((std::set<PVNODE*> {light1, light2}), (std::set<PVNODE*> {order[0], order[1]}));
+    EXPECT_EQ((std::set<PVNODE*> {near, far, box}), (std::set<PVNODE*> {order[2], order[3], order[4]}));
+    EXPECT_EQ((std::vector<PVNODE*> {emitter, helper, glass}),
+              std::vector<PVNODE*>(order.begin() + 5, order.end()));
     EXPECT_EQ(order[0], PVELEMENT::getLight(0)->getNode());
 
     PVELEMENT::reset();
@@ -323,7 +325,7 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     near->pass(false);
     far->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
-    EXPECT_EQ((std::vector<PVNODE*>{near, far}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {near, far}), passedNodes());
 }
 
 TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
@@ -339,7 +341,7 @@ TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
     PVNODE* wall = make("wall", PV_TYPE_MESH, {0, 0, -100}, root);
     root->pass(false);
     EXPECT_TRUE(PVELEMENT::sort3D());
-    EXPECT_EQ((std::vector<PVNODE*>{wall, wide, far, near, spark}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {wall, wide, far, near, spark}), passedNodes());
 }
 
 TEST_F(RenderList, Sort2DDrawsTheForemostLast)
@@ -352,11 +354,11 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
     PVBOX* desk = new PVBOX();
     PVTEXTFIELD* top = new PVTEXTFIELD();
     PVNODE* light = make("light", PV_TYPE_LIGHT);
-    for (PVNODE* child : std::vector<PVNODE*>{top, light, back, middle})
+    for (PVNODE* child : std::vector<PVNODE*> {top, light, back, middle})
         child->link(desk);
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
-    EXPECT_EQ((std::vector<PVNODE*>{light, back, middle, desk, top}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {light, back, middle, desk, top}), passedNodes());
 
     // Raising a box restamps it and its subtree above everything else.
     desk->setForemost(0);
@@ -364,7 +366,7 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
     PVELEMENT::reset();
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
-    EXPECT_EQ((std::vector<PVNODE*>{light, desk, top, middle, back}), passedNodes());
+    EXPECT_EQ((std::vector<PVNODE*> {light, desk, top, middle, back}), passedNodes());
 }
 
 TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
@@ -379,8 +381,8 @@ TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
     near->setPosition(0, 2, 0);
     exclusive->setPosition(0, 0, 50);
     exclusive->setExclusive(true);
-    for (PVNODE* light : {static_cast<PVNODE*>(far), static_cast<PVNODE*>(near),
-                          static_cast<PVNODE*>(exclusive)})
+    for (PVNODE* light :
+         {static_cast<PVNODE*>(far), static_cast<PVNODE*>(near), static_cast<PVNODE*>(exclusive)})
         light->link(root);
     make("mesh", PV_TYPE_MESH, {}, root);
     root->pass(false);
@@ -420,8 +422,8 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
             light->setExclusive(i % 4 == 1);
             placed = light;
         } else {
-            const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT, PV_TYPE_HELPER, PV_TYPE_MESH,
-                                          PV_TYPE_EMITTER, PV_TYPE_NODE};
+            const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT,   PV_TYPE_HELPER,
+                                          PV_TYPE_MESH, PV_TYPE_EMITTER, PV_TYPE_NODE};
             PVNODE* node = pvtest::makeOfType("n", kinds[i % 6]);
             if (kinds[i % 6] == PV_TYPE_MESH && (i / 6) % 2 == 0)
                 pvtest::makeTransparent(node);
@@ -522,7 +524,7 @@ TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
     child->setPositioning(PV_POSITIONING_MATRIX);
     make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
 
-    EXPECT_EQ((pvtest::Calls{
+    EXPECT_EQ((pvtest::Calls {
                   "glPushMatrix()",
                   "glTranslatex(65536,131072,196608)",
                   "glRotatex(5898240,65536,0,0)",

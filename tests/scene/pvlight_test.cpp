@@ -102,7 +102,7 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     EXPECT_TRUE(PVLIGHT::getLighting());
 
     // The slot already holds this light's record in this frame: no call.
-    EXPECT_EQ(Calls{}, renderCalls(light, record));
+    EXPECT_EQ(Calls {}, renderCalls(light, record));
     // A changed value forgets the slot: it is programmed again, lighting
     // being on already.
     light.setExponent(2);
@@ -193,7 +193,7 @@ TEST_F(Light, NullRecordsAreRefused)
     EXPECT_EQ("   [!] Invalid params @ PVLIGHT::render\n"
               "   [!] Invalid params @ PVLIGHT::activateNearest\n",
               log.text());
-    EXPECT_EQ(Calls{}, recorder.calls());
+    EXPECT_EQ(Calls {}, recorder.calls());
 }
 
 // A light that stops being one after the render list has counted it.
@@ -252,7 +252,7 @@ protected:
     // What the render list logs when it starts.
     const std::string allocated = "   16 elements allocated\n";
     PVNODE root;
-    pvtest::QuadNode object{1.0f};
+    pvtest::QuadNode object {1.0f};
 };
 
 TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
@@ -275,12 +275,13 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     ASSERT_TRUE(PVLIGHT::activateNearest(record));
 
     const float levels[4] = {0.75f, 0.375f, 0.5f, 0.25f};
-    EXPECT_EQ((Calls{diffuseCall(0, levels[0]), diffuseCall(1, levels[1]), diffuseCall(2, levels[2]),
-                     diffuseCall(3, levels[3])}),
+    EXPECT_EQ((Calls {diffuseCall(0, levels[0]), diffuseCall(1, levels[1]), diffuseCall(2, levels[2]),
+                      diffuseCall(3, levels[3])}),
               callsNaming("GL_DIFFUSE"))
         << recorder.text();
-    EXPECT_EQ((Calls{"glEnable(GL_LIGHT0)", "glEnable(GL_LIGHT1)", "glEnable(GL_LIGHT2)", "glEnable(GL_LIGHT3)"}),
-              recorder.filter("glEnable"));
+    EXPECT_EQ(
+        (Calls {"glEnable(GL_LIGHT0)", "glEnable(GL_LIGHT1)", "glEnable(GL_LIGHT2)", "glEnable(GL_LIGHT3)"}),
+        recorder.filter("glEnable"));
     for (unsigned int i = 0; i < 4; i++)
         EXPECT_EQ(i, record->getNearestLight(i)->getParam1()) << "slot " << i;
     // Each slot is placed with its light's own model-view matrix.
@@ -300,7 +301,7 @@ TEST_F(NearestLights, NoLightOrOneLightWithLightingOffThenOn)
     PVLIGHT::lightingOn();
     recorder.start();
     EXPECT_TRUE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{}, recorder.calls());
+    EXPECT_EQ(Calls {}, recorder.calls());
 
     PVLIGHT lamp;
     addLight(&lamp, 1.0f, 0.5f);
@@ -309,12 +310,12 @@ TEST_F(NearestLights, NoLightOrOneLightWithLightingOffThenOn)
     PVLIGHT::lightingOff();
     recorder.start();
     EXPECT_FALSE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{}, recorder.calls());
+    EXPECT_EQ(Calls {}, recorder.calls());
 
     PVLIGHT::lightingOn();
     recorder.start();
     ASSERT_TRUE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
+    EXPECT_EQ(Calls {"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
     EXPECT_EQ(&lamp, record->getNearestLight(0)->getNode());
     EXPECT_EQ(allocated, log.text());
 }
@@ -333,10 +334,11 @@ TEST_F(NearestLights, AnObjectAmongTheLightsAbortsTheActivation)
     PVLIGHT::lightingOn();
     recorder.start();
     EXPECT_FALSE(PVLIGHT::activateNearest(record));
-    EXPECT_EQ(allocated + "   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n",
+    EXPECT_EQ(allocated +
+                  "   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n",
               log.text());
     // The slot programmed before the impostor stays programmed.
-    EXPECT_EQ(Calls{"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
+    EXPECT_EQ(Calls {"glEnable(GL_LIGHT0)"}, recorder.filter("glEnable"));
     EXPECT_EQ(&nearest, record->getNearestLight(0)->getNode());
 }
 

@@ -10,10 +10,10 @@
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
+using pvtest::expectMatrixNear;
 using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
-using pvtest::expectMatrixNear;
 
 int TestNode::destroyed = 0;
 
@@ -69,9 +69,10 @@ TEST_F(Node, DefaultsIdsNamesAndTypeNames)
     EXPECT_FALSE(second->isShared());  // the flag is ignored
     EXPECT_FALSE(first->render(nullptr));
 
-    const char* expected[PV_NODE_TYPE_COUNT] = {
-        "node", "root", "light", "mesh", "camera", "emitter", "skydome", "water", "terrain", "helper",
-        "sound", "box", "label", "button", "window", "textfield", "hscrollbar", "vscrollbar", "custom"};
+    const char* expected[PV_NODE_TYPE_COUNT] = {"node",      "root",       "light",      "mesh",    "camera",
+                                                "emitter",   "skydome",    "water",      "terrain", "helper",
+                                                "sound",     "box",        "label",      "button",  "window",
+                                                "textfield", "hscrollbar", "vscrollbar", "custom"};
     for (int i = 0; i < PV_NODE_TYPE_COUNT; i++) {
         EXPECT_STREQ(expected[i], PVNODE::typeName[i]);
         TestNode typed(nullptr, PV_NODE_TYPE(i));
@@ -87,7 +88,7 @@ TEST_F(Node, RegistryFindsByNameAndIdAndReusesIds)
     TestNode* a = make("a");
     TestNode* b = make("b");
     TestNode* c = make("c");
-    EXPECT_EQ((std::vector<PVNODE*>{a, b, c}), registry());
+    EXPECT_EQ((std::vector<PVNODE*> {a, b, c}), registry());
     delete b;  // gives id 2 back
     TestNode* d = make("d");
     EXPECT_EQ(2u, d->getId());
@@ -131,7 +132,7 @@ TEST_F(Node, MovesAndRotationsAccumulate)
     TestNode* node = make("n");
     node->setPosition(1, 2, 3);
     node->setPosition(4, 5);  // z stays
-    node->move(1, 1);         // z stays
+    node->move(1, 1);  // z stays
     node->move(0, 0, 1);
     node->move(K3MVECTOR3D(1, 0, 0));
     EXPECT_TRUE(K3MVECTOR3D(6, 6, 4) == node->getPosition());
@@ -142,7 +143,6 @@ TEST_F(Node, MovesAndRotationsAccumulate)
     node->rotate(0, 0, 5);
     node->rotate(K3MVECTOR3D(0, 1, 0));
     EXPECT_TRUE(K3MVECTOR3D(2, 4, 35) == node->getRotation());
-
 }
 
 TEST_F(Node, LinkAppendsRefusesBadParentsAndGetChildChecksItsIndex)
@@ -152,7 +152,7 @@ TEST_F(Node, LinkAppendsRefusesBadParentsAndGetChildChecksItsIndex)
     TestNode* b = make("b");
     EXPECT_TRUE(a->link(parent));
     EXPECT_TRUE(b->link(parent));
-    EXPECT_EQ((std::vector<PVNODE*>{a, b}), childrenOf(parent));
+    EXPECT_EQ((std::vector<PVNODE*> {a, b}), childrenOf(parent));
     EXPECT_EQ(parent, b->getParent());
     EXPECT_FALSE(b->isRoot());
     EXPECT_EQ("", log.fresh());
@@ -185,7 +185,7 @@ TEST_F(Node, UnlinkKeepsTheOthersInOrder)
     for (TestNode* child : {a, b, c})
         child->link(parent);
     EXPECT_TRUE(b->unlink());
-    EXPECT_EQ((std::vector<PVNODE*>{a, c}), childrenOf(parent));
+    EXPECT_EQ((std::vector<PVNODE*> {a, c}), childrenOf(parent));
     EXPECT_TRUE(b->isRoot());
     EXPECT_FALSE(b->unlink());
     EXPECT_EQ("   [!] Node b is already unlinked @ PVNODE::unlink\n", log.fresh());
@@ -195,7 +195,7 @@ TEST_F(Node, UnlinkKeepsTheOthersInOrder)
     stray->forceParent(parent);
     EXPECT_FALSE(stray->unlink());
     EXPECT_EQ("   [!] Consistency problem with stray @ PVNODE::unlink\n", log.fresh());
-    EXPECT_EQ((std::vector<PVNODE*>{a, c}), childrenOf(parent));
+    EXPECT_EQ((std::vector<PVNODE*> {a, c}), childrenOf(parent));
     stray->forceParent(nullptr);
 }
 
@@ -224,7 +224,7 @@ TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
     TestNode* leaf = makeChild("leaf", c1);
 
     EXPECT_TRUE(node->remove());
-    EXPECT_EQ((std::vector<PVNODE*>{elder, c1, c2}), childrenOf(grandparent));
+    EXPECT_EQ((std::vector<PVNODE*> {elder, c1, c2}), childrenOf(grandparent));
     EXPECT_EQ(grandparent, c1->getParent());
     EXPECT_EQ(grandparent, c2->getParent());
     EXPECT_EQ(c1, leaf->getParent());
@@ -258,9 +258,9 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
     TestNode* root = make("root");
     TestNode* arm = makeChild("arm", root);
     TestNode* hand = makeChild("hand", arm);
-    const Vec3 rootPos{1, 2, 3}, rootOrigin{0.5, 0, 0}, rootRot{30, 0, 0};
-    const Vec3 armPos{0, 4, 0}, armOrigin{0, 0, -1}, armRot{0, 45, 10};
-    const Vec3 handPos{2, 0, 0}, handOrigin{0, 0, 0}, handRot{15, -20, 60};
+    const Vec3 rootPos {1, 2, 3}, rootOrigin {0.5, 0, 0}, rootRot {30, 0, 0};
+    const Vec3 armPos {0, 4, 0}, armOrigin {0, 0, -1}, armRot {0, 45, 10};
+    const Vec3 handPos {2, 0, 0}, handOrigin {0, 0, 0}, handRot {15, -20, 60};
     pvtest::place(*root, rootPos, rootOrigin, rootRot);
     pvtest::place(*arm, armPos, armOrigin, armRot);
     pvtest::place(*hand, handPos, handOrigin, handRot);

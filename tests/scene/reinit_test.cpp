@@ -38,8 +38,8 @@ protected:
         PVLIGHT::lightingOff();
         // Stored now, applied by every start-up.
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
-        PVOPENGL::setGlobalAmbientLight(float(globalAmbient.r), float(globalAmbient.g), float(globalAmbient.b),
-                                        1.0f);
+        PVOPENGL::setGlobalAmbientLight(float(globalAmbient.r), float(globalAmbient.g),
+                                        float(globalAmbient.b), 1.0f);
     }
     void TearDown() override { PEVRANO::free(); }
 

@@ -45,11 +45,13 @@ protected:
     // window aspect, near and far planes) after the view, then the viewport.
     static ScreenPoint project(const Mat4& view, Vec3 world)
     {
-        const Mat4 projection = Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
-                                                  PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
+        const Mat4 projection =
+            Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
+                              PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
         double clip[4];
         (projection * view).apply(world, 1.0, clip);
-        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight};
+        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth,
+                (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight};
     }
 
     static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)
@@ -62,23 +64,27 @@ protected:
     // points 80% of the way to each projected corner; 125% of the way lies
     // outside it.
     void expectPlacedQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
-                            const std::string& what)
+                                  const std::string& what)
     {
         const ScreenPoint mid = project(view, model.transformPoint({0, 0, 0}));
         expectColour(colour, mid, what + ", centre");
         const double corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
         for (const auto& c : corners) {
-            const ScreenPoint corner = project(view, model.transformPoint({c[0] * halfSize, c[1] * halfSize, 0}));
+            const ScreenPoint corner =
+                project(view, model.transformPoint({c[0] * halfSize, c[1] * halfSize, 0}));
             const ScreenPoint inside = {mid.x + 0.8 * (corner.x - mid.x), mid.y + 0.8 * (corner.y - mid.y)};
-            const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x), mid.y + 1.25 * (corner.y - mid.y)};
+            const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x),
+                                         mid.y + 1.25 * (corner.y - mid.y)};
             ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
             expectColour(colour, inside, what + ", inside a corner");
             expectColour({0, 0, 0}, outside, what + ", beyond a corner");
         }
     }
-    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour, const std::string& what)
+    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour,
+                            const std::string& what)
     {
-        expectPlacedQuadOnScreen(view, Mat4::translation(centre.x, centre.y, centre.z), halfSize, colour, what);
+        expectPlacedQuadOnScreen(view, Mat4::translation(centre.x, centre.y, centre.z), halfSize, colour,
+                                 what);
     }
 
     PVNODE* root = nullptr;

@@ -39,8 +39,7 @@ public:
 };
 
 // A mesh or helper whose drawing is only recorded.
-template <class Base>
-class Recorded : public Base {
+template <class Base> class Recorded : public Base {
 public:
     explicit Recorded(const char* nodeName)
     {
@@ -87,8 +86,8 @@ inline void makeTransparent(PVNODE* mesh)
 inline Mat4 localTransform(Vec3 position, Vec3 origin, Vec3 rotation)
 {
     const Vec3 at = position + origin;
-    return Mat4::translation(at.x, at.y, at.z) * Mat4::rotationX(rotation.x) *
-           Mat4::rotationY(rotation.y) * Mat4::rotationZ(rotation.z);
+    return Mat4::translation(at.x, at.y, at.z) * Mat4::rotationX(rotation.x) * Mat4::rotationY(rotation.y) *
+           Mat4::rotationZ(rotation.z);
 }
 
 inline void place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)

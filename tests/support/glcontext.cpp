@@ -8,21 +8,21 @@ namespace pvtest {
 
 namespace {
 
-EGLDisplay surfacelessDisplay()
-{
-    auto getPlatformDisplay =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    if (!getPlatformDisplay)
-        return EGL_NO_DISPLAY;
-    return getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-}
+    EGLDisplay surfacelessDisplay()
+    {
+        auto getPlatformDisplay =
+            reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+        if (!getPlatformDisplay)
+            return EGL_NO_DISPLAY;
+        return getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    }
 
-EGLint configValue(EGLDisplay display, EGLConfig config, EGLint attribute)
-{
-    EGLint value = 0;
-    eglGetConfigAttrib(display, config, attribute, &value);
-    return value;
-}
+    EGLint configValue(EGLDisplay display, EGLConfig config, EGLint attribute)
+    {
+        EGLint value = 0;
+        eglGetConfigAttrib(display, config, attribute, &value);
+        return value;
+    }
 
 }  // namespace
 
@@ -68,9 +68,19 @@ bool GlContext::chooseConfig(EGLConfig* config)
 {
     const EGLint red = 5;
     const EGLint green = 6;
-    const EGLint attributes[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_ES_BIT,
-                                 EGL_RED_SIZE, red, EGL_GREEN_SIZE, green, EGL_BLUE_SIZE, red,
-                                 EGL_DEPTH_SIZE, 16, EGL_NONE};
+    const EGLint attributes[] = {EGL_SURFACE_TYPE,
+                                 EGL_PBUFFER_BIT,
+                                 EGL_RENDERABLE_TYPE,
+                                 EGL_OPENGL_ES_BIT,
+                                 EGL_RED_SIZE,
+                                 red,
+                                 EGL_GREEN_SIZE,
+                                 green,
+                                 EGL_BLUE_SIZE,
+                                 red,
+                                 EGL_DEPTH_SIZE,
+                                 16,
+                                 EGL_NONE};
     EGLConfig configs[64];
     EGLint count = 0;
     if (!eglChooseConfig(display_, attributes, configs, 64, &count))

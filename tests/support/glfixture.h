@@ -20,8 +20,7 @@ using Calls = std::vector<std::string>;
 class RecordingTest : public ::testing::Test {
 protected:
     // Calls GL received while action ran.
-    template <typename Action>
-    Calls record(Action action)
+    template <typename Action> Calls record(Action action)
     {
         recorder.start();
         action();

@@ -16,162 +16,236 @@ namespace pvtest {
 
 namespace {
 
-GlRecorder* activeRecorder = nullptr;
+    GlRecorder* activeRecorder = nullptr;
 
-// The real entry point: the next definition after this executable, or the
-// one in the GL library opened explicitly.
-void* realSymbol(const char* name)
-{
-    void* symbol = dlsym(RTLD_NEXT, name);
-    if (!symbol) {
-        static void* library = dlopen("libGLESv1_CM.so.1", RTLD_NOW | RTLD_GLOBAL);
-        if (library)
-            symbol = dlsym(library, name);
+    // The real entry point: the next definition after this executable, or the
+    // one in the GL library opened explicitly.
+    void* realSymbol(const char* name)
+    {
+        void* symbol = dlsym(RTLD_NEXT, name);
+        if (!symbol) {
+            static void* library = dlopen("libGLESv1_CM.so.1", RTLD_NOW | RTLD_GLOBAL);
+            if (library)
+                symbol = dlsym(library, name);
+        }
+        if (!symbol) {
+            fprintf(stderr, "glrecorder: no GL entry point %s\n", name);
+            abort();
+        }
+        return symbol;
     }
-    if (!symbol) {
-        fprintf(stderr, "glrecorder: no GL entry point %s\n", name);
-        abort();
-    }
-    return symbol;
-}
 
-const std::map<GLenum, const char*>& enumNames()
-{
-#define PV_ENUM(e) {e, #e}
-    static const std::map<GLenum, const char*> names = {
-        // Capabilities and client arrays.
-        PV_ENUM(GL_BLEND), PV_ENUM(GL_CULL_FACE), PV_ENUM(GL_DEPTH_TEST), PV_ENUM(GL_SCISSOR_TEST),
-        PV_ENUM(GL_ALPHA_TEST), PV_ENUM(GL_DITHER), PV_ENUM(GL_LIGHTING), PV_ENUM(GL_TEXTURE_2D), PV_ENUM(GL_NORMALIZE),
-        PV_ENUM(GL_COLOR_MATERIAL), PV_ENUM(GL_VERTEX_ARRAY), PV_ENUM(GL_NORMAL_ARRAY), PV_ENUM(GL_COLOR_ARRAY),
-        PV_ENUM(GL_TEXTURE_COORD_ARRAY), PV_ENUM(GL_LIGHT0), PV_ENUM(GL_LIGHT1), PV_ENUM(GL_LIGHT2),
-        PV_ENUM(GL_LIGHT3), PV_ENUM(GL_LIGHT4), PV_ENUM(GL_LIGHT5), PV_ENUM(GL_LIGHT6), PV_ENUM(GL_LIGHT7),
-        // Matrices.
-        PV_ENUM(GL_MODELVIEW), PV_ENUM(GL_PROJECTION), PV_ENUM(GL_TEXTURE),
-        // Comparison functions.
-        PV_ENUM(GL_NEVER), PV_ENUM(GL_LESS), PV_ENUM(GL_EQUAL), PV_ENUM(GL_LEQUAL),
-        PV_ENUM(GL_GREATER), PV_ENUM(GL_NOTEQUAL), PV_ENUM(GL_GEQUAL), PV_ENUM(GL_ALWAYS),
-        // Blend factors (GL_ZERO and GL_ONE are written by blendFactorText).
-        PV_ENUM(GL_SRC_COLOR), PV_ENUM(GL_ONE_MINUS_SRC_COLOR), PV_ENUM(GL_SRC_ALPHA),
-        PV_ENUM(GL_ONE_MINUS_SRC_ALPHA), PV_ENUM(GL_DST_ALPHA), PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
-        PV_ENUM(GL_DST_COLOR), PV_ENUM(GL_ONE_MINUS_DST_COLOR), PV_ENUM(GL_SRC_ALPHA_SATURATE),
-        // Faces, shading, hints.
-        PV_ENUM(GL_FRONT), PV_ENUM(GL_BACK), PV_ENUM(GL_FRONT_AND_BACK), PV_ENUM(GL_FLAT), PV_ENUM(GL_SMOOTH),
-        PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT), PV_ENUM(GL_DONT_CARE), PV_ENUM(GL_FASTEST), PV_ENUM(GL_NICEST),
-        // Lights, materials, light model.
-        PV_ENUM(GL_AMBIENT), PV_ENUM(GL_DIFFUSE), PV_ENUM(GL_SPECULAR), PV_ENUM(GL_POSITION),
-        PV_ENUM(GL_SPOT_DIRECTION), PV_ENUM(GL_SPOT_EXPONENT), PV_ENUM(GL_SPOT_CUTOFF),
-        PV_ENUM(GL_CONSTANT_ATTENUATION), PV_ENUM(GL_LINEAR_ATTENUATION), PV_ENUM(GL_QUADRATIC_ATTENUATION),
-        PV_ENUM(GL_EMISSION), PV_ENUM(GL_SHININESS), PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
-        PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE), PV_ENUM(GL_LIGHT_MODEL_AMBIENT),
-        // Textures.
-        PV_ENUM(GL_NEAREST), PV_ENUM(GL_LINEAR), PV_ENUM(GL_NEAREST_MIPMAP_NEAREST), PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
-        PV_ENUM(GL_TEXTURE_MAG_FILTER), PV_ENUM(GL_TEXTURE_MIN_FILTER), PV_ENUM(GL_TEXTURE_WRAP_S),
-        PV_ENUM(GL_TEXTURE_WRAP_T), PV_ENUM(GL_REPEAT), PV_ENUM(GL_CLAMP_TO_EDGE), PV_ENUM(GL_UNPACK_ALIGNMENT),
-        // Pixel formats and queries.
-        PV_ENUM(GL_UNSIGNED_BYTE), PV_ENUM(GL_RGB), PV_ENUM(GL_RGBA), PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
-        PV_ENUM(GL_UNSIGNED_SHORT), PV_ENUM(GL_FIXED),
-        PV_ENUM(GL_VENDOR), PV_ENUM(GL_RENDERER), PV_ENUM(GL_VERSION), PV_ENUM(GL_EXTENSIONS),
-        PV_ENUM(GL_RED_BITS), PV_ENUM(GL_GREEN_BITS), PV_ENUM(GL_BLUE_BITS), PV_ENUM(GL_ALPHA_BITS),
-        PV_ENUM(GL_DEPTH_BITS), PV_ENUM(GL_STENCIL_BITS), PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE),
-        PV_ENUM(GL_MAX_TEXTURE_UNITS), PV_ENUM(GL_MAX_LIGHTS),
-        // Arrays and drawing.
-        PV_ENUM(GL_TRIANGLES), PV_ENUM(GL_FIXED), PV_ENUM(GL_UNSIGNED_SHORT),
-    };
+    const std::map<GLenum, const char*>& enumNames()
+    {
+#define PV_ENUM(e)                                                                                           \
+    {                                                                                                        \
+        e, #e                                                                                                \
+    }
+        static const std::map<GLenum, const char*> names = {
+            // Capabilities and client arrays.
+            PV_ENUM(GL_BLEND),
+            PV_ENUM(GL_CULL_FACE),
+            PV_ENUM(GL_DEPTH_TEST),
+            PV_ENUM(GL_SCISSOR_TEST),
+            PV_ENUM(GL_ALPHA_TEST),
+            PV_ENUM(GL_DITHER),
+            PV_ENUM(GL_LIGHTING),
+            PV_ENUM(GL_TEXTURE_2D),
+            PV_ENUM(GL_NORMALIZE),
+            PV_ENUM(GL_COLOR_MATERIAL),
+            PV_ENUM(GL_VERTEX_ARRAY),
+            PV_ENUM(GL_NORMAL_ARRAY),
+            PV_ENUM(GL_COLOR_ARRAY),
+            PV_ENUM(GL_TEXTURE_COORD_ARRAY),
+            PV_ENUM(GL_LIGHT0),
+            PV_ENUM(GL_LIGHT1),
+            PV_ENUM(GL_LIGHT2),
+            PV_ENUM(GL_LIGHT3),
+            PV_ENUM(GL_LIGHT4),
+            PV_ENUM(GL_LIGHT5),
+            PV_ENUM(GL_LIGHT6),
+            PV_ENUM(GL_LIGHT7),
+            // Matrices.
+            PV_ENUM(GL_MODELVIEW),
+            PV_ENUM(GL_PROJECTION),
+            PV_ENUM(GL_TEXTURE),
+            // Comparison functions.
+            PV_ENUM(GL_NEVER),
+            PV_ENUM(GL_LESS),
+            PV_ENUM(GL_EQUAL),
+            PV_ENUM(GL_LEQUAL),
+            PV_ENUM(GL_GREATER),
+            PV_ENUM(GL_NOTEQUAL),
+            PV_ENUM(GL_GEQUAL),
+            PV_ENUM(GL_ALWAYS),
+            // Blend factors (GL_ZERO and GL_ONE are written by blendFactorText).
+            PV_ENUM(GL_SRC_COLOR),
+            PV_ENUM(GL_ONE_MINUS_SRC_COLOR),
+            PV_ENUM(GL_SRC_ALPHA),
+            PV_ENUM(GL_ONE_MINUS_SRC_ALPHA),
+            PV_ENUM(GL_DST_ALPHA),
+            PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
+            PV_ENUM(GL_DST_COLOR),
+            PV_ENUM(GL_ONE_MINUS_DST_COLOR),
+            PV_ENUM(GL_SRC_ALPHA_SATURATE),
+            // Faces, shading, hints.
+            PV_ENUM(GL_FRONT),
+            PV_ENUM(GL_BACK),
+            PV_ENUM(GL_FRONT_AND_BACK),
+            PV_ENUM(GL_FLAT),
+            PV_ENUM(GL_SMOOTH),
+            PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT),
+            PV_ENUM(GL_DONT_CARE),
+            PV_ENUM(GL_FASTEST),
+            PV_ENUM(GL_NICEST),
+            // Lights, materials, light model.
+            PV_ENUM(GL_AMBIENT),
+            PV_ENUM(GL_DIFFUSE),
+            PV_ENUM(GL_SPECULAR),
+            PV_ENUM(GL_POSITION),
+            PV_ENUM(GL_SPOT_DIRECTION),
+            PV_ENUM(GL_SPOT_EXPONENT),
+            PV_ENUM(GL_SPOT_CUTOFF),
+            PV_ENUM(GL_CONSTANT_ATTENUATION),
+            PV_ENUM(GL_LINEAR_ATTENUATION),
+            PV_ENUM(GL_QUADRATIC_ATTENUATION),
+            PV_ENUM(GL_EMISSION),
+            PV_ENUM(GL_SHININESS),
+            PV_ENUM(GL_AMBIENT_AND_DIFFUSE),
+            PV_ENUM(GL_LIGHT_MODEL_TWO_SIDE),
+            PV_ENUM(GL_LIGHT_MODEL_AMBIENT),
+            // Textures.
+            PV_ENUM(GL_NEAREST),
+            PV_ENUM(GL_LINEAR),
+            PV_ENUM(GL_NEAREST_MIPMAP_NEAREST),
+            PV_ENUM(GL_LINEAR_MIPMAP_LINEAR),
+            PV_ENUM(GL_TEXTURE_MAG_FILTER),
+            PV_ENUM(GL_TEXTURE_MIN_FILTER),
+            PV_ENUM(GL_TEXTURE_WRAP_S),
+            PV_ENUM(GL_TEXTURE_WRAP_T),
+            PV_ENUM(GL_REPEAT),
+            PV_ENUM(GL_CLAMP_TO_EDGE),
+            PV_ENUM(GL_UNPACK_ALIGNMENT),
+            // Pixel formats and queries.
+            PV_ENUM(GL_UNSIGNED_BYTE),
+            PV_ENUM(GL_RGB),
+            PV_ENUM(GL_RGBA),
+            PV_ENUM(GL_UNSIGNED_SHORT_5_6_5),
+            PV_ENUM(GL_UNSIGNED_SHORT),
+            PV_ENUM(GL_FIXED),
+            PV_ENUM(GL_VENDOR),
+            PV_ENUM(GL_RENDERER),
+            PV_ENUM(GL_VERSION),
+            PV_ENUM(GL_EXTENSIONS),
+            PV_ENUM(GL_RED_BITS),
+            PV_ENUM(GL_GREEN_BITS),
+            PV_ENUM(GL_BLUE_BITS),
+            PV_ENUM(GL_ALPHA_BITS),
+            PV_ENUM(GL_DEPTH_BITS),
+            PV_ENUM(GL_STENCIL_BITS),
+            PV_ENUM(GL_VIEWPORT),
+            PV_ENUM(GL_MAX_TEXTURE_SIZE),
+            PV_ENUM(GL_MAX_TEXTURE_UNITS),
+            PV_ENUM(GL_MAX_LIGHTS),
+            // Arrays and drawing.
+            PV_ENUM(GL_TRIANGLES),
+            PV_ENUM(GL_FIXED),
+            PV_ENUM(GL_UNSIGNED_SHORT),
+        };
 #undef PV_ENUM
-    return names;
-}
-
-std::string hex(unsigned int value)
-{
-    char text[16];
-    snprintf(text, sizeof(text), "0x%04X", value);
-    return text;
-}
-
-std::string enumText(GLenum value)
-{
-    auto found = enumNames().find(value);
-    return found != enumNames().end() ? found->second : hex(value);
-}
-
-std::string primitiveText(GLenum mode)
-{
-    static const char* const names[] = {"GL_POINTS",    "GL_LINES",          "GL_LINE_LOOP",    "GL_LINE_STRIP",
-                                        "GL_TRIANGLES", "GL_TRIANGLE_STRIP", "GL_TRIANGLE_FAN"};
-    return mode < 7 ? names[mode] : hex(mode);
-}
-
-std::string blendFactorText(GLenum factor)
-{
-    if (factor == GL_ZERO)
-        return "GL_ZERO";
-    if (factor == GL_ONE)
-        return "GL_ONE";
-    return enumText(factor);
-}
-
-std::string clearMaskText(GLbitfield mask)
-{
-    static const std::pair<GLbitfield, const char*> bits[] = {{GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT"},
-                                                              {GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT"},
-                                                              {GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT"}};
-    std::string text;
-    for (const auto& bit : bits) {
-        if (!(mask & bit.first))
-            continue;
-        text += (text.empty() ? "" : "|") + std::string(bit.second);
-        mask &= ~bit.first;
+        return names;
     }
-    if (mask || text.empty())
-        text += (text.empty() ? "" : "|") + hex(mask);
-    return text;
-}
 
-// Number of values behind a vector parameter.
-int lightValueCount(GLenum pname)
-{
-    if (pname == GL_SPOT_DIRECTION)
-        return 3;
-    bool colourOrPosition = pname == GL_AMBIENT || pname == GL_DIFFUSE || pname == GL_SPECULAR || pname == GL_POSITION;
-    return colourOrPosition ? 4 : 1;
-}
-
-int materialValueCount(GLenum pname) { return pname == GL_SHININESS ? 1 : 4; }
-int lightModelValueCount(GLenum pname) { return pname == GL_LIGHT_MODEL_AMBIENT ? 4 : 1; }
-
-// Builds "name(arg,arg,...)".
-class CallText {
-public:
-    explicit CallText(const char* function) : text_(function) { text_ += '('; }
-    CallText& raw(const std::string& argument)
+    std::string hex(unsigned int value)
     {
-        if (text_.back() != '(')
-            text_ += ',';
-        text_ += argument;
-        return *this;
+        char text[16];
+        snprintf(text, sizeof(text), "0x%04X", value);
+        return text;
     }
-    CallText& en(GLenum value) { return raw(enumText(value)); }
-    CallText& num(long long value) { return raw(std::to_string(value)); }
-    template <typename T>
-    CallText& values(const T* data, int count)
-    {
-        std::string list = "{";
-        for (int i = 0; i < count && data; i++)
-            list += (i ? "," : "") + std::to_string(data[i]);
-        return raw(list + "}");
-    }
-    std::string done() { return text_ + ')'; }
 
-private:
-    std::string text_;
-};
+    std::string enumText(GLenum value)
+    {
+        auto found = enumNames().find(value);
+        return found != enumNames().end() ? found->second : hex(value);
+    }
+
+    std::string primitiveText(GLenum mode)
+    {
+        static const char* const names[] = {"GL_POINTS",      "GL_LINES",     "GL_LINE_LOOP",
+                                            "GL_LINE_STRIP",  "GL_TRIANGLES", "GL_TRIANGLE_STRIP",
+                                            "GL_TRIANGLE_FAN"};
+        return mode < 7 ? names[mode] : hex(mode);
+    }
+
+    std::string blendFactorText(GLenum factor)
+    {
+        if (factor == GL_ZERO)
+            return "GL_ZERO";
+        if (factor == GL_ONE)
+            return "GL_ONE";
+        return enumText(factor);
+    }
+
+    std::string clearMaskText(GLbitfield mask)
+    {
+        static const std::pair<GLbitfield, const char*> bits[] = {
+            {GL_COLOR_BUFFER_BIT, "GL_COLOR_BUFFER_BIT"},
+            {GL_DEPTH_BUFFER_BIT, "GL_DEPTH_BUFFER_BIT"},
+            {GL_STENCIL_BUFFER_BIT, "GL_STENCIL_BUFFER_BIT"}};
+        std::string text;
+        for (const auto& bit : bits) {
+            if (!(mask & bit.first))
+                continue;
+            text += (text.empty() ? "" : "|") + std::string(bit.second);
+            mask &= ~bit.first;
+        }
+        if (mask || text.empty())
+            text += (text.empty() ? "" : "|") + hex(mask);
+        return text;
+    }
+
+    // Number of values behind a vector parameter.
+    int lightValueCount(GLenum pname)
+    {
+        if (pname == GL_SPOT_DIRECTION)
+            return 3;
+        bool colourOrPosition =
+            pname == GL_AMBIENT || pname == GL_DIFFUSE || pname == GL_SPECULAR || pname == GL_POSITION;
+        return colourOrPosition ? 4 : 1;
+    }
+
+    int materialValueCount(GLenum pname) { return pname == GL_SHININESS ? 1 : 4; }
+    int lightModelValueCount(GLenum pname) { return pname == GL_LIGHT_MODEL_AMBIENT ? 4 : 1; }
+
+    // Builds "name(arg,arg,...)".
+    class CallText {
+    public:
+        explicit CallText(const char* function) : text_(function) { text_ += '('; }
+        CallText& raw(const std::string& argument)
+        {
+            if (text_.back() != '(')
+                text_ += ',';
+            text_ += argument;
+            return *this;
+        }
+        CallText& en(GLenum value) { return raw(enumText(value)); }
+        CallText& num(long long value) { return raw(std::to_string(value)); }
+        template <typename T> CallText& values(const T* data, int count)
+        {
+            std::string list = "{";
+            for (int i = 0; i < count && data; i++)
+                list += (i ? "," : "") + std::to_string(data[i]);
+            return raw(list + "}");
+        }
+        std::string done() { return text_ + ')'; }
+
+    private:
+        std::string text_;
+    };
 
 }  // namespace
 
-GlRecorder::~GlRecorder()
-{
-    stop();
-}
+GlRecorder::~GlRecorder() { stop(); }
 
 void GlRecorder::start()
 {
@@ -185,10 +259,7 @@ void GlRecorder::stop()
         activeRecorder = nullptr;
 }
 
-std::string GlRecorder::functionOf(const std::string& call)
-{
-    return call.substr(0, call.find('('));
-}
+std::string GlRecorder::functionOf(const std::string& call) { return call.substr(0, call.find('(')); }
 
 std::vector<long long> GlRecorder::numbersOf(const std::string& call)
 {
@@ -196,8 +267,8 @@ std::vector<long long> GlRecorder::numbersOf(const std::string& call)
     size_t i = call.find('(');
     while (i != std::string::npos && i < call.size()) {
         char separator = call[i++];
-        bool startsNumber = (separator == '(' || separator == ',' || separator == '{') &&
-                            i < call.size() && (isdigit(static_cast<unsigned char>(call[i])) || call[i] == '-');
+        bool startsNumber = (separator == '(' || separator == ',' || separator == '{') && i < call.size() &&
+                            (isdigit(static_cast<unsigned char>(call[i])) || call[i] == '-');
         bool hexValue = call.compare(i, 2, "0x") == 0;
         if (startsNumber && !hexValue)
             numbers.push_back(strtoll(call.c_str() + i, nullptr, 10));
@@ -208,7 +279,7 @@ std::vector<long long> GlRecorder::numbersOf(const std::string& call)
 
 std::vector<std::string> GlRecorder::filter(const std::string& function) const
 {
-    return filter(std::vector<std::string>{function});
+    return filter(std::vector<std::string> {function});
 }
 
 std::vector<std::string> GlRecorder::filter(const std::vector<std::string>& functions) const
@@ -239,20 +310,20 @@ std::string GlRecorder::text() const
 
 }  // namespace pvtest
 
-using pvtest::CallText;
 using pvtest::activeRecorder;
+using pvtest::CallText;
 
 // Defines the entry point `result function parameters`: while a recorder is
 // active it appends the call's text (the function name, then the arguments
 // written by the CallText chain `recorded`), then it forwards `arguments` to
 // the real entry point.
-#define PV_INTERPOSE(result, function, parameters, arguments, recorded)                                   \
-    result function parameters                                                                             \
-    {                                                                                                      \
-        if (activeRecorder)                                                                                \
-            activeRecorder->append(CallText(#function) recorded.done());                                   \
-        static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function)); \
-        return real arguments;                                                                             \
+#define PV_INTERPOSE(result, function, parameters, arguments, recorded)                                      \
+    result function parameters                                                                               \
+    {                                                                                                        \
+        if (activeRecorder)                                                                                  \
+            activeRecorder->append(CallText(#function) recorded.done());                                     \
+        static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function));     \
+        return real arguments;                                                                               \
     }
 
 // Capabilities and fixed state.
@@ -279,7 +350,8 @@ PV_INTERPOSE(void, glScissor, (GLint x, GLint y, GLsizei width, GLsizei height),
              .num(x).num(y).num(width).num(height))
 PV_INTERPOSE(void, glReadPixels,
              (GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels),
-             (x, y, width, height, format, type, pixels), .num(x).num(y).num(width).num(height).en(format).en(type))
+             (x, y, width, height, format, type, pixels),
+             .num(x).num(y).num(width).num(height).en(format).en(type))
 PV_INTERPOSE(void, glFlush, (), (), )
 PV_INTERPOSE(void, glFinish, (), (), )
 
@@ -299,19 +371,22 @@ PV_INTERPOSE(void, glMaterialxv, (GLenum face, GLenum pname, const GLfixed* para
              .en(face).en(pname).values(param, pvtest::materialValueCount(pname)))
 // Textures.
 PV_INTERPOSE(void, glGenTextures, (GLsizei n, GLuint* textures), (n, textures), .num(n))
-PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures), .num(n).values(textures, n))
-PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture), .en(target).num(texture))
+PV_INTERPOSE(void, glDeleteTextures, (GLsizei n, const GLuint* textures), (n, textures),
+             .num(n).values(textures, n))
+PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, texture),
+             .en(target).num(texture))
 PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
              .en(target).en(pname).en(GLenum(param)))
 PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
-PV_INTERPOSE(void, glTexImage2D,
-             (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
-              GLenum format, GLenum type, const void* pixels),
-             (target, level, internalformat, width, height, border, format, type, pixels),
-             .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type))
+PV_INTERPOSE(
+    void, glTexImage2D,
+    (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
+     GLenum format, GLenum type, const void* pixels),
+    (target, level, internalformat, width, height, border, format, type, pixels),
+    .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type))
 PV_INTERPOSE(void, glTexSubImage2D,
-             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height, GLenum format,
-              GLenum type, const void* pixels),
+             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
+              GLenum format, GLenum type, const void* pixels),
              (target, level, xoffset, yoffset, width, height, format, type, pixels),
              .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
 
@@ -342,8 +417,8 @@ PV_INTERPOSE(void, glOrthox, (GLfixed l, GLfixed r, GLfixed b, GLfixed t, GLfixe
              (l, r, b, t, n, f), .num(l).num(r).num(b).num(t).num(n).num(f))
 
 // Mesh normals (data pointers are left out).
-PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer), (type, stride, pointer),
-             .en(type).num(stride))
+PV_INTERPOSE(void, glNormalPointer, (GLenum type, GLsizei stride, const void* pointer),
+             (type, stride, pointer), .en(type).num(stride))
 // Interface drawing: quads as triangle strips.
 PV_INTERPOSE(void, glDrawArrays, (GLenum mode, GLint first, GLsizei count), (mode, first, count),
              .raw(pvtest::primitiveText(mode)).num(first).num(count))

@@ -36,7 +36,7 @@ struct Mat4 {
 
     static Mat4 identity()
     {
-        Mat4 m{};
+        Mat4 m {};
         for (int i = 0; i < 4; i++)
             m.a[i][i] = 1.0;
         return m;
@@ -59,8 +59,10 @@ struct Mat4 {
         const double r = deg * M_PI / 180.0, c = std::cos(r), s = std::sin(r);
         const int i = (axis + 1) % 3, j = (axis + 2) % 3;
         Mat4 m = identity();
-        m.a[i][i] = c; m.a[i][j] = -s;
-        m.a[j][i] = s; m.a[j][j] = c;
+        m.a[i][i] = c;
+        m.a[i][j] = -s;
+        m.a[j][i] = s;
+        m.a[j][j] = c;
         return m;
     }
     // Right-handed rotation of deg degrees about the axis (x, y, z), unit
@@ -80,7 +82,7 @@ struct Mat4 {
     // From 16 values in GL's column-major order.
     static Mat4 fromGl(const float* v)
     {
-        Mat4 m{};
+        Mat4 m {};
         for (int i = 0; i < 16; i++)
             m.a[i % 4][i / 4] = v[i];
         return m;
@@ -105,7 +107,7 @@ struct Mat4 {
     static Mat4 perspective(double fovyDeg, double aspect, double zNear, double zFar)
     {
         const double f = 1.0 / std::tan(fovyDeg * M_PI / 360.0);
-        Mat4 m{};
+        Mat4 m {};
         m.a[0][0] = f / aspect;
         m.a[1][1] = f;
         m.a[2][2] = (zFar + zNear) / (zNear - zFar);
@@ -116,7 +118,7 @@ struct Mat4 {
 
     Mat4 operator*(const Mat4& b) const
     {
-        Mat4 m{};
+        Mat4 m {};
         for (int r = 0; r < 4; r++)
             for (int c = 0; c < 4; c++)
                 for (int k = 0; k < 4; k++)

@@ -8,9 +8,11 @@
 
 namespace {
 
-bool copyFile(const char* from, const char* to) {
+bool copyFile(const char* from, const char* to)
+{
     FILE* in = fopen(from, "rb");
-    if (!in) return false;
+    if (!in)
+        return false;
     FILE* out = fopen(to, "wb");
     if (!out) {
         fclose(in);
@@ -18,7 +20,8 @@ bool copyFile(const char* from, const char* to) {
     }
     char block[4096];
     size_t length;
-    while ((length = fread(block, 1, sizeof block, in)) > 0) fwrite(block, 1, length, out);
+    while ((length = fread(block, 1, sizeof block, in)) > 0)
+        fwrite(block, 1, length, out);
     fclose(out);
     fclose(in);
     return true;
@@ -26,8 +29,10 @@ bool copyFile(const char* from, const char* to) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc < 2) return 1;
+int main(int argc, char** argv)
+{
+    if (argc < 2)
+        return 1;
     void* library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         fprintf(stderr, "%s\n", dlerror());
@@ -36,9 +41,11 @@ int main(int argc, char** argv) {
     // kvfLog(const char*, ...) under its C++ linkage name.
     using LogFunction = bool (*)(const char*, ...);
     LogFunction log = reinterpret_cast<LogFunction>(dlsym(library, "_Z6kvfLogPKcz"));
-    if (!log) return 3;
+    if (!log)
+        return 3;
     log("   loaded at run time\n");
     dlclose(library);
-    if (dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD)) return 4;
+    if (dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD))
+        return 4;
     return copyFile("pevrano_log.txt", "after_unload.txt") ? 0 : 5;
 }

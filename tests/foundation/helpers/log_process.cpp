@@ -3,7 +3,8 @@
 // library's load and unload hooks.
 #include <pevrano.h>
 
-int main() {
+int main()
+{
     kvfLog("   helper process running\n");
     void* large = kvfMalloc(1000);
     void* small = kvfMalloc(24);
