@@ -1,6 +1,6 @@
 // Pevrano 3D Graphics Engine: the one header an application includes.
-#ifndef PEVRANO_H
-#define PEVRANO_H
+#ifndef PEVRANO_PEVRANO_H
+#define PEVRANO_PEVRANO_H
 
 // Foundation: start-up, log, counted memory, timers, identifiers, key/value parser.
 #include "foundation/kvffile.h"

@@ -1,8 +1,8 @@
 // Skeletal animation: for a list of bone names, one keyframe record per frame
 // and bone. Loaded from and saved to PVA files, edited frame by frame,
 // completed by linear interpolation and applied to a node tree by bone name.
-#ifndef PVANIM_H
-#define PVANIM_H
+#ifndef PEVRANO_ASSETS_PVANIM_H
+#define PEVRANO_ASSETS_PVANIM_H
 
 #include "assets/pvboneframe.h"
 #include "core/pvregistry.h"

@@ -3,8 +3,8 @@
 // XML description; its particles come from one pool shared by every emitter,
 // allocated when the engine starts, so that nothing is allocated per frame.
 // Particles live in the emitter's own space and move with it.
-#ifndef PV_EMITTER_H
-#define PV_EMITTER_H
+#ifndef PEVRANO_ASSETS_PVEMITTER_H
+#define PEVRANO_ASSETS_PVEMITTER_H
 
 #include <GLES/gl.h>
 

@@ -1,8 +1,8 @@
 // Off-screen render target. On the fixed-function GL profile a frame buffer
 // only remembers its texture or size and sets the viewport when it becomes
 // current (and only where frame buffers are supported at all).
-#ifndef PVFBO_H
-#define PVFBO_H
+#ifndef PEVRANO_ASSETS_PVFBO_H
+#define PEVRANO_ASSETS_PVFBO_H
 
 #include "core/pvregistry.h"
 

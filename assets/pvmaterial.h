@@ -3,8 +3,8 @@
 // skinning flag. Materials are registered so that the scene loader finds them
 // by name; a class-wide current material lets consecutive meshes with the
 // same material skip every state change within a frame.
-#ifndef PVMATERIAL_H
-#define PVMATERIAL_H
+#ifndef PEVRANO_ASSETS_PVMATERIAL_H
+#define PEVRANO_ASSETS_PVMATERIAL_H
 
 #include "core/pvregistry.h"
 #include "math/k3mvector4d.h"

@@ -3,8 +3,8 @@
 // optional skin (bone influences per vertex and a bone table), and the
 // class-wide skeleton cache the render list fills with bone matrices each
 // frame. Skinned meshes are deformed on the CPU in 16.16 before drawing.
-#ifndef PV_MESH_H
-#define PV_MESH_H
+#ifndef PEVRANO_ASSETS_PVMESH_H
+#define PEVRANO_ASSETS_PVMESH_H
 
 #include <cstdint>
 

@@ -2,8 +2,8 @@
 // GL profile shaders are bookkeeping only: they are registered, named and
 // found, never compiled or bound, and never operative, so every caller takes
 // its fixed-function path.
-#ifndef PVSHADER_H
-#define PVSHADER_H
+#ifndef PEVRANO_ASSETS_PVSHADER_H
+#define PEVRANO_ASSETS_PVSHADER_H
 
 #include "core/pvregistry.h"
 

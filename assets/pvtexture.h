@@ -5,8 +5,8 @@
 // texture is registered so that it can be found by name or id, swept by the
 // garbage collector and released at shut-down. The class also keeps the
 // texturing switch and the last bound texture per texture unit.
-#ifndef PVTEXTURE_H
-#define PVTEXTURE_H
+#ifndef PEVRANO_ASSETS_PVTEXTURE_H
+#define PEVRANO_ASSETS_PVTEXTURE_H
 
 #include <cstddef>
 

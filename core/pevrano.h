@@ -1,8 +1,8 @@
 // The engine's entry point: start-up and shut-down of every engine class, the
 // frame (clear, 3D pass, picking, 2D pass, swap), the frame timer and stamp,
 // the video-memory budget, the skybox and the post-effect switches.
-#ifndef PV_PEVRANO_H
-#define PV_PEVRANO_H
+#ifndef PEVRANO_CORE_PEVRANO_H
+#define PEVRANO_CORE_PEVRANO_H
 
 // The name the engine gives itself in the log and as the default window title.
 #define PEVRANO_VERSION_STRING "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)"

@@ -2,8 +2,8 @@
 // and context once SDL has set the video mode, presents the frames and
 // releases them again. Each back-end lives in a source file of its own and
 // is listed once in PVDISPLAY::choose.
-#ifndef PV_DISPLAY_H
-#define PV_DISPLAY_H
+#ifndef PEVRANO_CORE_PVDISPLAY_H
+#define PEVRANO_CORE_PVDISPLAY_H
 
 #include <EGL/egl.h>
 

@@ -3,8 +3,8 @@
 // fixed-point GL entry point. The matrix functions also keep float shadow
 // copies of the model-view and projection stacks, because this GL profile
 // cannot hand its matrices back; PV_glGetFloatv reads the shadow.
-#ifndef PVGL_H
-#define PVGL_H
+#ifndef PEVRANO_CORE_PVGL_H
+#define PEVRANO_CORE_PVGL_H
 
 #include <GLES/gl.h>
 

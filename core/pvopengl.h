@@ -1,8 +1,8 @@
 // Cached GL state of the engine: projection set-up, viewport, background
 // colour, global ambient light, rendering profile, and on/off switches for
 // the capabilities and client arrays that call GL only when the state changes.
-#ifndef PVOPENGL_H
-#define PVOPENGL_H
+#ifndef PEVRANO_CORE_PVOPENGL_H
+#define PEVRANO_CORE_PVOPENGL_H
 
 #include "math/k3mvector4d.h"
 

@@ -3,8 +3,8 @@
 // class. Objects join at the tail when constructed and leave when destroyed;
 // searches return the first match in registry order. The registry keeps the
 // tail, so joining takes constant time however many objects are registered.
-#ifndef PVREGISTRY_H
-#define PVREGISTRY_H
+#ifndef PEVRANO_CORE_PVREGISTRY_H
+#define PEVRANO_CORE_PVREGISTRY_H
 
 #include <cstddef>
 #include <cstring>

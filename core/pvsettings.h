@@ -2,8 +2,8 @@
 // setters or from a PEVRANO_* key/value file) and hands to PEVRANO::init; as
 // class-wide state, the configuration in force once the display exists, with
 // the native window and the EGL display, surface and context.
-#ifndef PV_SETTINGS_H
-#define PV_SETTINGS_H
+#ifndef PEVRANO_CORE_PVSETTINGS_H
+#define PEVRANO_CORE_PVSETTINGS_H
 
 #include <EGL/egl.h>
 

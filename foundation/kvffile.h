@@ -1,6 +1,6 @@
 // Small file helpers.
-#ifndef KVF_FILE_H
-#define KVF_FILE_H
+#ifndef PEVRANO_FOUNDATION_KVFFILE_H
+#define PEVRANO_FOUNDATION_KVFFILE_H
 
 #include <cstdio>
 

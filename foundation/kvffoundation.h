@@ -1,7 +1,7 @@
 // Start-up and shut-down of the foundation as a whole: the log, the memory
 // baseline, the identifier table and the timer slots.
-#ifndef KVF_FOUNDATION_H
-#define KVF_FOUNDATION_H
+#ifndef PEVRANO_FOUNDATION_KVFFOUNDATION_H
+#define PEVRANO_FOUNDATION_KVFFOUNDATION_H
 
 // Opens the log (a name containing ".html" selects HTML mode), takes the memory
 // baseline, creates the identifier table and frees every timer slot. A null

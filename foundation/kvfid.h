@@ -1,6 +1,6 @@
 // Process-wide table of object identifiers 1 to 65535; 0 means "no identifier".
-#ifndef KVF_ID_H
-#define KVF_ID_H
+#ifndef PEVRANO_FOUNDATION_KVFID_H
+#define PEVRANO_FOUNDATION_KVFID_H
 
 // The lowest free identifier, or 0 when none is left or the table is missing.
 unsigned int kvfNewId();

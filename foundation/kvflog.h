@@ -1,7 +1,7 @@
 // Foundation log: one log file per process, plain text or HTML, with an
 // optional echo of every message to standard output.
-#ifndef KVF_LOG_H
-#define KVF_LOG_H
+#ifndef PEVRANO_FOUNDATION_KVFLOG_H
+#define PEVRANO_FOUNDATION_KVFLOG_H
 
 // Name the foundation gives itself in the start and end banners.
 #define KVF_VERSION_STRING "Kolvane foundation 0.4"

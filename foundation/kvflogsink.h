@@ -1,7 +1,7 @@
 // A second reader of the log: every message written to the log file is also
 // handed to one function set by the caller (tests, tools).
-#ifndef KVF_LOG_SINK_H
-#define KVF_LOG_SINK_H
+#ifndef PEVRANO_FOUNDATION_KVFLOGSINK_H
+#define PEVRANO_FOUNDATION_KVFLOGSINK_H
 
 // Receives the message as written to the text log: formatted and cut to 1023
 // characters, before any HTML expansion.

@@ -1,7 +1,7 @@
 // Counted memory: every block taken with kvfMalloc and given back with kvfFree
 // is counted, so that the log's final summary shows leaks as a non-zero ratio.
-#ifndef KVF_MEMORY_H
-#define KVF_MEMORY_H
+#ifndef PEVRANO_FOUNDATION_KVFMEMORY_H
+#define PEVRANO_FOUNDATION_KVFMEMORY_H
 
 // Allocation with the system allocator (not zero-filled); counted even when
 // the allocator fails.

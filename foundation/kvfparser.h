@@ -1,7 +1,7 @@
 // Key/value text file parser: the whole file is held in one counted block and
 // lookups of "key<separator>value" lines search it from the start.
-#ifndef KVF_PARSER_H
-#define KVF_PARSER_H
+#ifndef PEVRANO_FOUNDATION_KVFPARSER_H
+#define PEVRANO_FOUNDATION_KVFPARSER_H
 
 // Longest line a reader or lookup handles, terminator excluded; line buffers
 // given to kvfReadLine, kvfReadCompactLine and kvfGetString hold 256 bytes.

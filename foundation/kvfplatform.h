@@ -1,7 +1,7 @@
 // The operating-system services the foundation needs: a monotonic counter,
 // the local time and the physical memory in use.
-#ifndef KVF_PLATFORM_H
-#define KVF_PLATFORM_H
+#ifndef PEVRANO_FOUNDATION_KVFPLATFORM_H
+#define PEVRANO_FOUNDATION_KVFPLATFORM_H
 
 // Local date and time, split as the log banners print it.
 struct kvfLocalTime {

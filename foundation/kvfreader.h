@@ -2,8 +2,8 @@
 // bytes that remain. A read that does not fit fails, leaves its output alone
 // and marks the reader as failed, so that a whole record can be read and
 // checked once. Values are little-endian; floats are IEEE-754 single.
-#ifndef KVF_READER_H
-#define KVF_READER_H
+#ifndef PEVRANO_FOUNDATION_KVFREADER_H
+#define PEVRANO_FOUNDATION_KVFREADER_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // String helpers for the fixed-size name and path buffers of the engine's classes.
-#ifndef KVF_STRING_H
-#define KVF_STRING_H
+#ifndef PEVRANO_FOUNDATION_KVFSTRING_H
+#define PEVRANO_FOUNDATION_KVFSTRING_H
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 // Eight high-resolution timers measuring the time between two adjourn calls.
-#ifndef KVF_TIMER_H
-#define KVF_TIMER_H
+#ifndef PEVRANO_FOUNDATION_KVFTIMER_H
+#define PEVRANO_FOUNDATION_KVFTIMER_H
 
 // Takes the lowest free slot; returns its index 0 to 7, or -1 when all are taken.
 int kvfNewTimer(float rate);

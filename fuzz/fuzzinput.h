@@ -1,6 +1,6 @@
 // Fuzz targets whose code under test reads files get their input as a file.
-#ifndef PEVRANO_FUZZ_INPUT_H
-#define PEVRANO_FUZZ_INPUT_H
+#ifndef PEVRANO_FUZZ_FUZZINPUT_H
+#define PEVRANO_FUZZ_FUZZINPUT_H
 
 #include <cstddef>
 #include <cstdint>

@@ -2,8 +2,8 @@
 // the scene tree, drawn in the 2D pass as one flat or textured quad with an
 // optional bevelled border, plus the widget state the whole interface shares
 // (hit testing, display, pressed look, move limits, window clipping).
-#ifndef PV_BOX_H
-#define PV_BOX_H
+#ifndef PEVRANO_GUI_PVBOX_H
+#define PEVRANO_GUI_PVBOX_H
 
 #include "math/k3mvector2d.h"
 #include "math/k3mvector4d.h"

@@ -1,7 +1,7 @@
 // Button: a box with a caption drawn in a font and an event type telling the
 // interface's event dispatcher how presses are reported.
-#ifndef PV_BUTTON_H
-#define PV_BUTTON_H
+#ifndef PEVRANO_GUI_PVBUTTON_H
+#define PEVRANO_GUI_PVBUTTON_H
 
 #include "gui/pvbox.h"
 

@@ -2,8 +2,8 @@
 // 127 in a 16 by 16 grid; text is queued glyph by glyph in a class-wide cache
 // and each string is drawn with one indexed draw call. Per-character kerning
 // narrows the advance and can be read from a key/value file.
-#ifndef PV_FONT_H
-#define PV_FONT_H
+#ifndef PEVRANO_GUI_PVFONT_H
+#define PEVRANO_GUI_PVFONT_H
 
 #include <GLES/gl.h>
 

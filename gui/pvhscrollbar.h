@@ -1,6 +1,6 @@
 // Horizontal scroll bar.
-#ifndef PV_HSCROLLBAR_H
-#define PV_HSCROLLBAR_H
+#ifndef PEVRANO_GUI_PVHSCROLLBAR_H
+#define PEVRANO_GUI_PVHSCROLLBAR_H
 
 #include "gui/pvscrollbar.h"
 

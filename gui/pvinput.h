@@ -3,8 +3,8 @@
 // movable widgets within their limits, raises pressed windows and feeds keys
 // to the text field that has the focus. The render list's manageGUIEvents
 // hands its calls here.
-#ifndef PV_INPUT_H
-#define PV_INPUT_H
+#ifndef PEVRANO_GUI_PVINPUT_H
+#define PEVRANO_GUI_PVINPUT_H
 
 class PVBOX;
 class PVBUTTON;

@@ -1,6 +1,6 @@
 // Label: a box that draws only text, word-processed once when written.
-#ifndef PV_LABEL_H
-#define PV_LABEL_H
+#ifndef PEVRANO_GUI_PVLABEL_H
+#define PEVRANO_GUI_PVLABEL_H
 
 #include "gui/pvbox.h"
 

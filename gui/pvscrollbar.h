@@ -1,8 +1,8 @@
 // Scroll bar: a thin track with one draggable button, its cursor, whose place
 // on the track gives the value; the value is never stored. The horizontal and
 // the vertical bar are this design along x and along y.
-#ifndef PV_SCROLLBAR_H
-#define PV_SCROLLBAR_H
+#ifndef PEVRANO_GUI_PVSCROLLBAR_H
+#define PEVRANO_GUI_PVSCROLLBAR_H
 
 #include "gui/pvbutton.h"
 

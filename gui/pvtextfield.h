@@ -1,7 +1,7 @@
 // Text field: a button whose caption is edited from the keyboard, with a
 // blinking caret while it has the focus.
-#ifndef PV_TEXTFIELD_H
-#define PV_TEXTFIELD_H
+#ifndef PEVRANO_GUI_PVTEXTFIELD_H
+#define PEVRANO_GUI_PVTEXTFIELD_H
 
 #include "gui/pvbutton.h"
 

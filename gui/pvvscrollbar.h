@@ -1,6 +1,6 @@
 // Vertical scroll bar.
-#ifndef PV_VSCROLLBAR_H
-#define PV_VSCROLLBAR_H
+#ifndef PEVRANO_GUI_PVVSCROLLBAR_H
+#define PEVRANO_GUI_PVVSCROLLBAR_H
 
 #include "gui/pvscrollbar.h"
 

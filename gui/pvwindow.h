@@ -2,8 +2,8 @@
 // bar (second child), a word-wrapped text area and any number of widgets
 // (the children from the third on). It clips every widget inside it and
 // scrolls its text together with them.
-#ifndef PV_WINDOW_H
-#define PV_WINDOW_H
+#ifndef PEVRANO_GUI_PVWINDOW_H
+#define PEVRANO_GUI_PVWINDOW_H
 
 #include "gui/pvbutton.h"
 

@@ -4,8 +4,8 @@
 // lexical rules (comments, CDATA, declarations, quoted attribute values) so
 // that nothing it hides can lower the count; where the rules cannot be
 // followed exactly the text is refused.
-#ifndef PV_XMLSCAN_H
-#define PV_XMLSCAN_H
+#ifndef PEVRANO_GUI_PVXMLSCAN_H
+#define PEVRANO_GUI_PVXMLSCAN_H
 
 // True when no element of text (up to its first NUL) is nested deeper than
 // maxDepth and every declaration has the plain shape <?xml name="value" ...?>.

@@ -1,8 +1,8 @@
 // 4x4 single-precision transform stored in GL column-major order, so that it
 // can be loaded into the fixed-function pipeline as it is: m[4*c + r] is row
 // r, column c; the translation sits in m[12], m[13], m[14].
-#ifndef K3MMATRIX_H
-#define K3MMATRIX_H
+#ifndef PEVRANO_MATH_K3MMATRIX_H
+#define PEVRANO_MATH_K3MMATRIX_H
 
 #include "math/k3mvector4d.h"
 

@@ -1,6 +1,6 @@
 // Plane a.x + b.y + c.z + d = 0 (normal a, b, c; offset d).
-#ifndef K3MPLANE_H
-#define K3MPLANE_H
+#ifndef PEVRANO_MATH_K3MPLANE_H
+#define PEVRANO_MATH_K3MPLANE_H
 
 #include "math/k3mvector3d.h"
 

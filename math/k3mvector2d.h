@@ -1,7 +1,7 @@
 // Two-component single-precision vector: positions, sizes and texture
 // coordinates. A plain value type: arrays of it are packed float arrays.
-#ifndef K3MVECTOR2D_H
-#define K3MVECTOR2D_H
+#ifndef PEVRANO_MATH_K3MVECTOR2D_H
+#define PEVRANO_MATH_K3MVECTOR2D_H
 
 #include <cstdlib>
 #include <type_traits>

@@ -1,8 +1,8 @@
 // Three-component single-precision vector: positions, directions, Euler
 // rotations in degrees, normals. A plain value type: arrays of it are packed
 // float arrays handed to GL as they are.
-#ifndef K3MVECTOR3D_H
-#define K3MVECTOR3D_H
+#ifndef PEVRANO_MATH_K3MVECTOR3D_H
+#define PEVRANO_MATH_K3MVECTOR3D_H
 
 #include "math/k3mvector2d.h"
 

@@ -1,8 +1,8 @@
 // Four-component single-precision vector. Also the engine's quaternion
 // (x, y, z vector part, w scalar part) and its RGBA colour. A plain value
 // type: arrays of it are packed float arrays.
-#ifndef K3MVECTOR4D_H
-#define K3MVECTOR4D_H
+#ifndef PEVRANO_MATH_K3MVECTOR4D_H
+#define PEVRANO_MATH_K3MVECTOR4D_H
 
 #include "math/k3mvector3d.h"
 

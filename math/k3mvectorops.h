@@ -1,7 +1,7 @@
 // Length-based operations shared by the three vector classes. Internal to
 // the math folder: each vector class forwards to these.
-#ifndef K3MVECTOROPS_H
-#define K3MVECTOROPS_H
+#ifndef PEVRANO_MATH_K3MVECTOROPS_H
+#define PEVRANO_MATH_K3MVECTOROPS_H
 
 #include <cmath>
 

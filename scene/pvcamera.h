@@ -1,7 +1,7 @@
 // Camera: sets up the viewing transform at the start of a 3D frame and
 // publishes the view matrix and the eye position for the rest of the frame.
-#ifndef PV_CAMERA_H
-#define PV_CAMERA_H
+#ifndef PEVRANO_SCENE_PVCAMERA_H
+#define PEVRANO_SCENE_PVCAMERA_H
 
 #include "math/k3mmatrix.h"
 #include "math/k3mvector3d.h"

@@ -2,8 +2,8 @@
 // arrays allocated once at start-up. Passing a subtree fills the records with
 // each node's model-view matrix; the sorts order them for drawing (lights
 // first, opaque, transparent back to front; widgets by their foremost stamp).
-#ifndef PV_ELEMENT_H
-#define PV_ELEMENT_H
+#ifndef PEVRANO_SCENE_PVELEMENT_H
+#define PEVRANO_SCENE_PVELEMENT_H
 
 #include "math/k3mmatrix.h"
 #include "math/k3mvector3d.h"

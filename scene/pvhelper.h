@@ -1,8 +1,8 @@
 // Helper: a placeholder object exported with a scene (a dummy, a point of
 // interest). It has a bounding radius, used by the render list's clipping
 // and sorting, and draws nothing.
-#ifndef PV_HELPER_H
-#define PV_HELPER_H
+#ifndef PEVRANO_SCENE_PVHELPER_H
+#define PEVRANO_SCENE_PVHELPER_H
 
 #include "scene/pvnode.h"
 

@@ -1,7 +1,7 @@
 // Light: drives one fixed-function GL light slot for the objects it is
 // chosen for.
-#ifndef PV_LIGHT_H
-#define PV_LIGHT_H
+#ifndef PEVRANO_SCENE_PVLIGHT_H
+#define PEVRANO_SCENE_PVLIGHT_H
 
 #include <cstdint>
 

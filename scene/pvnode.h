@@ -2,8 +2,8 @@
 // meshes, emitters, helpers and every 2D widget). It carries the object's
 // identity, its local transform, its place in a parent/child hierarchy and its
 // membership in the registry of all live nodes.
-#ifndef PV_NODE_H
-#define PV_NODE_H
+#ifndef PEVRANO_SCENE_PVNODE_H
+#define PEVRANO_SCENE_PVNODE_H
 
 #include <cstdint>
 

@@ -3,8 +3,8 @@
 // every decoded picture is converted to 24-bit RGB and replaces the top-left
 // corner of the texture. There is no audio and no clock: the application
 // chooses how many steps to run per frame.
-#ifndef PVVIDEO_H
-#define PVVIDEO_H
+#ifndef PEVRANO_VIDEO_PVVIDEO_H
+#define PEVRANO_VIDEO_PVVIDEO_H
 
 #include "core/pvregistry.h"
 

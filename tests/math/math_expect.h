@@ -1,8 +1,8 @@
 // Helpers of the math tests: whole vectors and matrices compared at once,
 // with the index of the first differing component in the failure message,
 // and reference rotations written from their closed forms.
-#ifndef PEVRANO_TESTS_MATH_EXPECT_H
-#define PEVRANO_TESTS_MATH_EXPECT_H
+#ifndef PEVRANO_TESTS_MATH_MATH_EXPECT_H
+#define PEVRANO_TESTS_MATH_MATH_EXPECT_H
 
 #include <gtest/gtest.h>
 

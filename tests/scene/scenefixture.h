@@ -1,7 +1,7 @@
 // Shared by the scene tests: an engine started in a small window, and one 3D
 // frame drawn into it.
-#ifndef PEVRANO_TESTS_SCENEFIXTURE_H
-#define PEVRANO_TESTS_SCENEFIXTURE_H
+#ifndef PEVRANO_TESTS_SCENE_SCENEFIXTURE_H
+#define PEVRANO_TESTS_SCENE_SCENEFIXTURE_H
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Test nodes of any type, recorded meshes and helpers, and the textbook local
 // transform the scene tests compare to.
-#ifndef PEVRANO_TESTS_SCENETESTNODE_H
-#define PEVRANO_TESTS_SCENETESTNODE_H
+#ifndef PEVRANO_TESTS_SCENE_SCENETESTNODE_H
+#define PEVRANO_TESTS_SCENE_SCENETESTNODE_H
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 // Off-screen EGL + OpenGL ES 1.1 context for tests that need a current GL
 // context without starting the whole engine: a pbuffer surface on the
 // surfaceless platform, 5-6-5 colour, 16-bit depth.
-#ifndef PEVRANO_TESTS_GLCONTEXT_H
-#define PEVRANO_TESTS_GLCONTEXT_H
+#ifndef PEVRANO_TESTS_SUPPORT_GLCONTEXT_H
+#define PEVRANO_TESTS_SUPPORT_GLCONTEXT_H
 
 #include <EGL/egl.h>
 

@@ -1,7 +1,7 @@
 // Test fixtures: a scratch directory, the log captured from the start of the
 // case and a GL call recorder; optionally an off-screen GL context current.
-#ifndef PEVRANO_TESTS_GLFIXTURE_H
-#define PEVRANO_TESTS_GLFIXTURE_H
+#ifndef PEVRANO_TESTS_SUPPORT_GLFIXTURE_H
+#define PEVRANO_TESTS_SUPPORT_GLFIXTURE_H
 
 #include <gtest/gtest.h>
 

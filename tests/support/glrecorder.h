@@ -8,8 +8,8 @@
 // arrays in braces; data pointers are left out. Only the entry points the
 // engine calls are interposed: a class that calls a new one adds it with one
 // PV_INTERPOSE line in glrecorder.cpp (and its enumerations to the name table).
-#ifndef PEVRANO_TESTS_GLRECORDER_H
-#define PEVRANO_TESTS_GLRECORDER_H
+#ifndef PEVRANO_TESTS_SUPPORT_GLRECORDER_H
+#define PEVRANO_TESTS_SUPPORT_GLRECORDER_H
 
 #include <cstddef>
 #include <string>

@@ -4,8 +4,8 @@
 // previous call. expectLog compares a log text with the expected lines, each
 // one exact, a regular expression or a prefix: nothing more, nothing less.
 // Log texts are byte-exact: expect whole lines, never fragments.
-#ifndef PEVRANO_TESTS_LOGMATCH_H
-#define PEVRANO_TESTS_LOGMATCH_H
+#ifndef PEVRANO_TESTS_SUPPORT_LOGMATCH_H
+#define PEVRANO_TESTS_SUPPORT_LOGMATCH_H
 
 #include <string>
 #include <vector>

@@ -3,8 +3,8 @@
 // 5-6-5, so a channel keeps 5 or 6 bits: comparisons allow a few levels.
 // litWhite is the fixed-function lighting of a white material, the reference
 // of every lit-pixel test.
-#ifndef PEVRANO_TESTS_PIXELS_H
-#define PEVRANO_TESTS_PIXELS_H
+#ifndef PEVRANO_TESTS_SUPPORT_PIXELS_H
+#define PEVRANO_TESTS_SUPPORT_PIXELS_H
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // layout), a materials table and node records in file order (a node's
 // children follow it). Obsolete files get their extra per-vertex and
 // per-face blocks filled in automatically.
-#ifndef PEVRANO_TESTS_PVEWRITER_H
-#define PEVRANO_TESTS_PVEWRITER_H
+#ifndef PEVRANO_TESTS_SUPPORT_PVEWRITER_H
+#define PEVRANO_TESTS_SUPPORT_PVEWRITER_H
 
 #include <cstdint>
 #include <string>

@@ -2,8 +2,8 @@
 // node's XY plane, facing +z, drawn with the record's model-view matrix. It
 // draws in a flat colour, or lit by its nearest lights as a white-ish
 // material, and in the selection profile in the colour of its 5-6-5 code.
-#ifndef PEVRANO_TESTS_QUADNODE_H
-#define PEVRANO_TESTS_QUADNODE_H
+#ifndef PEVRANO_TESTS_SUPPORT_QUADNODE_H
+#define PEVRANO_TESTS_SUPPORT_QUADNODE_H
 
 #include <GLES/gl.h>
 

@@ -1,7 +1,7 @@
 // A scratch working directory of its own for each case, and whole files
 // read and written at once.
-#ifndef PEVRANO_TESTS_SCRATCH_H
-#define PEVRANO_TESTS_SCRATCH_H
+#ifndef PEVRANO_TESTS_SUPPORT_SCRATCH_H
+#define PEVRANO_TESTS_SUPPORT_SCRATCH_H
 
 #include <string>
 

@@ -2,8 +2,8 @@
 // functions, its query (when the engine has one), the GL capability it
 // mirrors (when it is one) and the call that turning it on or off makes.
 // All of them are off in a fresh context.
-#ifndef PEVRANO_TESTS_SWITCHES_H
-#define PEVRANO_TESTS_SWITCHES_H
+#ifndef PEVRANO_TESTS_SUPPORT_SWITCHES_H
+#define PEVRANO_TESTS_SUPPORT_SWITCHES_H
 
 #include <GLES/gl.h>
 

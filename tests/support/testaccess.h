@@ -2,8 +2,8 @@
 // (start-up, shut-down, the picking read-back) and the capability flags
 // nothing public can set, so that unit tests can drive them without starting
 // the whole engine. The classes name this struct as a friend.
-#ifndef PEVRANO_TESTS_TESTACCESS_H
-#define PEVRANO_TESTS_TESTACCESS_H
+#ifndef PEVRANO_TESTS_SUPPORT_TESTACCESS_H
+#define PEVRANO_TESTS_SUPPORT_TESTACCESS_H
 
 #include "assets/pvmesh.h"
 #include "assets/pvshader.h"

@@ -2,8 +2,8 @@
 // (double precision, row-major, column vectors) so that they check the
 // engine's own column-major float code instead of repeating it, and the
 // comparison of an engine matrix (16 floats, column-major) with one.
-#ifndef PEVRANO_TESTS_VIEWMATH_H
-#define PEVRANO_TESTS_VIEWMATH_H
+#ifndef PEVRANO_TESTS_SUPPORT_VIEWMATH_H
+#define PEVRANO_TESTS_SUPPORT_VIEWMATH_H
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 // vertex). Skinned meshes hang below an added root named "HumanoidRoot",
 // their vertices at the skin's bind pose, and the bones carry that pose, so
 // that the engine's skinning relative to that root reproduces the model.
-#ifndef PEVRANO_CONVERT_MODELCONVERTER_H
-#define PEVRANO_CONVERT_MODELCONVERTER_H
+#ifndef PEVRANO_TOOLS_CONVERT_MODELCONVERTER_H
+#define PEVRANO_TOOLS_CONVERT_MODELCONVERTER_H
 
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>

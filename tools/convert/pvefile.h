@@ -1,7 +1,7 @@
 // Little-endian byte buffer for scene files: integers, floats, vectors and
 // NUL-terminated strings appended in order, written out in one piece.
-#ifndef PEVRANO_CONVERT_PVEFILE_H
-#define PEVRANO_CONVERT_PVEFILE_H
+#ifndef PEVRANO_TOOLS_CONVERT_PVEFILE_H
+#define PEVRANO_TOOLS_CONVERT_PVEFILE_H
 
 #include <assimp/vector3.h>
 

@@ -3,8 +3,8 @@
 // any time of an animation. Engine nodes carry only a translation and Euler
 // angles, so every world transform is split into its rigid part (what the
 // nodes carry) and a remainder that is baked into the geometry.
-#ifndef PEVRANO_CONVERT_SKELETONPOSE_H
-#define PEVRANO_CONVERT_SKELETONPOSE_H
+#ifndef PEVRANO_TOOLS_CONVERT_SKELETONPOSE_H
+#define PEVRANO_TOOLS_CONVERT_SKELETONPOSE_H
 
 #include <assimp/anim.h>
 #include <assimp/scene.h>

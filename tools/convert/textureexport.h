@@ -1,8 +1,8 @@
 // Turns the pictures a model refers to (files beside it or embedded in it,
 // any format stb_image decodes) into TGA files the engine reads: uncompressed,
 // at most 256 × 256, RGB or RGBA. Each source is converted once.
-#ifndef PEVRANO_CONVERT_TEXTUREEXPORT_H
-#define PEVRANO_CONVERT_TEXTUREEXPORT_H
+#ifndef PEVRANO_TOOLS_CONVERT_TEXTUREEXPORT_H
+#define PEVRANO_TOOLS_CONVERT_TEXTUREEXPORT_H
 
 #include <assimp/scene.h>
 

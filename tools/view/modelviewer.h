@@ -1,8 +1,8 @@
 // Shows a scene file: frames the model with a camera orbiting its centre,
 // lights it, plays an optional animation, and either runs interactively in a
 // window or renders a number of frames off-screen into a PNG screenshot.
-#ifndef PEVRANO_VIEW_MODELVIEWER_H
-#define PEVRANO_VIEW_MODELVIEWER_H
+#ifndef PEVRANO_TOOLS_VIEW_MODELVIEWER_H
+#define PEVRANO_TOOLS_VIEW_MODELVIEWER_H
 
 #include <string>
 
