@@ -2,7 +2,7 @@
 # Installs the Debian packages the engine, its tests and its example need,
 # only when one of them is missing.
 set -euo pipefail
-packages=(build-essential cmake pkg-config
+packages=(build-essential cmake pkg-config clang-format
   libsdl1.2-dev libx11-dev libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri
   libtinyxml-dev libmpeg2-4-dev libpng-dev
   libgtest-dev libgmock-dev libbenchmark-dev libstb-dev xvfb xauth

@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# Builds and runs the whole test suite: a normal build off-screen, the display
-# tests again under a virtual X server, then everything once more with
-# AddressSanitizer and UndefinedBehaviorSanitizer.
+# Checks the code style, then builds and runs the whole test suite: a normal
+# build off-screen, the display tests again under a virtual X server, then
+# everything once more with AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=$(nproc)
 bash "$root/tools/deps.sh"
+
+echo "== code style (.clang-format)"
+(cd "$root" && find pevrano.h foundation math core scene assets gui video tests tools examples bench fuzz \
+  \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 clang-format --dry-run --Werror)
 
 build_and_test() {
   local dir=$1; shift
