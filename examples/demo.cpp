@@ -145,6 +145,8 @@ PVCAMERA* buildCamera()
 // It runs in front of the panels; without the files the demo goes on.
 PVANIM* loadCharacter(PVNODE* scene)
 {
+    PEVRANO::setPVEPath("");
+    PVTEXTURE::setPath("");
     PVNODE* character = PEVRANO::load("character.pve");
     PVANIM* run = new PVANIM();
     if (!character || !run->load(const_cast<char*>("character_0_Wuson_Run.pva")))
@@ -177,12 +179,15 @@ void drawScene(int frame, PVCAMERA* camera, PVNODE* scene, PVANIM* run)
 // engine's interface until the window is closed, Escape is pressed or the
 // Quit button is clicked.
 struct DemoInterface {
+    PVNODE* root = nullptr;  // holds the window and the screen
     PVWINDOW* window = nullptr;
     PVBUTTON* hello = nullptr;
     PVBUTTON* quit = nullptr;
     PVTEXTFIELD* name = nullptr;
     PVHSCROLLBAR* slider = nullptr;
     PVLABEL* value = nullptr;
+    PVBOX* screen = nullptr;
+    PVVIDEO* film = nullptr;
 
     template <class Widget> Widget* find(PVNODE* root, const char* name)
     {
@@ -196,7 +201,7 @@ struct DemoInterface {
         const std::string texturePath = PVTEXTURE::getPath();
         PVTEXTURE::setPath(PEVRANO_DEMO_FONT_DIR "/");
         PVFONT::setPath(PEVRANO_DEMO_FONT_DIR "/");
-        PVNODE* root = PEVRANO::loadXML(PEVRANO_DEMO_DATA "/interface.xml");
+        root = PEVRANO::loadXML(PEVRANO_DEMO_DATA "/interface.xml");
         PVTEXTURE::setPath(texturePath.c_str());
         if (!root)
             return false;
@@ -206,20 +211,42 @@ struct DemoInterface {
         name = find<PVTEXTFIELD>(root, "name");
         slider = find<PVHSCROLLBAR>(root, "slider");
         value = find<PVLABEL>(root, "value");
-        if (!window || !hello || !quit || !name || !slider || !value)
+        screen = find<PVBOX>(root, "screen");
+        if (!window || !hello || !quit || !name || !slider || !value || !screen)
             return false;
+        playFilm();
         name->clear();
         slider->setValue(0.25f);
         window->setForemost(0);
         return true;
     }
 
+    // data/film.mpg (256 x 192) plays in a loop into a texture that the
+    // screen box shows; the picture fills the top 192 rows of the texture.
+    void playFilm()
+    {
+        PVTEXTURE* picture = new PVTEXTURE();
+        picture->create(256, 256, 3);
+        picture->setFilter(true, false, true);  // no mipmaps: only level 0 is replaced
+        screen->setTexture(picture);
+        PVBOXCOORD frame(1.0f, 192.0f / 256.0f, true);
+        screen->setBoxCoords(frame);
+        screen->setThickness(0);
+        PVVIDEO::setMPGPath(PEVRANO_DEMO_DATA "/");
+        film = new PVVIDEO();
+        if (film->load("film.mpg")) {
+            film->setTexture(picture);
+            film->playLoop();
+        }
+    }
+
     void draw()
     {
+        film->update(64);
         if (value->getFont())
             value->write("%d%%%%", int(slider->getValue() * 100.0f + 0.5f));  // drawn text is a format too
         PEVRANO::begin2D();
-        window->pass(false);
+        root->pass(false);
         PEVRANO::end2D();
     }
 
