@@ -180,6 +180,7 @@ bool PVMESH::allocateInfluences(unsigned int perVertex)
     boneIndexFloat = new (std::nothrow) float[influences]();
     const bool cpuSkinning = !PVSHADER::useSkinning();
     if (cpuSkinning) {
+        // One spare element: the vector kernel writes four values at a time.
         skinnedVertices = new (std::nothrow) GLfixed[size_t(nbVertices) * 3 + 1]();
         skinnedNormals = new (std::nothrow) GLfixed[size_t(nbVertices) * 3 + 1]();
     }
@@ -525,14 +526,13 @@ struct SKINJOB {
 };
 
 // One influence at a time, every product a 64-bit multiply shifted by 16;
-// the outputs accumulate in place (cleared by the caller).
+// every output is written.
 void skinOneByOne(const SKINJOB& job)
 {
     for (unsigned int v = 0; v < job.vertexCount; v++) {
         const GLfixed* p = job.vertices + 3 * v;
         const GLfixed* n = job.normals + 3 * v;
-        GLfixed* outP = job.outP + 3 * v;
-        GLfixed* outN = job.outN + 3 * v;
+        int32_t outP[3] = {0, 0, 0}, outN[3] = {0, 0, 0};
         for (unsigned int j = 0; j < job.perVertex; j++) {
             const size_t influence = size_t(v) * job.perVertex + j;
             const int32_t w = PV_floatToFixed(job.boneWeight[influence]);
@@ -549,69 +549,145 @@ void skinOneByOne(const SKINJOB& job)
                 outN[c] = add32(outN[c], mulFixed(nc, w));
             }
         }
+        for (int c = 0; c < 3; c++) {
+            job.outP[3 * v + c] = outP[c];
+            job.outN[3 * v + c] = outN[c];
+        }
     }
 }
 
-// The same arithmetic four 64-bit lanes at a time: lanes (q.x, q.y, q.z,
-// n.x) in one register and (n.y, n.z) in another. A signed 32 x 32 -> 64
-// multiply reads the low 32 bits of each lane, and only bits 16 to 47 of a
-// product survive the shift and the 32-bit truncation, so logical shifts and
-// 64-bit sums give exactly the wrapped 32-bit results.
+// The same arithmetic in 64-bit lanes, two influences at a time in three
+// registers: (q.x, q.y, q.z, n.x) of each, and (n.y, n.z) of both. A signed
+// 32 x 32 -> 64 multiply reads the low 32 bits of each lane, and only bits
+// 16 to 47 of a product survive the shift and the 32-bit truncation, so
+// logical shifts and 64-bit sums give exactly the wrapped 32-bit results.
+// A skipped influence weighs zero, which adds nothing.
+struct BONELANES {
+    __m256i x, y, z, t;
+    __m256i nx, ny, nz;  // (n.y, n.z) coefficients, twice
+};
+
+struct VERTEXLANES {
+    __m256i px, py, pz;  // (p, p, p, n) per coordinate
+    __m256i nx, ny, nz;  // n per coordinate in every lane
+};
+
+__attribute__((target("avx2"))) inline __m256i mulShifted(__m256i a, __m256i b)
+{
+    return _mm256_srli_epi64(_mm256_mul_epi32(a, b), 16);
+}
+
+__attribute__((target("avx2"))) inline __m256i bothHalves(__m256i low, __m256i high)
+{
+    return _mm256_blend_epi32(low, high, 0xF0);
+}
+
+// Weights in 16.16 as PV_floatToFixed gives them, in 64-bit lanes, with
+// those at or below zero (NaN included) as zero. The truncating conversion
+// gives INT_MIN for NaN and out of range values: large positive ones are
+// saturated by hand.
+__attribute__((target("avx2"))) inline __m256i positiveWeights(__m128 weights)
+{
+    const __m128 scaled = _mm_mul_ps(weights, _mm_set1_ps(65536.0f));
+    const __m128 tooLarge = _mm_cmpge_ps(scaled, _mm_set1_ps(2147483648.0f));
+    __m128i w =
+        _mm_blendv_epi8(_mm_cvttps_epi32(scaled), _mm_set1_epi32(2147483647), _mm_castps_si128(tooLarge));
+    return _mm256_cvtepi32_epi64(_mm_max_epi32(w, _mm_setzero_si128()));
+}
+
+// (q.x, q.y, q.z, n.x) of one influence, weighted.
+__attribute__((target("avx2"))) inline __m256i weightedPoint(const VERTEXLANES& v, const BONELANES& m,
+                                                             __m256i w)
+{
+    __m256i q = _mm256_add_epi64(mulShifted(v.px, m.x), mulShifted(v.py, m.y));
+    q = _mm256_add_epi64(q, _mm256_add_epi64(mulShifted(v.pz, m.z), m.t));
+    return mulShifted(q, w);
+}
+
+// (n.y, n.z) of two influences, weighted by wa and wb.
+__attribute__((target("avx2"))) inline __m256i weightedNormals(const VERTEXLANES& v, const BONELANES& a,
+                                                               const BONELANES& b, __m256i wa, __m256i wb)
+{
+    __m256i t =
+        _mm256_add_epi64(mulShifted(v.nx, bothHalves(a.nx, b.nx)), mulShifted(v.ny, bothHalves(a.ny, b.ny)));
+    t = _mm256_add_epi64(t, mulShifted(v.nz, bothHalves(a.nz, b.nz)));
+    return mulShifted(t, _mm256_blend_epi32(wa, wb, 0xF0));
+}
+
+// Only the low 32 bits of a lane take part in a multiply: the lanes are
+// broadcasts of 32-bit values.
+__attribute__((target("avx2"))) inline VERTEXLANES vertexLanes(const GLfixed* p, const GLfixed* n)
+{
+    const __m256i nx = _mm256_set1_epi32(n[0]), ny = _mm256_set1_epi32(n[1]), nz = _mm256_set1_epi32(n[2]);
+    return {_mm256_blend_epi32(_mm256_set1_epi32(p[0]), nx, 0xC0),
+            _mm256_blend_epi32(_mm256_set1_epi32(p[1]), ny, 0xC0),
+            _mm256_blend_epi32(_mm256_set1_epi32(p[2]), nz, 0xC0),
+            nx,
+            ny,
+            nz};
+}
+
+// The low 32 bits of the lanes (q.x, q.y, q.z, n.x) and of the two halves
+// of (n.y, n.z, n.y, n.z), written four at a time: the fourth value lands on
+// the next vertex, written after, or on the spare element past the end.
+__attribute__((target("avx2"))) inline void storeVertex(__m256i point, __m256i normals, GLfixed* outP,
+                                                        GLfixed* outN)
+{
+    const __m128i low = _mm256_castsi256_si128(point);
+    const __m128i high = _mm256_extracti128_si256(point, 1);
+    const __m128i q = _mm_castps_si128(
+        _mm_shuffle_ps(_mm_castsi128_ps(low), _mm_castsi128_ps(high), _MM_SHUFFLE(2, 0, 2, 0)));
+    const __m128i yz = _mm_add_epi32(_mm256_castsi256_si128(normals), _mm256_extracti128_si256(normals, 1));
+    const __m128i xyz =
+        _mm_blend_epi32(_mm_shuffle_epi32(yz, _MM_SHUFFLE(0, 2, 0, 0)), _mm_shuffle_epi32(high, 2), 0x1);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(outP), q);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(outN), xyz);
+}
+
+// Influences per vertex known at compile time (or 0: read from the job) let
+// the common counts run unrolled.
+template <unsigned int PERVERTEX>
+__attribute__((target("avx2"))) void skinVertices(const SKINJOB& job, const BONELANES* lanes)
+{
+    const unsigned int perVertex = PERVERTEX ? PERVERTEX : job.perVertex;
+    for (unsigned int v = 0; v < job.vertexCount; v++) {
+        const VERTEXLANES vertex = vertexLanes(job.vertices + 3 * v, job.normals + 3 * v);
+        const uint8_t* index = job.boneIndex + size_t(v) * perVertex;
+        const float* weight = job.boneWeight + size_t(v) * perVertex;
+        __m256i accumulated = _mm256_setzero_si256();
+        __m256i accumulatedNormals = _mm256_setzero_si256();
+        for (unsigned int j = 0; j < perVertex; j += 2) {
+            // An odd last influence pairs with itself at weight zero.
+            const bool pair = j + 1 < perVertex;
+            const BONELANES& a = lanes[index[j]];
+            const BONELANES& b = lanes[index[pair ? j + 1 : j]];
+            const __m256i w = positiveWeights(
+                pair ? _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(weight + j)))
+                     : _mm_load_ss(weight + j));
+            const __m256i wa = _mm256_permute4x64_epi64(w, 0x00);
+            const __m256i wb = _mm256_permute4x64_epi64(w, 0x55);
+            accumulated = _mm256_add_epi64(accumulated, weightedPoint(vertex, a, wa));
+            accumulated = _mm256_add_epi64(accumulated, weightedPoint(vertex, b, wb));
+            accumulatedNormals = _mm256_add_epi64(accumulatedNormals, weightedNormals(vertex, a, b, wa, wb));
+        }
+        storeVertex(accumulated, accumulatedNormals, job.outP + 3 * v, job.outN + 3 * v);
+    }
+}
+
 __attribute__((target("avx2"))) void skinWithAvx2(const SKINJOB& job)
 {
-    struct BONELANES {
-        __m256i x, y, z, t;
-        __m128i nx, ny, nz;
-    };
     BONELANES lanes[PV_MESH_BONES];
     for (unsigned int b = 0; b < job.boneCount; b++) {
         const GLfixed* m = job.bone[b];
-        lanes[b] = {_mm256_setr_epi64x(m[0], m[1], m[2], m[0]),
-                    _mm256_setr_epi64x(m[4], m[5], m[6], m[4]),
-                    _mm256_setr_epi64x(m[8], m[9], m[10], m[8]),
-                    _mm256_setr_epi64x(m[12], m[13], m[14], 0),
-                    _mm_set_epi64x(m[2], m[1]),
-                    _mm_set_epi64x(m[6], m[5]),
-                    _mm_set_epi64x(m[10], m[9])};
+        lanes[b] = {_mm256_setr_epi64x(m[0], m[1], m[2], m[0]),  _mm256_setr_epi64x(m[4], m[5], m[6], m[4]),
+                    _mm256_setr_epi64x(m[8], m[9], m[10], m[8]), _mm256_setr_epi64x(m[12], m[13], m[14], 0),
+                    _mm256_setr_epi64x(m[1], m[2], m[1], m[2]),  _mm256_setr_epi64x(m[5], m[6], m[5], m[6]),
+                    _mm256_setr_epi64x(m[9], m[10], m[9], m[10])};
     }
-    for (unsigned int v = 0; v < job.vertexCount; v++) {
-        const GLfixed* p = job.vertices + 3 * v;
-        const GLfixed* n = job.normals + 3 * v;
-        const __m256i px = _mm256_setr_epi64x(p[0], p[0], p[0], n[0]);
-        const __m256i py = _mm256_setr_epi64x(p[1], p[1], p[1], n[1]);
-        const __m256i pz = _mm256_setr_epi64x(p[2], p[2], p[2], n[2]);
-        const __m128i nx = _mm_set1_epi64x(n[0]), ny = _mm_set1_epi64x(n[1]), nz = _mm_set1_epi64x(n[2]);
-        __m256i accumulated = _mm256_setzero_si256();
-        __m128i accumulatedNormal = _mm_setzero_si128();
-        for (unsigned int j = 0; j < job.perVertex; j++) {
-            const size_t influence = size_t(v) * job.perVertex + j;
-            const int32_t w = PV_floatToFixed(job.boneWeight[influence]);
-            if (w <= 0)
-                continue;
-            const BONELANES& m = lanes[job.boneIndex[influence]];
-            __m256i q = _mm256_add_epi64(_mm256_srli_epi64(_mm256_mul_epi32(px, m.x), 16),
-                                         _mm256_srli_epi64(_mm256_mul_epi32(py, m.y), 16));
-            q = _mm256_add_epi64(q, _mm256_add_epi64(_mm256_srli_epi64(_mm256_mul_epi32(pz, m.z), 16), m.t));
-            accumulated = _mm256_add_epi64(accumulated,
-                                           _mm256_srli_epi64(_mm256_mul_epi32(q, _mm256_set1_epi64x(w)), 16));
-            __m128i t = _mm_add_epi64(_mm_srli_epi64(_mm_mul_epi32(nx, m.nx), 16),
-                                      _mm_srli_epi64(_mm_mul_epi32(ny, m.ny), 16));
-            t = _mm_add_epi64(t, _mm_srli_epi64(_mm_mul_epi32(nz, m.nz), 16));
-            accumulatedNormal =
-                _mm_add_epi64(accumulatedNormal, _mm_srli_epi64(_mm_mul_epi32(t, _mm_set1_epi64x(w)), 16));
-        }
-        alignas(32) int64_t out[6];
-        _mm256_store_si256(reinterpret_cast<__m256i*>(out), accumulated);
-        _mm_store_si128(reinterpret_cast<__m128i*>(out + 4), accumulatedNormal);
-        GLfixed* outP = job.outP + 3 * v;
-        GLfixed* outN = job.outN + 3 * v;
-        outP[0] = static_cast<int32_t>(out[0]);
-        outP[1] = static_cast<int32_t>(out[1]);
-        outP[2] = static_cast<int32_t>(out[2]);
-        outN[0] = static_cast<int32_t>(out[3]);
-        outN[1] = static_cast<int32_t>(out[4]);
-        outN[2] = static_cast<int32_t>(out[5]);
-    }
+    if (job.perVertex == 4)
+        skinVertices<4>(job, lanes);
+    else
+        skinVertices<0>(job, lanes);
 }
 
 }  // namespace
@@ -646,8 +722,6 @@ bool PVMESH::animate(unsigned int slot)
         return true;
     GLfixed fixed[PV_MESH_BONES][16];
     computeBoneMatrices(slot, fixed);
-    std::memset(skinnedVertices, 0, size_t(nbVertices) * 12);
-    std::memset(skinnedNormals, 0, size_t(nbVertices) * 12);
 
     const SKINJOB job = {nbVertices, bonesPerVertex, vertices, normals,         boneIndex,
                          boneWeight, fixed,          nbBones,  skinnedVertices, skinnedNormals};

@@ -91,44 +91,111 @@ protected:
     }
 };
 
-TEST_F(Skinning, AnimateMatchesAWideIntegerReference)
+// The kernels the processor can run: one influence at a time, and four
+// lanes at a time when it has them.
+std::vector<bool> skinningKernels()
 {
-    // Weights: summing to 1, to more than 1, all zero, one negative (skipped),
-    // thirds, and a large vertex whose products need the 64-bit range.
-    Skin skin;
-    skin.perVertex = 3;
-    skin.positions = {65536, -131072, 98304, -70000, 12345, -1, 0,          0,          0,
-                      3,     -5,      7,     400000, 8,     -9, 32767 << 8, -(1 << 22), 1 << 20};
-    skin.normals = {0, 0, 65536, 46341, 46341, 0, 65536, 0, 0, 0, -65536, 0, 1, 2, 3, -40000, 30000, 2000};
-    skin.indices = {0, 1, 2, 2, 1, 0, 0, 0, 0, 1, 2, 2, 0, 1, 2, 2, 2, 1};
-    skin.weights = {0.5f,  0.3f, 0.2f, 0.6f,     0.6f,     0,        0,    0,    0,
-                    -0.5f, 1,    0,    1 / 3.0f, 1 / 3.0f, 1 / 3.0f, 0.9f, 0.1f, 0};
+    static const bool vectorAvailable = PVTESTACCESS::vectorSkinning();
+    return vectorAvailable ? std::vector<bool> {false, true} : std::vector<bool> {false};
+}
+
+// A mesh of the skin with three bones, posed in cache slot 3, animated.
+PVMESH* animatedMesh(const Skin& skin, std::vector<std::vector<int64_t>>* fixed)
+{
     PVMESH* mesh = new PVMESH();
-    ASSERT_TRUE(mesh->setGeometry(6, skin.positions.data(), skin.normals.data(), nullptr, 0, nullptr));
+    const unsigned int count = unsigned(skin.positions.size() / 3);
+    EXPECT_TRUE(mesh->setGeometry(count, skin.positions.data(), skin.normals.data(), nullptr, 0, nullptr));
     const char* names[] = {"a", "b", "c"};
-    ASSERT_TRUE(mesh->setSkin(3, skin.indices.data(), skin.weights.data(), 3, names));
+    EXPECT_TRUE(mesh->setSkin(skin.perVertex, skin.indices.data(), skin.weights.data(), 3, names));
     mesh->setPosition(1, -2, 0.5f);
     mesh->setRotation(0, 0, 30);
-
-    std::vector<std::vector<int64_t>> fixed;
     const K3MMATRIX invRoot = mesh->getFinalMatrix(PV_MESH_SKELETON_ROOT).inverse();
     for (unsigned int b = 0; b < 3; b++) {
         PVMESH::getSkeleton(3)[b] = pose(0.4f * float(b + 1), float(b), -1.5f, 2.25f, 1.0f + 0.1f * float(b));
         mesh->getBone(b)->inverseBind = pose(-0.3f * float(b), 0.5f, float(b), -1, 1);
         const K3MMATRIX m = mesh->getBone(b)->inverseBind * (PVMESH::getSkeleton(3)[b] * invRoot);
-        fixed.emplace_back();
+        fixed->emplace_back();
         for (float element : m.m)
-            fixed.back().push_back(truncatedFixed(element));
+            fixed->back().push_back(truncatedFixed(element));
     }
-    std::vector<GLfixed> expectedP, expectedN;
-    referenceSkinning(skin, fixed, expectedP, expectedN);
+    EXPECT_TRUE(mesh->animate(3));
+    return mesh;
+}
 
-    ASSERT_TRUE(mesh->animate(3));
-    EXPECT_EQ(expectedP, std::vector<GLfixed>(mesh->getSkinnedVertexPtr(), mesh->getSkinnedVertexPtr() + 18));
-    EXPECT_EQ(expectedN, std::vector<GLfixed>(mesh->getSkinnedNormalPtr(), mesh->getSkinnedNormalPtr() + 18));
+std::vector<GLfixed> skinnedPositions(PVMESH* mesh, size_t count)
+{
+    return std::vector<GLfixed>(mesh->getSkinnedVertexPtr(), mesh->getSkinnedVertexPtr() + count);
+}
+
+std::vector<GLfixed> skinnedNormals(PVMESH* mesh, size_t count)
+{
+    return std::vector<GLfixed>(mesh->getSkinnedNormalPtr(), mesh->getSkinnedNormalPtr() + count);
+}
+
+TEST_F(Skinning, AnimateMatchesAWideIntegerReference)
+{
+    // Three influences: weights summing to 1, to more than 1, all zero, one
+    // negative (skipped), thirds, and a large vertex whose products need the
+    // 64-bit range. Four influences: shares, a single bone, negative and
+    // above 1, and equal weights summing to more than 2.
+    Skin three;
+    three.perVertex = 3;
+    three.positions = {65536, -131072, 98304, -70000, 12345, -1, 0,          0,          0,
+                       3,     -5,      7,     400000, 8,     -9, 32767 << 8, -(1 << 22), 1 << 20};
+    three.normals = {0, 0, 65536, 46341, 46341, 0, 65536, 0, 0, 0, -65536, 0, 1, 2, 3, -40000, 30000, 2000};
+    three.indices = {0, 1, 2, 2, 1, 0, 0, 0, 0, 1, 2, 2, 0, 1, 2, 2, 2, 1};
+    three.weights = {0.5f,  0.3f, 0.2f, 0.6f,     0.6f,     0,        0,    0,    0,
+                     -0.5f, 1,    0,    1 / 3.0f, 1 / 3.0f, 1 / 3.0f, 0.9f, 0.1f, 0};
+    Skin four;
+    four.perVertex = 4;
+    four.positions = {65536, -131072, 98304, 32767 << 8, -(1 << 22), 1 << 20, 12, -7, 70000, 0, 5, -400000};
+    four.normals = {0, 0, 65536, -40000, 30000, 2000, 46341, 46341, 0, 1, -65536, 3};
+    four.indices = {0, 1, 2, 1, 2, 2, 2, 2, 1, 0, 2, 0, 0, 1, 2, 0};
+    four.weights = {0.4f, 0.3f, 0.2f, 0.1f, 1, 0, 0, 0, -1, 0.5f, 0.25f, 2, 0.7f, 0.7f, 0.7f, 0.7f};
+
+    for (const bool vector : skinningKernels()) {
+        PVTESTACCESS::setVectorSkinning(vector);
+        for (const Skin* skin : {&three, &four}) {
+            SCOPED_TRACE(testing::Message()
+                         << "vector " << vector << ", " << skin->perVertex << " per vertex");
+            std::vector<std::vector<int64_t>> fixed;
+            PVMESH* mesh = animatedMesh(*skin, &fixed);
+            std::vector<GLfixed> expectedP, expectedN;
+            referenceSkinning(*skin, fixed, expectedP, expectedN);
+            EXPECT_EQ(expectedP, skinnedPositions(mesh, expectedP.size()));
+            EXPECT_EQ(expectedN, skinnedNormals(mesh, expectedN.size()));
+        }
+    }
     // All-zero weights leave the vertex at the origin.
+    std::vector<std::vector<int64_t>> fixed;
+    PVMESH* mesh = animatedMesh(three, &fixed);
     EXPECT_EQ((std::vector<GLfixed> {0, 0, 0}),
               std::vector<GLfixed>(mesh->getSkinnedVertexPtr() + 6, mesh->getSkinnedVertexPtr() + 9));
+}
+
+// Weights beyond the fixed-point range saturate, NaN counts as zero: both
+// kernels agree on them.
+TEST_F(Skinning, KernelsAgreeOnOutOfRangeWeights)
+{
+    if (skinningKernels().size() < 2)
+        GTEST_SKIP() << "no vector kernel on this processor";
+    Skin skin;
+    skin.perVertex = 4;
+    skin.positions = {65536, -131072, 98304, 12, -7, 70000, 300, 0, -5};
+    skin.normals = {0, 0, 65536, 46341, 46341, 0, 1, -65536, 3};
+    skin.indices = {0, 1, 2, 0, 2, 1, 0, 1, 1, 2, 0, 2};
+    skin.weights = {NAN,  INFINITY, 1e10f,    -1e10f,    -INFINITY, 40000.0f,
+                    0.5f, -0.0f,    32768.0f, -32769.0f, 1e-6f,     NAN};
+    std::vector<std::vector<GLfixed>> outputs;
+    for (const bool vector : skinningKernels()) {
+        PVTESTACCESS::setVectorSkinning(vector);
+        std::vector<std::vector<int64_t>> fixed;
+        PVMESH* mesh = animatedMesh(skin, &fixed);
+        outputs.push_back(skinnedPositions(mesh, 9));
+        outputs.push_back(skinnedNormals(mesh, 9));
+    }
+    EXPECT_EQ(outputs[0], outputs[2]);
+    EXPECT_EQ(outputs[1], outputs[3]);
 }
 
 // A skinned mesh refused a slot is the drawing tests' business (the
