@@ -565,6 +565,7 @@ void skinOneByOne(const SKINJOB& job)
 struct BONELANES {
     __m256i x, y, z, t;
     __m256i nx, ny, nz;  // (n.y, n.z) coefficients, twice
+    __m256i padding;  // 256 bytes: a bone index scales by a shift
 };
 
 struct VERTEXLANES {
@@ -679,10 +680,10 @@ __attribute__((target("avx2"))) void skinWithAvx2(const SKINJOB& job)
     BONELANES lanes[PV_MESH_BONES];
     for (unsigned int b = 0; b < job.boneCount; b++) {
         const GLfixed* m = job.bone[b];
-        lanes[b] = {_mm256_setr_epi64x(m[0], m[1], m[2], m[0]),  _mm256_setr_epi64x(m[4], m[5], m[6], m[4]),
-                    _mm256_setr_epi64x(m[8], m[9], m[10], m[8]), _mm256_setr_epi64x(m[12], m[13], m[14], 0),
-                    _mm256_setr_epi64x(m[1], m[2], m[1], m[2]),  _mm256_setr_epi64x(m[5], m[6], m[5], m[6]),
-                    _mm256_setr_epi64x(m[9], m[10], m[9], m[10])};
+        lanes[b] = {_mm256_setr_epi64x(m[0], m[1], m[2], m[0]),   _mm256_setr_epi64x(m[4], m[5], m[6], m[4]),
+                    _mm256_setr_epi64x(m[8], m[9], m[10], m[8]),  _mm256_setr_epi64x(m[12], m[13], m[14], 0),
+                    _mm256_setr_epi64x(m[1], m[2], m[1], m[2]),   _mm256_setr_epi64x(m[5], m[6], m[5], m[6]),
+                    _mm256_setr_epi64x(m[9], m[10], m[9], m[10]), _mm256_setzero_si256()};
     }
     if (job.perVertex == 4)
         skinVertices<4>(job, lanes);
