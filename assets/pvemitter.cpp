@@ -587,6 +587,9 @@ bool PVEMITTER::render(void* element)
     glTexCoordPointer(2, GL_FIXED, 0, texCoords);
     glDrawElements(GL_TRIANGLES, quads * 6, GL_UNSIGNED_SHORT, indices);
     glDepthMask(GL_TRUE);
+    // Meshes never set the colour array: left on, it would colour the next
+    // unlit draw, a pick's colour codes among them.
+    PVOPENGL::colorArrayOff();
     return true;
 }
 

@@ -250,7 +250,7 @@ protected:
 
 // A lit quad in front of the camera, a hidden one in front of it, a light at
 // the eye: the quad shows its diffuse colour (N.L = 1 at the centre), and
-// picking reports its id.
+// picking reports its id, also after particles were drawn.
 TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
 {
     PveMesh quad = pveQuad("quad", 1, "warm");
@@ -264,6 +264,15 @@ TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
     file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(quad).mesh(hidden);
     PVNODE* root = load(file);
     ASSERT_NE(nullptr, root);
+    // Particles above the quad, drawn after it, must not colour its pick.
+    PVEMITTER* sparks = new PVEMITTER();
+    ASSERT_TRUE(sparks->loadFromText("<emitter><emission rate='0'><burst count='3'/></emission>"
+                                     "<velocity speedMin='0' speedMax='0'/></emitter>",
+                                     "test"));
+    sparks->setAutoUpdate(false);
+    sparks->setPosition(0.0f, 1.5f, -5.0f);
+    sparks->link(root);
+    sparks->update(0.125f);
     drawFrame(root, nullptr);
     expectColour({0.5, 0.25, 0}, pixelOf(0, 0, -5), "lit quad");
     expectColour(background, pixelOf(1.5, 0, -5), "beside the quad");
