@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Writes examples/data/panels.pve, the demo's scene file: three coloured
-boxes (24 vertices, 12 triangles each) under one root node."""
+boxes (24 vertices, 12 triangles each) under one root node, and the brick
+texture they share, examples/data/bricks.tga (64 x 64, 24-bit, uncompressed)."""
 import os
 import struct
 
@@ -18,7 +19,7 @@ def u16(*values):
 
 
 def material(name, r, g, b):
-    return (text(name) + text("[none]") + text("[none]") + floats(r * 0.3, g * 0.3, b * 0.3, 1)
+    return (text(name) + text("bricks.tga") + text("[none]") + floats(r * 0.3, g * 0.3, b * 0.3, 1)
             + floats(r, g, b, 1) + floats(0.3, 0.3, 0.3, 1) + floats(0, 0, 0, 1) + floats(1.0, 20.0))
 
 
@@ -46,15 +47,32 @@ def box(name, material_name, position, rotation, half):
     return record
 
 
+def bricks(size=64):
+    """Light bricks in rows of 8 pixels, every other row shifted by half a
+    brick, with darker mortar lines; stored bottom-up as BGR."""
+    header = struct.pack("<BBBHHBHHHHBB", 0, 0, 2, 0, 0, 0, 0, 0, size, size, 24, 0)
+    pixels = bytearray()
+    for y in range(size):
+        for x in range(size):
+            shift = 8 if (y // 8) % 2 else 0
+            mortar = y % 8 == 0 or (x + shift) % 16 == 0
+            grain = ((x * 7 + y * 13) % 5) * 4
+            level = 120 if mortar else 235 - grain
+            pixels += bytes((level, level, level))
+    return header + bytes(pixels)
+
+
 def main():
     colours = [("red", 0.9, 0.2, 0.2), ("green", 0.2, 0.9, 0.3), ("blue", 0.2, 0.4, 0.9)]
     data = b"PVE file v1.6a\0" + u16(len(colours)) + b"".join(material(*c) for c in colours)
     data += b"\0" + struct.pack("<I", 0) + text("panels") + floats(0, 0, 0, 0, 0, 0) + u16(len(colours))
     for i, (name, _, _, _) in enumerate(colours):
         data += box(name + " panel", name, (2.0 * (i - 1), 0.75, -1.0), (0, -25.0 * (i - 1), 0), (0.75, 0.75, 0.15))
-    target = os.path.join(os.path.dirname(__file__), "..", "examples", "data", "panels.pve")
-    with open(target, "wb") as out:
+    folder = os.path.join(os.path.dirname(__file__), "..", "examples", "data")
+    with open(os.path.join(folder, "panels.pve"), "wb") as out:
         out.write(data)
+    with open(os.path.join(folder, "bricks.tga"), "wb") as out:
+        out.write(bricks())
 
 
 if __name__ == "__main__":
