@@ -134,7 +134,9 @@ bool PVANIM::growTable(unsigned int frames, unsigned int bones)
     for (unsigned int f = 0; f < tableFrames; f++)
         for (unsigned int b = 0; b < tableBones; b++)
             grown[f * bones + b] = record(f, b);
-    kvfFree(keyframes);
+    // Every kvfFree is counted, a null one too: the first table has nothing to give back.
+    if (keyframes)
+        kvfFree(keyframes);
     keyframes = grown;
     tableFrames = frames;
     tableBones = bones;

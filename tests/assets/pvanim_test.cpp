@@ -7,6 +7,7 @@
 
 #include "assets/pvanim.h"
 #include "core/pevrano.h"
+#include "foundation/kvfmemory.h"
 #include "core/pvsettings.h"
 #include "scene/pvnode.h"
 #include "support/glfixture.h"
@@ -258,6 +259,7 @@ TEST_F(Anims, ApplyPosesBonesByNameAndMovesThemOnlyWhenTranslating)
 
 TEST_F(Anims, RegistryNamesFindsAndReleases)
 {
+    const int ratioBefore = kvfGetMemoryStats().ratio;
     PVANIM* first = new PVANIM;
     PVANIM* second = new PVANIM;
     EXPECT_EQ(first->getName(), "[anim " + std::to_string(first->getId()) + "]");
@@ -273,6 +275,7 @@ TEST_F(Anims, RegistryNamesFindsAndReleases)
     EXPECT_TRUE(PVANIM::cleanUp());
     EXPECT_FALSE(PVANIM::cleanUp());
     EXPECT_EQ(PVANIM::getFirst(), nullptr);
+    EXPECT_EQ(kvfGetMemoryStats().ratio, ratioBefore) << "every counted block given back, no more";
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVANIM::findBoneByName\n   2 animation(s) released\n");
 }
 
