@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <string>
 
 #include <tinyxml.h>
 
@@ -13,6 +14,7 @@
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "gui/pvxmlscan.h"
 #include "scene/pvelement.h"
 #include "scene/pvlight.h"
 
@@ -662,8 +664,12 @@ bool PVEMITTER::load(const char* file)
         kvfLog("   [!] Unable to open %s @ PVEMITTER::load\n", file);
         return false;
     }
+    std::string text;
     TiXmlDocument document;
-    document.LoadFile(file);
+    if (pvXmlReadFile(file, &text))
+        pvXmlParse(text, &document);
+    else
+        document.Parse("");  // unreadable or over 16 MB: reported as malformed
     PVEMITTERDEF loaded;
     return readDocument(document, file, loaded) && applyDefinition(loaded, file);
 }
@@ -675,7 +681,7 @@ bool PVEMITTER::loadFromText(const char* text, const char* source)
         return false;
     }
     TiXmlDocument document;
-    document.Parse(text);
+    pvXmlParse(text, &document);
     PVEMITTERDEF loaded;
     return readDocument(document, source, loaded) && applyDefinition(loaded, source);
 }

@@ -9,7 +9,6 @@
 
 #include "assets/pvtexture.h"
 #include "core/pevrano.h"
-#include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "gui/pvbutton.h"
 #include "gui/pvfont.h"
@@ -21,10 +20,6 @@
 #include "gui/pvxmlscan.h"
 
 namespace {
-
-// Interfaces nest a few levels; anything deeper is refused before parsing.
-const unsigned int maxNesting = 256;
-const long maxFileSize = 16L * 1024 * 1024;
 
 struct WidgetKind {
     const char* element;
@@ -45,28 +40,6 @@ const WidgetKind widgetKinds[] = {
 };
 
 const char* const buttonKinds[] = {"normal", "inverted", "switch"};
-
-bool readWholeFile(const char* path, std::string* contents)
-{
-    FILE* file = kvfOpenReadable(path);
-    if (!file)
-        return false;
-    char chunk[4096];
-    size_t count;
-    while ((count = fread(chunk, 1, sizeof(chunk), file)) > 0 && long(contents->size()) <= maxFileSize)
-        contents->append(chunk, count);
-    const bool complete = !ferror(file) && long(contents->size()) <= maxFileSize;
-    fclose(file);
-    return complete;
-}
-
-bool parseChecked(const std::string& text, TiXmlDocument* document)
-{
-    if (!pvXmlNestingWithin(text.c_str(), maxNesting))
-        return false;
-    document->Parse(text.c_str());
-    return !document->Error();
-}
 
 // The texture already loaded from file, or a new one read from it (null when
 // it cannot be read); a new font texture is neither filtered nor mipmapped.
@@ -214,7 +187,7 @@ PVNODE* PEVRANO::loadXML(const char* file)
 {
     std::string text;
     TiXmlDocument document;
-    if (!file || !readWholeFile(file, &text) || !parseChecked(text, &document)) {
+    if (!file || !pvXmlReadFile(file, &text) || !pvXmlParse(text, &document)) {
         kvfLog("   [!] Unable to open file %s @ PEVRANO::loadXML\n", file ? file : "(null)");
         return nullptr;
     }

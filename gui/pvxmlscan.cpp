@@ -1,10 +1,23 @@
 #include "gui/pvxmlscan.h"
 
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 #include <strings.h>
 
+#include <tinyxml.h>
+
+#include "foundation/kvffile.h"
+
 namespace {
+
+// Interfaces and effects nest a few levels; anything deeper is refused.
+const unsigned int maxNesting = 256;
+const size_t maxFileSize = 16 * 1024 * 1024;
+// The parser steps over a multi-byte character in one go, up to 4 bytes, even
+// when the text ends inside it: NULs after the text's own keep every such
+// step inside the buffer.
+const size_t stepPadding = 4;
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
@@ -110,4 +123,30 @@ bool pvXmlNestingWithin(const char* text, unsigned int maxDepth)
         }
     }
     return true;
+}
+
+bool pvXmlReadFile(const char* path, std::string* text)
+{
+    FILE* file = kvfOpenReadable(path);
+    if (!file)
+        return false;
+    char chunk[4096];
+    size_t count;
+    while ((count = fread(chunk, 1, sizeof(chunk), file)) > 0 && text->size() <= maxFileSize)
+        text->append(chunk, count);
+    const bool complete = !ferror(file) && text->size() <= maxFileSize;
+    fclose(file);
+    return complete;
+}
+
+bool pvXmlParse(const std::string& text, TiXmlDocument* document)
+{
+    if (!pvXmlNestingWithin(text.c_str(), maxNesting)) {
+        document->Parse("");
+        return false;
+    }
+    std::string padded(text.c_str());
+    padded.append(stepPadding, '\0');
+    document->Parse(padded.c_str());
+    return !document->Error();
 }
