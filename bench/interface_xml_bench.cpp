@@ -47,7 +47,9 @@ void writeInterfaceFile()
 
 void deleteTree(PVNODE* node)
 {
-    for (PVNODE* child; (child = node->getChild(0)) != nullptr;) {
+    // Asking for a child of a leaf would log a warning: count them first.
+    while (node->getNumberOfChildren() > 0) {
+        PVNODE* child = node->getChild(0);
         child->unlink();
         deleteTree(child);
     }
