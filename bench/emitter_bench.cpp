@@ -10,17 +10,17 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
 const int emitterCount = 10;
 const int particlesEach = 1000;
 
-// The engine started off-screen (by this or another benchmark) with a pool
-// large enough for every emitter.
+// The engine started off-screen, with a pool large enough for every emitter.
 bool engineWithLargePool()
 {
-    kvfSetConsoleEcho(false);
-    if (!PEVRANO::isActive() && !PEVRANO::init(nullptr))
+    if (!pvbench::engineStarted())
         return false;
     PVEMITTER::free();
     return PVEMITTER::init(PV_EMITTER_MAX_POOL);

@@ -11,18 +11,13 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
 long drawCalls = 0;
 
-bool engineStarted()
-{
-    static const bool started = [] {
-        kvfSetConsoleEcho(false);
-        return PEVRANO::init(nullptr);
-    }();
-    return started;
-}
+using pvbench::engineStarted;
 
 // A font whose sheet is opaque white: every glyph is a solid block.
 PVFONT* solidFont()

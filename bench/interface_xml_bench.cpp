@@ -13,18 +13,11 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
 const char* interfaceFile = "bench-interface.xml";
-
-bool engineReady()
-{
-    static const bool ready = [] {
-        kvfSetConsoleEcho(false);
-        return PEVRANO::isActive() || PEVRANO::init(nullptr);
-    }();
-    return ready;
-}
 
 std::string widget(const char* element, int index, const char* extra)
 {
@@ -54,7 +47,9 @@ void writeInterfaceFile()
 
 void deleteTree(PVNODE* node)
 {
-    for (PVNODE* child; (child = node->getChild(0)) != nullptr;) {
+    // Asking for a child of a leaf would log a warning: count them first.
+    while (node->getNumberOfChildren() > 0) {
+        PVNODE* child = node->getChild(0);
         child->unlink();
         deleteTree(child);
     }
@@ -77,7 +72,7 @@ BENCHMARK(BM_InterfaceXmlParseOnly)->Unit(benchmark::kMicrosecond);
 
 void BM_InterfaceXmlLoad200Widgets(benchmark::State& state)
 {
-    if (!engineReady()) {
+    if (!pvbench::engineStarted()) {
         state.SkipWithError("engine did not start");
         return;
     }

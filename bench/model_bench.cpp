@@ -8,7 +8,7 @@
 //   counter "per60HzFrame" is how many characters fit in 1/60 s.
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <vector>
@@ -17,18 +17,20 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
 #include "modelconverter.h"
 
 namespace {
 
 const std::string character = "/usr/share/assimp/models/X/Testwuson.X";
 
+// The converted files go to a folder of the working directory, beside the
+// engine's log; every run writes the same files again.
 std::string scratchFolder()
 {
     static const std::string folder = [] {
-        char pattern[] = "/tmp/pevrano-bench-XXXXXX";
-        const char* made = mkdtemp(pattern);
-        return std::string(made ? made : "/tmp");
+        mkdir("bench-model", 0755);
+        return std::string("bench-model");
     }();
     return folder;
 }
@@ -76,8 +78,7 @@ std::string convertedCharacter()
         std::string error;
         const aiScene* source = ModelConverter::importModel(importer, character, error);
         ModelConverter converter(source, options);
-        const bool ready =
-            source && converter.convert(error) && (PEVRANO::isActive() || PEVRANO::init(nullptr));
+        const bool ready = source && converter.convert(error) && pvbench::engineStarted();
         PVTEXTURE::setPath((scratchFolder() + "/").c_str());
         return ready ? path : std::string();
     }();

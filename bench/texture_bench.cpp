@@ -15,6 +15,8 @@
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
 const unsigned int side = 256;
@@ -126,8 +128,7 @@ BENCHMARK(BM_TgaRunLengthStb);
 // upload grows the charged size.
 void upload(benchmark::State& state, bool mipmapped)
 {
-    kvfSetConsoleEcho(false);
-    if (!PEVRANO::isActive() && !PEVRANO::init(nullptr)) {
+    if (!pvbench::engineStarted()) {
         state.SkipWithError("engine did not start");
         return;
     }

@@ -19,6 +19,8 @@ extern "C" {
 
 #include <pevrano.h>
 
+#include "benchengine.h"
+
 namespace {
 
 const char* const clipFolder = PEVRANO_VIDEO_DATA;
@@ -80,16 +82,6 @@ void BM_VideoFloorLibraryDecode256x192(benchmark::State& state)
 }
 BENCHMARK(BM_VideoFloorLibraryDecode256x192)->Unit(benchmark::kMillisecond);
 
-// The engine started off-screen for a GL context to upload into.
-bool engineStarted()
-{
-    static const bool started = [] {
-        kvfSetConsoleEcho(false);
-        return PEVRANO::init(nullptr);
-    }();
-    return started;
-}
-
 // One play of the clip from its start: single steps until the end of the
 // file reopens it and stops it.
 void playClipOnce(PVVIDEO& video)
@@ -100,7 +92,8 @@ void playClipOnce(PVVIDEO& video)
 
 void BM_VideoEngineUpdate256x192(benchmark::State& state)
 {
-    if (!engineStarted()) {
+    // The engine started off-screen for a GL context to upload into.
+    if (!pvbench::engineStarted()) {
         state.SkipWithError("engine did not start");
         return;
     }
