@@ -32,6 +32,7 @@ public:
     // Without a pointer: a visitor clicks in the text field, types a name
     // and clicks Hello, as a user would.
     void greetAs(const char* visitor);
+    PVNODE* getRoot() const { return root; }
     int getPointerX() const { return pointerX; }
     int getPointerY() const { return pointerY; }
 
