@@ -31,7 +31,7 @@ while IFS= read -r pattern; do
     exit 1
   fi
 done <"$expected"
-summary=$(grep '^Final memory ratio' pevrano_log.txt)
+summary=$(grep '^Final memory ratio' pevrano_log.txt | tail -n 1)
 if ! [[ $summary =~ ^Final\ memory\ ratio:\ 0\ \(([0-9]+)/([0-9]+)\)$ ]] ||
   [ "${BASH_REMATCH[1]}" != "${BASH_REMATCH[2]}" ]; then
   echo "log summary: '$summary'"
