@@ -2,7 +2,7 @@
 # Builds the soak program and runs it off-screen in build/soak-run/ with the
 # demo's converted character:
 #   bash tools/run-soak.sh [frames (10000)] [frames between samples (1000)]
-#   bash tools/run-soak.sh --valgrind [frames (300)] [frames between samples (100)]
+#   bash tools/run-soak.sh --valgrind [frames (200)] [frames between samples (100)]
 # It prints resident memory at every sample and fails when memory grew after
 # the first sample or when the engine's log does not close on a balanced
 # "Final memory ratio: 0 (N/N)". With --valgrind the run is shorter and goes
@@ -13,10 +13,13 @@ memcheck=()
 defaults=(10000 1000)
 if [ "${1:-}" = "--valgrind" ]; then
   shift
-  defaults=(300 100)
+  defaults=(200 100)
   # llvmpipe's rasterizer threads only slow memcheck down.
   export LP_NUM_THREADS=0
-  memcheck=(valgrind --tool=memcheck --error-exitcode=1 --leak-check=full
+  command -v valgrind >/dev/null || apt-get install -y valgrind
+  # --keep-debuginfo: the driver is unloaded before the leak check, and its
+  # suppressions name it.
+  memcheck=(valgrind --tool=memcheck --error-exitcode=1 --keep-debuginfo=yes --leak-check=full
     --show-leak-kinds=definite,possible --errors-for-leak-kinds=definite,possible
     --suppressions="$root/tools/valgrind.supp" --num-callers=30)
 fi
