@@ -115,6 +115,7 @@ void runLive(DemoWorld& world, DemoInterface& interface, FrameClock& clock)
 int main(int argc, char** argv)
 {
     kvfSetConsoleEcho(false);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // each line as it comes, into a pipe too
     PVSETTINGS settings;
     settings.setWindowX(640);
     settings.setWindowY(480);

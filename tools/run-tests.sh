@@ -32,4 +32,4 @@ export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:suppressions=$root/tools/as
 export LSAN_OPTIONS="suppressions=$root/tools/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 build_and_test "$root/build-asan" -DCMAKE_BUILD_TYPE=Debug -DPEVRANO_SANITIZE=ON -DPEVRANO_WERROR=ON \
-  -DPEVRANO_BENCH=OFF -DPEVRANO_EXAMPLES=OFF
+  -DPEVRANO_BENCH=OFF

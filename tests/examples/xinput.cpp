@@ -1,0 +1,95 @@
+// Sends input to the X display's windows as a user would: a key press to the
+// window listening for keys, or a pointer move and click to the one listening
+// for the pointer. Exits with 0 once sent, 1 when no window listens (yet), 2
+// on bad arguments.
+//     xinput key <keysym name>        e.g. xinput key Escape
+//     xinput click <x> <y>
+#include <X11/Xlib.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+
+namespace {
+
+// The first window, depth first from the root, that some client listens to
+// for the events of mask: where a user's key presses or clicks would go.
+Window listeningWindow(Display* display, Window window, long mask)
+{
+    XWindowAttributes attributes;
+    if (XGetWindowAttributes(display, window, &attributes) && attributes.map_state == IsViewable &&
+        (attributes.all_event_masks & mask))
+        return window;
+    Window root, parent, *children = nullptr;
+    unsigned int count = 0;
+    Window found = 0;
+    if (XQueryTree(display, window, &root, &parent, &children, &count)) {
+        for (unsigned int i = 0; i < count && !found; ++i)
+            found = listeningWindow(display, children[i], mask);
+        XFree(children);
+    }
+    return found;
+}
+
+void sendKey(Display* display, Window window, KeySym symbol)
+{
+    XEvent event;
+    std::memset(&event, 0, sizeof event);
+    event.xkey.display = display;
+    event.xkey.window = window;
+    event.xkey.root = DefaultRootWindow(display);
+    event.xkey.same_screen = True;
+    event.xkey.keycode = XKeysymToKeycode(display, symbol);
+    for (int type : {KeyPress, KeyRelease}) {
+        event.type = type;
+        XSendEvent(display, window, True, type == KeyPress ? KeyPressMask : KeyReleaseMask, &event);
+    }
+}
+
+void sendClick(Display* display, Window window, int x, int y)
+{
+    XEvent event;
+    std::memset(&event, 0, sizeof event);
+    event.xmotion.type = MotionNotify;
+    event.xmotion.display = display;
+    event.xmotion.window = window;
+    event.xmotion.root = DefaultRootWindow(display);
+    event.xmotion.same_screen = True;
+    event.xmotion.x = x;
+    event.xmotion.y = y;
+    XSendEvent(display, window, True, PointerMotionMask, &event);
+    std::memset(&event, 0, sizeof event);
+    event.xbutton.display = display;
+    event.xbutton.window = window;
+    event.xbutton.root = DefaultRootWindow(display);
+    event.xbutton.same_screen = True;
+    event.xbutton.button = Button1;
+    event.xbutton.x = x;
+    event.xbutton.y = y;
+    for (int type : {ButtonPress, ButtonRelease}) {
+        event.type = type;
+        XSendEvent(display, window, True, type == ButtonPress ? ButtonPressMask : ButtonReleaseMask, &event);
+        XFlush(display);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const bool key = argc == 3 && std::strcmp(argv[1], "key") == 0;
+    const bool click = argc == 4 && std::strcmp(argv[1], "click") == 0;
+    if (!key && !click)
+        return 2;
+    Display* display = XOpenDisplay(nullptr);
+    if (!display)
+        return 1;
+    const Window target =
+        listeningWindow(display, DefaultRootWindow(display), key ? KeyPressMask : ButtonPressMask);
+    if (target && key)
+        sendKey(display, target, XStringToKeysym(argv[2]));
+    else if (target)
+        sendClick(display, target, std::atoi(argv[2]), std::atoi(argv[3]));
+    XCloseDisplay(display);
+    return target ? 0 : 1;
+}
