@@ -7,8 +7,8 @@
 
 #include "assets/pvanim.h"
 #include "core/pevrano.h"
-#include "foundation/kvfmemory.h"
 #include "core/pvsettings.h"
+#include "foundation/kvfmemory.h"
 #include "scene/pvnode.h"
 #include "support/glfixture.h"
 
