@@ -49,6 +49,16 @@ namespace {
 // The video mode is always opened with these flags, whatever the settings ask.
 const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
 
+// 0 asks SDL for the display's own depth.
+bool hasPixelFormat(int colorDepth)
+{
+    static const int depths[] = {0, 8, 15, 16, 24, 32};
+    for (int depth : depths)
+        if (colorDepth == depth)
+            return true;
+    return false;
+}
+
 }  // namespace
 
 PVSETTINGS::PVSETTINGS() :
@@ -166,8 +176,11 @@ bool PVSETTINGS::isOk()
     // Before SDL's video starts there is no driver to ask.
     if (!SDL_WasInit(SDL_INIT_VIDEO))
         return false;
-    // Negative buffer sizes, and windows no display can open, never reach SDL.
-    if (zetaDepth < 0 || stencilDepth < 0 || !PVDISPLAY::canOpen(windowX, windowY))
+    // Negative buffer sizes, colour depths SDL has no pixel format for (it
+    // overruns its own surface with them) and windows no display can open
+    // never reach SDL.
+    if (zetaDepth < 0 || stencilDepth < 0 || !hasPixelFormat(colorDepth) ||
+        !PVDISPLAY::canOpen(windowX, windowY))
         return false;
     return SDL_VideoModeOK(windowX, windowY, colorDepth,
                            SDL_FULLSCREEN | SDL_DOUBLEBUF | SDL_NOFRAME | SDL_HWSURFACE) != 0;

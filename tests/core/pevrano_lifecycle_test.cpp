@@ -150,27 +150,30 @@ TEST_F(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
 
 // Windows no display can open (over 16384 a side, over the off-screen
 // surface's largest, empty) and negative buffer sizes never reach SDL.
-TEST_F(Lifecycle, UnopenableSizesAndNegativeDepthsAreRefusedBeforeSDL)
+TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
 {
     struct Case {
-        int x, y, zeta, stencil;
+        int x, y, colour, zeta, stencil;
         const char* sizes;
     };
     const Case cases[] = {
-        {2147483647, 320, 16, 0, "X: 2147483647, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
-        {240, 2147483647, 16, 0, "X: 240, Y: 2147483647\n          depth: 16, zeta: 16, stencil: 0"},
-        {65536, 65536, 16, 0, "X: 65536, Y: 65536\n          depth: 16, zeta: 16, stencil: 0"},
-        {16385, 16, 16, 0, "X: 16385, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
-        {5000, 16, 16, 0, "X: 5000, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
-        {0, 320, 16, 0, "X: 0, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
-        {-1, 320, 16, 0, "X: 4294967295, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
-        {240, 320, -1, 0, "X: 240, Y: 320\n          depth: 16, zeta: 4294967295, stencil: 0"},
-        {240, 320, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
+        {2147483647, 320, 16, 16, 0, "X: 2147483647, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {240, 2147483647, 16, 16, 0, "X: 240, Y: 2147483647\n          depth: 16, zeta: 16, stencil: 0"},
+        {65536, 65536, 16, 16, 0, "X: 65536, Y: 65536\n          depth: 16, zeta: 16, stencil: 0"},
+        {16385, 16, 16, 16, 0, "X: 16385, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
+        {5000, 16, 16, 16, 0, "X: 5000, Y: 16\n          depth: 16, zeta: 16, stencil: 0"},
+        {0, 320, 16, 16, 0, "X: 0, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {-1, 320, 16, 16, 0, "X: 4294967295, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
+        {240, 320, 16, -1, 0, "X: 240, Y: 320\n          depth: 16, zeta: 4294967295, stencil: 0"},
+        {240, 320, 16, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
+        {507, 240, 17, 24, 8, "X: 507, Y: 240\n          depth: 17, zeta: 24, stencil: 8"},
+        {240, 320, 12, 16, 0, "X: 240, Y: 320\n          depth: 12, zeta: 16, stencil: 0"},
     };
     for (const Case& c : cases) {
         PVSETTINGS settings;
         settings.setWindowX(c.x);
         settings.setWindowY(c.y);
+        settings.setColorDepth(c.colour);
         settings.setZetaDepth(c.zeta);
         settings.setStencilDepth(c.stencil);
         const size_t before = log.text().size();

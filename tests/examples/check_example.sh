@@ -7,6 +7,11 @@
 set -uo pipefail
 expected=$1
 shift
+# Under the sanitizers, leaks are left to the log's count and to the
+# memcheck soak run: the one block Mesa's driver keeps (tools/valgrind.supp)
+# is found only after the driver is unloaded, and with Mesa's frames missing
+# no suppression can name it.
+export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
 env -u DISPLAY "$@" >output.txt 2>errors.txt
 status=$?
 if [ "$status" -ne 0 ]; then
