@@ -46,29 +46,34 @@ void sendKey(Display* display, Window window, KeySym symbol)
     }
 }
 
-void sendClick(Display* display, Window window, int x, int y)
+// A pointer event at (x, y); motion and button events share these fields.
+XEvent pointerEvent(Display* display, Window window, int type, int x, int y)
 {
     XEvent event;
     std::memset(&event, 0, sizeof event);
-    event.xmotion.type = MotionNotify;
-    event.xmotion.display = display;
-    event.xmotion.window = window;
-    event.xmotion.root = DefaultRootWindow(display);
-    event.xmotion.same_screen = True;
-    event.xmotion.x = x;
-    event.xmotion.y = y;
-    XSendEvent(display, window, True, PointerMotionMask, &event);
-    std::memset(&event, 0, sizeof event);
+    event.xbutton.type = type;
     event.xbutton.display = display;
     event.xbutton.window = window;
     event.xbutton.root = DefaultRootWindow(display);
     event.xbutton.same_screen = True;
-    event.xbutton.button = Button1;
     event.xbutton.x = x;
     event.xbutton.y = y;
-    for (int type : {ButtonPress, ButtonRelease}) {
-        event.type = type;
-        XSendEvent(display, window, True, type == ButtonPress ? ButtonPressMask : ButtonReleaseMask, &event);
+    if (type != MotionNotify)
+        event.xbutton.button = Button1;
+    return event;
+}
+
+void sendClick(Display* display, Window window, int x, int y)
+{
+    const struct {
+        int type;
+        long mask;
+    } steps[] = {{MotionNotify, PointerMotionMask},
+                 {ButtonPress, ButtonPressMask},
+                 {ButtonRelease, ButtonReleaseMask}};
+    for (const auto& step : steps) {
+        XEvent event = pointerEvent(display, window, step.type, x, y);
+        XSendEvent(display, window, True, step.mask, &event);
         XFlush(display);
     }
 }
