@@ -49,10 +49,12 @@ namespace {
 // The video mode is always opened with these flags, whatever the settings ask.
 const Uint32 videoModeFlags = SDL_FULLSCREEN | SDL_NOFRAME | SDL_HWSURFACE;
 
-// 0 asks SDL for the display's own depth.
+// The colour depths SDL makes whole surfaces for; 0 asks for the display's
+// own. With 15 bits or an odd depth SDL sizes the rows of its surface for
+// fewer bytes a pixel than it then fills them with.
 bool hasPixelFormat(int colorDepth)
 {
-    static const int depths[] = {0, 8, 15, 16, 24, 32};
+    static const int depths[] = {0, 8, 16, 24, 32};
     for (int depth : depths)
         if (colorDepth == depth)
             return true;
@@ -176,9 +178,8 @@ bool PVSETTINGS::isOk()
     // Before SDL's video starts there is no driver to ask.
     if (!SDL_WasInit(SDL_INIT_VIDEO))
         return false;
-    // Negative buffer sizes, colour depths SDL has no pixel format for (it
-    // overruns its own surface with them) and windows no display can open
-    // never reach SDL.
+    // Negative buffer sizes, colour depths SDL overruns its own surface with
+    // and windows no display can open never reach SDL.
     if (zetaDepth < 0 || stencilDepth < 0 || !hasPixelFormat(colorDepth) ||
         !PVDISPLAY::canOpen(windowX, windowY))
         return false;

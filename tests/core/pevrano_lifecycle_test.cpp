@@ -168,6 +168,7 @@ TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
         {240, 320, 16, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
         {507, 240, 17, 24, 8, "X: 507, Y: 240\n          depth: 17, zeta: 24, stencil: 8"},
         {240, 320, 12, 16, 0, "X: 240, Y: 320\n          depth: 12, zeta: 16, stencil: 0"},
+        {507, 240, 15, 24, 0, "X: 507, Y: 240\n          depth: 15, zeta: 24, stencil: 0"},
     };
     for (const Case& c : cases) {
         PVSETTINGS settings;
