@@ -59,22 +59,25 @@ std::string workingDirectory()
 }
 
 // One frame without the swap: the world moves on by the given seconds, then
-// the object at the pointer (if it is in the window) is picked and named.
-void drawFrame(DemoWorld& world, DemoInterface& interface, float seconds, int pointerX, int pointerY,
-               float framesPerSecond)
+// the object at the pointer (if it is in the window) is picked and named;
+// returns its name (null over the background).
+const char* drawFrame(DemoWorld& world, DemoInterface& interface, float seconds, int pointerX, int pointerY,
+                      float framesPerSecond)
 {
     PEVRANO::clear(true, true, false);
     world.advance(seconds, interface.getAnimationSpeed());
     world.draw();
     const bool inside = pointerX >= 0 && pointerY >= 0 && pointerX < PVSETTINGS::getSDLWindowX() &&
                         pointerY < PVSETTINGS::getSDLWindowY();
-    interface.showPicked(inside ? world.pick(pointerX, pointerY) : nullptr);
+    const char* picked = inside ? world.pick(pointerX, pointerY) : nullptr;
+    interface.showPicked(picked);
     interface.showFrameRate(framesPerSecond);
     interface.draw(int(seconds * 1000.0f + 0.5f));
+    return picked;
 }
 
 // Without a display: a fixed number of frames at a fixed step, picking at a
-// point on the character, a visitor greeted half-way, the last frame saved
+// point on the character, a visitor using the interface half-way, the last frame saved and described
 // before its swap.
 bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
                   const std::string& screenshot)
@@ -88,10 +91,14 @@ bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
     for (int frame = 0; frame < offScreenFrames; ++frame) {
         clock.tick();
         if (frame == offScreenFrames / 2)
-            interface.greetAs("Ada");
-        drawFrame(world, interface, frame ? offScreenStep : 0.0f, pickX, pickY, clock.framesPerSecond());
-        if (frame == offScreenFrames - 1)
+            interface.visit("Ada");
+        const char* picked =
+            drawFrame(world, interface, frame ? offScreenStep : 0.0f, pickX, pickY, clock.framesPerSecond());
+        if (frame == offScreenFrames - 1) {
             saved = saveScreenshot(screenshot.c_str(), width, height);
+            std::printf("Last frame: pointer on %s, running speed %.2fx, name typed '%s'\n",
+                        picked ? picked : "nothing", interface.getAnimationSpeed(), interface.getTypedName());
+        }
         PEVRANO::swap();
     }
     return saved;

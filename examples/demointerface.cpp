@@ -139,26 +139,29 @@ bool DemoInterface::feed(char key)
     return true;
 }
 
-// Presses and releases the pointer on the middle of a widget, whose position
-// is relative to its parents'.
-void DemoInterface::click(PVBOX* widget)
+// Presses the pointer on the middle of a widget (whose position is relative
+// to its parents'), moves it by dx pixels and releases it.
+void DemoInterface::drag(PVBOX* widget, int dx)
 {
     K3MVECTOR3D at = widget->getPosition();
     for (PVNODE* parent = widget->getParent(); parent; parent = parent->getParent())
         at = at + parent->getPosition();
     pointerX = int(at.x) + widget->getSizeX() / 2;
     pointerY = int(at.y) + widget->getSizeY() / 2;
-    for (bool down : {true, false}) {
-        pointerDown = down;
-        feed(0);
-    }
+    pointerDown = true;
+    feed(0);
+    pointerX += dx;
+    feed(0);
+    pointerDown = false;
+    feed(0);
 }
 
-void DemoInterface::greetAs(const char* visitor)
+void DemoInterface::visit(const char* visitor)
 {
-    click(name);
+    drag(name, 0);
     for (const char* key = visitor; *key; ++key)
         feed(*key);
-    click(hello);
+    drag(hello, 0);
+    drag(slider->getCursor(), slider->getSizeX() / 4);
     pointerX = pointerY = -1;
 }

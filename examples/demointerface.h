@@ -20,6 +20,7 @@ public:
 
     // The running speed the slider sets: 0 to 2 times the recorded speed.
     float getAnimationSpeed();
+    const char* getTypedName() const { return name->getCaption(); }
     void showPicked(const char* name);
     void showFrameRate(float framesPerSecond);
     // Shows the marker centred on a window point.
@@ -29,9 +30,10 @@ public:
     // Handles the events waiting in SDL's queue; false once the user quits
     // (Escape, the Quit button or closing the window).
     bool handleEvents();
-    // Without a pointer: a visitor clicks in the text field, types a name
-    // and clicks Hello, as a user would.
-    void greetAs(const char* visitor);
+    // Without a pointer: a visitor clicks in the text field, types a name,
+    // clicks Hello and slides the speed up by a quarter of the bar, as a
+    // user would.
+    void visit(const char* visitor);
     PVNODE* getRoot() const { return root; }
     int getPointerX() const { return pointerX; }
     int getPointerY() const { return pointerY; }
@@ -42,7 +44,8 @@ private:
     bool handleEvent(const SDL_Event& event);
     // Passes a key and the pointer to the interface; false once Quit is clicked.
     bool feed(char key);
-    void click(PVBOX* widget);
+    // A click is a drag by 0.
+    void drag(PVBOX* widget, int dx);
 
     PVNODE* root = nullptr;  // the window, the screen and the marker
     PVWINDOW* window = nullptr;
