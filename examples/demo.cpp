@@ -77,8 +77,8 @@ const char* drawFrame(DemoWorld& world, DemoInterface& interface, float seconds,
 }
 
 // Without a display: a fixed number of frames at a fixed step, picking at a
-// point on the character, a visitor using the interface half-way, the last frame saved and described
-// before its swap.
+// point on the character, with a visitor using the interface half-way; the
+// last frame is saved before its swap and described.
 bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
                   const std::string& screenshot)
 {
