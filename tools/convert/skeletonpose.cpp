@@ -53,9 +53,9 @@ aiMatrix4x4 localAt(const aiNode* node, const aiNodeAnim* channel, double ticks)
     aiVector3D scaling, position;
     aiQuaternion rotation;
     node->mTransformation.Decompose(scaling, rotation, position);
-    return aiMatrix4x4(sample(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scaling),
-                       sample(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation),
-                       sample(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position));
+    return SkeletonPose::compose(sample(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scaling),
+                                 sample(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation),
+                                 sample(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position));
 }
 
 }  // namespace
@@ -181,7 +181,18 @@ aiMatrix4x4 SkeletonPose::rigid(const aiMatrix4x4& transform)
     aiVector3D scaling, position;
     aiQuaternion rotation;
     transform.Decompose(scaling, rotation, position);
-    return aiMatrix4x4(aiVector3D(1, 1, 1), rotation.Normalize(), position);
+    return compose(aiVector3D(1, 1, 1), rotation.Normalize(), position);
+}
+
+// Assimp's matrix constructor from scaling, rotation and position scales the
+// rotation's rows, which is only right for a uniform scale.
+aiMatrix4x4 SkeletonPose::compose(const aiVector3D& scaling, const aiQuaternion& rotation,
+                                  const aiVector3D& position)
+{
+    aiMatrix4x4 translation, scale;
+    aiMatrix4x4::Translation(position, translation);
+    aiMatrix4x4::Scaling(scaling, scale);
+    return translation * aiMatrix4x4(rotation.GetMatrix()) * scale;
 }
 
 aiMatrix4x4 SkeletonPose::rigidLocal(const aiMatrix4x4& parentWorld, const aiMatrix4x4& world)

@@ -43,6 +43,9 @@ public:
     // all their ancestors, in tree order.
     std::vector<int> drivenNodes(const aiAnimation& animation) const;
 
+    // Translation · rotation · scale, the order of a node's local transform.
+    static aiMatrix4x4 compose(const aiVector3D& scaling, const aiQuaternion& rotation,
+                               const aiVector3D& position);
     // Rotation and translation of a transform, its scale dropped.
     static aiMatrix4x4 rigid(const aiMatrix4x4& transform);
     // Rigid transform of child relative to parent, both world transforms.
