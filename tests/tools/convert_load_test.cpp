@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -134,6 +135,62 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
             EXPECT_NEAR(engine.box.high[axis], source.box.high[axis], tolerance) << "axis " << axis;
         }
     }
+}
+
+// A chain of 41 levels, deeper than the engine's matrix stack, keeps only
+// its root, the animated link and the tip holding the geometry. It draws
+// without a stack error, where the source puts it, and its animation still
+// turns the tip: the animated link's rotation goes from none to 90 degrees
+// about y.
+TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
+{
+    const pvtest::ToolRun run = pvtest::runTool(
+        PEVRANO_CONVERT, PEVRANO_TEST_DATA "/convert/deep_chain.gltf " + dir.file("deep.pve"), dir);
+    ASSERT_EQ(run.status, 0) << run.error;
+    EXPECT_EQ(run.error,
+              "pevrano-convert: the tree is 41 levels deep, more than the engine draws (31): 38 nodes "
+              "that carry no geometry and no animation are folded into their children, 3 levels "
+              "remain\n");
+    PVSETTINGS settings;
+    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    PVCAMERA* camera = new PVCAMERA();
+    PVNODE* root = PEVRANO::load(dir.file("deep.pve").c_str());
+    ASSERT_NE(root, nullptr) << log.text();
+    PVANIM* anim = new PVANIM();  // the engine deletes it at shut-down
+    std::string pva = dir.file("deep_0_turn.pva");
+    ASSERT_TRUE(anim->load(&pva[0])) << log.text();
+    anim->setTranslating(true);
+
+    Assimp::Importer importer;
+    std::string error;
+    const aiScene* scene =
+        ModelConverter::importModel(importer, PEVRANO_TEST_DATA "/convert/deep_chain.gltf", error);
+    ASSERT_NE(scene, nullptr) << error;
+    aiNode* turning = scene->mRootNode->FindNode("link20");
+    ASSERT_NE(turning, nullptr);
+    for (unsigned int frame : {0u, anim->getNumberOfFrames() - 1}) {
+        SCOPED_TRACE("frame " + std::to_string(frame));
+        aiMatrix4x4 shift, turn;
+        const float angle = frame > 0 ? float(M_PI / 2) : 0.0f;
+        turning->mTransformation =
+            aiMatrix4x4::Translation(aiVector3D(0, 0.5f, 0), shift) * aiMatrix4x4::RotationY(angle, turn);
+        ASSERT_TRUE(anim->apply(frame, root));
+        pvtest::LogCapture frameLog;
+        PEVRANO::begin3D(camera);
+        root->pass(false);
+        PEVRANO::end3D(false);
+        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+        EXPECT_EQ(frameLog.text().find("[!]"), std::string::npos) << frameLog.text();
+
+        Totals source, engine;
+        addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+        addEngine(root, engine);
+        for (int axis = 0; axis < 3; axis++) {
+            EXPECT_NEAR(engine.box.low[axis], source.box.low[axis], 1e-3f) << "axis " << axis;
+            EXPECT_NEAR(engine.box.high[axis], source.box.high[axis], 1e-3f) << "axis " << axis;
+        }
+    }
+    PEVRANO::free();
 }
 
 // The bones of a converted skin name nodes of the loaded tree, and an

@@ -56,6 +56,10 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
         {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
         {models + "X/anim_test.x", "': mesh 'pCylinder1' names bone 'joint3' that no node has\n"},
+        {models + "Collada/anims_with_full_rotations_between_keys.DAE",
+         "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no geometry and "
+         "no "
+         "animation folded away; the engine draws at most 31 levels\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.input);

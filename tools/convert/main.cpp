@@ -79,7 +79,10 @@ int main(int argc, char** argv)
         return 1;
     }
     ModelConverter converter(scene, options);
-    if (!converter.convert(error)) {
+    const bool converted = converter.convert(error);
+    for (const std::string& notice : converter.notices())
+        std::fprintf(stderr, "pevrano-convert: %s\n", notice.c_str());
+    if (!converted) {
         std::fprintf(stderr, "pevrano-convert: cannot convert '%s': %s\n", options.input.c_str(),
                      error.c_str());
         return 1;

@@ -17,6 +17,12 @@ const unsigned int largestBoneCount = 100;
 const unsigned int largestInfluences = 4;
 // Materials of geometry-free records: an empty name is looked up silently.
 const char noMaterial[] = "";
+// Drawing a node holds one matrix of the engine's 32-deep stack for it and
+// one for each of its ancestors, the base taking the first: 31 levels. The
+// skeleton pass of a skinned mesh holds three more above its skeleton (the
+// mesh's level, the added root's and the pass's own).
+const unsigned int largestDepth = 31;
+const unsigned int skeletonPassLevels = 3;
 
 std::string folderOf(const std::string& path)
 {
@@ -157,7 +163,7 @@ bool ModelConverter::check(std::string& error) const
         return false;
     }
     for (const PoseNode& node : pose.nodes())
-        if (node.source->mNumChildren + node.source->mNumMeshes > largestCount) {
+        if (node.children.size() + node.source->mNumMeshes > largestCount) {
             error = "node '" + node.name + "' has more than 65535 children";
             return false;
         }
@@ -174,9 +180,34 @@ bool ModelConverter::check(std::string& error) const
     return true;
 }
 
+// A tree deeper than the engine can draw loses its nodes that carry no
+// geometry, no animation and no bone; deeper than that it is refused.
+bool ModelConverter::fitDepth(std::string& error)
+{
+    const unsigned int addedRoot = pose.hasSkin() ? 1 : 0;
+    const unsigned int limit = pose.hasSkin() ? largestDepth - skeletonPassLevels : largestDepth;
+    const unsigned int depth = pose.depth() + addedRoot;
+    if (depth <= limit)
+        return true;
+    const unsigned int folded = pose.foldEmptyNodes();
+    const unsigned int foldedDepth = pose.depth() + addedRoot;
+    if (foldedDepth > limit) {
+        error = "the tree is " + std::to_string(foldedDepth) + " levels deep (node '" + pose.deepest().name +
+                "') even with the nodes that carry no geometry and no animation folded away; the engine "
+                "draws at most " +
+                std::to_string(limit) + " levels";
+        return false;
+    }
+    notes.push_back("the tree is " + std::to_string(depth) + " levels deep, more than the engine draws (" +
+                    std::to_string(limit) + "): " + std::to_string(folded) +
+                    " nodes that carry no geometry and no animation are folded into their children, " +
+                    std::to_string(foldedDepth) + " levels remain");
+    return true;
+}
+
 bool ModelConverter::convert(std::string& error)
 {
-    if (!check(error))
+    if (!fitDepth(error) || !check(error))
         return false;
     PveFile file;
     file.text("PVE file v1.6a");
@@ -288,7 +319,7 @@ void ModelConverter::writeNode(PveFile& file, int index)
     const aiMatrix4x4 local = pose.bindLocal(index);
     const aiMatrix4x4 bake = SkeletonPose::rigid(node.bindWorld).Inverse() * node.bindWorld;
     std::vector<unsigned int> meshes = staticMeshes(node.source);
-    const unsigned int children = node.source->mNumChildren;
+    const unsigned int children = node.children.size();
     if (meshes.size() == 1 && !node.bone) {
         writeMeshRecord(file, node.name, local, scene->mMeshes[meshes[0]], bake, children);
     } else if (node.bone || !isIdentityRotation(local)) {
@@ -306,8 +337,8 @@ void ModelConverter::writeNode(PveFile& file, int index)
     for (unsigned int m : meshes)
         writeMeshRecord(file, pose.uniqueName(node.name + "_" + scene->mMeshes[m]->mName.C_Str()),
                         aiMatrix4x4(), scene->mMeshes[m], bake, 0);
-    for (unsigned int c = 0; c < children; c++)
-        writeNode(file, pose.indexOf(node.source->mChildren[c]));
+    for (int child : node.children)
+        writeNode(file, child);
 }
 
 void ModelConverter::writeMeshRecord(PveFile& file, const std::string& name, const aiMatrix4x4& local,

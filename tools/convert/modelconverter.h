@@ -43,8 +43,11 @@ public:
     // Checks everything first and writes nothing on failure (error says why).
     bool convert(std::string& error);
     const std::vector<std::string>& writtenFiles() const { return written; }
+    // What the conversion changed or left out, one sentence each.
+    const std::vector<std::string>& notices() const { return notes; }
 
 private:
+    bool fitDepth(std::string& error);
     bool check(std::string& error) const;
     void writeMaterials(PveFile& file);
     void writeNode(PveFile& file, int index);
@@ -62,6 +65,7 @@ private:
     SkeletonPose pose;
     std::vector<std::string> materialNames;
     std::vector<std::string> written;
+    std::vector<std::string> notes;
 };
 
 #endif

@@ -65,17 +65,21 @@ SkeletonPose::SkeletonPose(const aiScene* scene, const std::string& reservedName
     usedNames.insert(reservedName);
     addNode(scene->mRootNode, -1);
     bindBones(scene);
+    markAnimated(scene);
 }
 
 void SkeletonPose::addNode(const aiNode* node, int parent)
 {
     PoseNode entry;
     entry.source = node;
+    entry.sourceParent = parent;
     entry.parent = parent;
     entry.name = uniqueName(node->mName.C_Str());
     entry.sceneWorld = parent < 0 ? node->mTransformation : table[parent].sceneWorld * node->mTransformation;
     const int index = static_cast<int>(table.size());
     table.push_back(entry);
+    if (parent >= 0)
+        table[parent].children.push_back(index);
     byNode[node] = index;
     bySourceName.emplace(node->mName.C_Str(), index);
     for (unsigned int m = 0; m < node->mNumMeshes; m++)
@@ -120,9 +124,71 @@ void SkeletonPose::bindBones(const aiScene* scene)
         if (node.bone)
             node.bindWorld = bind->second;
         else
-            node.bindWorld = node.parent < 0 ? node.source->mTransformation
-                                             : table[node.parent].bindWorld * node.source->mTransformation;
+            node.bindWorld = node.sourceParent < 0
+                                 ? node.source->mTransformation
+                                 : table[node.sourceParent].bindWorld * node.source->mTransformation;
     }
+}
+
+void SkeletonPose::markAnimated(const aiScene* scene)
+{
+    for (PoseNode& node : table)
+        for (unsigned int a = 0; a < scene->mNumAnimations && !node.animated; a++)
+            node.animated = channelOf(*scene->mAnimations[a], node.source->mName) != nullptr;
+}
+
+unsigned int SkeletonPose::level(int index) const
+{
+    unsigned int levels = 1;
+    for (int n = table[index].parent; n >= 0; n = table[n].parent)
+        levels++;
+    return levels;
+}
+
+const PoseNode& SkeletonPose::deepest() const
+{
+    int deepestIndex = 0;
+    for (size_t i = 0; i < table.size(); i++)
+        if (!table[i].folded && level(static_cast<int>(i)) > level(deepestIndex))
+            deepestIndex = static_cast<int>(i);
+    return table[deepestIndex];
+}
+
+unsigned int SkeletonPose::depth() const { return level(indexOf(deepest().source)); }
+
+unsigned int SkeletonPose::foldEmptyNodes()
+{
+    unsigned int count = 0;
+    for (size_t i = 1; i < table.size(); i++) {
+        PoseNode& node = table[i];
+        node.folded = node.source->mNumMeshes == 0 && !node.animated && !node.bone;
+        count += node.folded;
+    }
+    // Sources are listed parents first: every written parent is known in time.
+    for (size_t i = 0; i < table.size(); i++) {
+        PoseNode& node = table[i];
+        if (node.sourceParent >= 0)
+            node.parent =
+                table[node.sourceParent].folded ? table[node.sourceParent].parent : node.sourceParent;
+    }
+    for (size_t i = 0; i < table.size(); i++)
+        table[i].children = writtenBelow(static_cast<int>(i));
+    return count;
+}
+
+std::vector<int> SkeletonPose::writtenBelow(int index) const
+{
+    std::vector<int> written;
+    for (unsigned int c = 0; c < table[index].source->mNumChildren; c++) {
+        const int child = indexOf(table[index].source->mChildren[c]);
+        if (!table[child].folded) {
+            written.push_back(child);
+            continue;
+        }
+        const std::vector<int> below = writtenBelow(child);
+        written.insert(written.end(), below.begin(), below.end());
+    }
+    return written;
 }
 
 int SkeletonPose::indexOf(const aiNode* node) const
@@ -155,7 +221,7 @@ std::vector<aiMatrix4x4> SkeletonPose::worldsAt(const aiAnimation& animation, do
     for (size_t i = 0; i < table.size(); i++) {
         const PoseNode& node = table[i];
         const aiMatrix4x4 local = localAt(node.source, channelOf(animation, node.source->mName), ticks);
-        worlds[i] = node.parent < 0 ? local : worlds[node.parent] * local;
+        worlds[i] = node.sourceParent < 0 ? local : worlds[node.sourceParent] * local;
     }
     return worlds;
 }
@@ -164,7 +230,7 @@ std::vector<int> SkeletonPose::drivenNodes(const aiAnimation& animation) const
 {
     std::vector<bool> driven(table.size(), false);
     for (size_t i = 0; i < table.size(); i++) {
-        if (!table[i].bone && !channelOf(animation, table[i].source->mName))
+        if (table[i].folded || (!table[i].bone && !channelOf(animation, table[i].source->mName)))
             continue;
         for (int n = static_cast<int>(i); n >= 0 && !driven[n]; n = table[n].parent)
             driven[n] = true;

@@ -16,7 +16,11 @@
 
 struct PoseNode {
     const aiNode* source = nullptr;
-    int parent = -1;
+    int sourceParent = -1;
+    int parent = -1;  // nearest ancestor that is written, -1 for the root
+    std::vector<int> children;  // the nodes written below this one, in order
+    bool folded = false;  // not written: its transform goes to its children
+    bool animated = false;  // some animation has a channel for it
     std::string name;
     aiMatrix4x4 sceneWorld;  // from the node transforms as stored
     aiMatrix4x4 bindWorld;  // skin bones moved to their bind pose
@@ -35,12 +39,20 @@ public:
     int meshOwner(unsigned int mesh) const;
     bool hasSkin() const { return skinned; }
 
+    // Levels of the written tree, the root being level 1.
+    unsigned int depth() const;
+    // Folds every node but the root that carries no geometry, no animation
+    // and no bone into its children's transforms; returns how many were.
+    unsigned int foldEmptyNodes();
+    // The deepest written node.
+    const PoseNode& deepest() const;
+
     // Rigid local transform of node index in the bind pose.
     aiMatrix4x4 bindLocal(int index) const;
     // World transform of every node at the given time (in ticks) of animation.
     std::vector<aiMatrix4x4> worldsAt(const aiAnimation& animation, double ticks) const;
     // Nodes an animation must drive: those it animates, the skin bones and
-    // all their ancestors, in tree order.
+    // all their written ancestors, in tree order.
     std::vector<int> drivenNodes(const aiAnimation& animation) const;
 
     // Translation · rotation · scale, the order of a node's local transform.
@@ -60,6 +72,10 @@ public:
 private:
     void addNode(const aiNode* node, int parent);
     void bindBones(const aiScene* scene);
+    void markAnimated(const aiScene* scene);
+    unsigned int level(int index) const;
+    // Written nodes below index: its children, those of folded children in their place.
+    std::vector<int> writtenBelow(int index) const;
 
     std::vector<PoseNode> table;
     std::map<const aiNode*, int> byNode;
