@@ -23,8 +23,10 @@ using pvtest::models;
 struct Box {
     aiVector3D low {1e30f, 1e30f, 1e30f};
     aiVector3D high {-1e30f, -1e30f, -1e30f};
+    float farthest = 0;  // from the origin
     void add(const aiVector3D& p)
     {
+        farthest = std::max(farthest, p.Length());
         low = aiVector3D(std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z));
         high = aiVector3D(std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z));
     }
@@ -137,6 +139,47 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
     }
 }
 
+// --scale resizes the whole model and --fit brings its farthest vertex to
+// the given distance from the origin; a model scaled out of the fixed-point
+// range is reported with the node that reaches farthest.
+TEST_F(ConvertedModels, ScaleAndFitResizeTheWholeModel)
+{
+    Assimp::Importer importer;
+    std::string error;
+    const aiScene* scene = ModelConverter::importModel(importer, models + "FBX/spider.fbx", error);
+    ASSERT_NE(scene, nullptr) << error;
+    Totals source;
+    addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+    const struct {
+        const char* options;
+        float scale;
+    } cases[] = {{"--scale 0.01", 0.01f}, {"--fit 100", 100 / source.box.farthest}, {"--scale 4", 4.0f}};
+    for (size_t i = 0; i < std::size(cases); i++) {
+        SCOPED_TRACE(cases[i].options);
+        const std::string name = "spider" + std::to_string(i);
+        const pvtest::ToolRun run =
+            pvtest::convertModel("FBX/spider.fbx", name + ".pve", dir, cases[i].options);
+        ASSERT_EQ(run.status, 0) << run.error;
+        const std::string outOfRange =
+            "pevrano-convert: warning: the model reaches 42677 units from the origin "
+            "(node 'Bein3Li'), beyond the engine's fixed-point range of -32767 to "
+            "32767: --scale or --fit brings it within\n";
+        EXPECT_EQ(run.error.find(outOfRange) != std::string::npos, cases[i].scale > 1) << run.error;
+        if (cases[i].scale > 1)
+            continue;  // the engine's coordinates wrap around
+        PVNODE* root = PEVRANO::load(dir.file(name + ".pve").c_str());
+        ASSERT_NE(root, nullptr);
+        Totals engine;
+        addEngine(root, engine);
+        const float tolerance = source.box.size() * cases[i].scale * 1e-3f;
+        EXPECT_NEAR(engine.box.farthest, source.box.farthest * cases[i].scale, tolerance);
+        for (int axis = 0; axis < 3; axis++) {
+            EXPECT_NEAR(engine.box.low[axis], source.box.low[axis] * cases[i].scale, tolerance) << axis;
+            EXPECT_NEAR(engine.box.high[axis], source.box.high[axis] * cases[i].scale, tolerance) << axis;
+        }
+    }
+}
+
 // A chain of 41 levels, deeper than the engine's matrix stack, keeps only
 // its root, the animated link and the tip holding the geometry. It draws
 // without a stack error, where the source puts it, and its animation still
@@ -147,10 +190,11 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
     const pvtest::ToolRun run = pvtest::runTool(
         PEVRANO_CONVERT, PEVRANO_TEST_DATA "/convert/deep_chain.gltf " + dir.file("deep.pve"), dir);
     ASSERT_EQ(run.status, 0) << run.error;
-    EXPECT_EQ(run.error,
-              "pevrano-convert: the tree is 41 levels deep, more than the engine draws (31): 38 nodes "
-              "that carry no geometry and no animation are folded into their children, 3 levels "
-              "remain\n");
+    EXPECT_EQ(
+        run.error,
+        "pevrano-convert: warning: the tree is 41 levels deep, more than the engine draws (31): 38 nodes "
+        "that carry no geometry and no animation are folded into their children, 3 levels "
+        "remain\n");
     PVSETTINGS settings;
     ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
     PVCAMERA* camera = new PVCAMERA();

@@ -97,6 +97,30 @@ TEST_F(Viewer, AnimationMovesTheModel)
     EXPECT_GT(changed, 50);
 }
 
+// The spider's legs reach 10,000 units from its centre: framed as it is, the
+// camera would sit 37,000 units away, beyond the fixed-point range. The
+// viewer shows it as it shows the same spider a thousand times smaller.
+TEST_F(Viewer, LargeModelsLookLikeSmallOnes)
+{
+    const pvtest::ToolRun small = pvtest::convertModel("FBX/spider.fbx", "small.pve", dir, "--scale 0.001");
+    ASSERT_EQ(small.status, 0) << small.error;
+    convert("FBX/spider.fbx", "large.pve");
+    const std::string options = " --frames 2 --screenshot " + dir.file("shot.png");
+    const Picture expected = view(dir.file("small.pve") + options);
+    const Picture large = view(dir.file("large.pve") + options);
+    ASSERT_EQ(large.rgb.size(), expected.rgb.size());
+    int model = 0, different = 0;
+    for (size_t i = 0; i < expected.rgb.size(); i += 3) {
+        model += !expected.isBackground(int(i / 3 % 160), int(i / 3 / 160));
+        bool far = false;
+        for (int c = 0; c < 3; c++)
+            far = far || std::abs(large.rgb[i + c] - expected.rgb[i + c]) > tolerance;
+        different += far;
+    }
+    EXPECT_GT(model, 160 * 120 / 20);
+    EXPECT_LT(different, model / 50) << "of " << model;
+}
+
 TEST_F(Viewer, RefusesMissingFiles)
 {
     convert("Collada/duck.dae", "duck.pve");

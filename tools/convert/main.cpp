@@ -19,6 +19,9 @@ const char usage[] = "usage: pevrano-convert [options] <model> <output.pve>\n"
                      "options:\n"
                      "  --fps <n>           frame rate of the animation files (1 to 1000, default 30)\n"
                      "  --texture-size <n>  largest side of a converted texture (1 to 256, default 256)\n"
+                     "  --scale <factor>    scales the whole model (default 1)\n"
+                     "  --fit <size>        scales the whole model so that its farthest vertex lies\n"
+                     "                      <size> units from the origin\n"
                      "  --help              show this text\n";
 
 bool readNumber(const char* text, int lowest, int highest, int& value)
@@ -28,6 +31,16 @@ bool readNumber(const char* text, int lowest, int highest, int& value)
     if (!*text || *end || number < lowest || number > highest)
         return false;
     value = static_cast<int>(number);
+    return true;
+}
+
+bool readFactor(const char* text, float& value)
+{
+    char* end = nullptr;
+    const float number = std::strtof(text, &end);
+    if (!*text || *end || !(number >= 1e-6f && number <= 1e6f))
+        return false;
+    value = number;
     return true;
 }
 
@@ -46,6 +59,10 @@ int parseOptions(int argc, char** argv, ConvertOptions& options)
             i++;
         } else if (argument == "--texture-size" && hasValue &&
                    readNumber(argv[i + 1], 1, 256, options.textureSize)) {
+            i++;
+        } else if (argument == "--scale" && hasValue && readFactor(argv[i + 1], options.scale)) {
+            i++;
+        } else if (argument == "--fit" && hasValue && readFactor(argv[i + 1], options.fitRadius)) {
             i++;
         } else if (argument.compare(0, 2, "--") != 0 && positional < 2) {
             (positional++ == 0 ? options.input : options.output) = argument;
@@ -81,7 +98,7 @@ int main(int argc, char** argv)
     ModelConverter converter(scene, options);
     const bool converted = converter.convert(error);
     for (const std::string& notice : converter.notices())
-        std::fprintf(stderr, "pevrano-convert: %s\n", notice.c_str());
+        std::fprintf(stderr, "pevrano-convert: warning: %s\n", notice.c_str());
     if (!converted) {
         std::fprintf(stderr, "pevrano-convert: cannot convert '%s': %s\n", options.input.c_str(),
                      error.c_str());

@@ -23,6 +23,8 @@ const char noMaterial[] = "";
 // mesh's level, the added root's and the pass's own).
 const unsigned int largestDepth = 31;
 const unsigned int skeletonPassLevels = 3;
+// Coordinates the engine's 16.16 fixed point holds.
+const float fixedRange = 32767.0f;
 
 std::string folderOf(const std::string& path)
 {
@@ -80,6 +82,29 @@ std::vector<std::vector<std::pair<unsigned int, float>>> influences(const aiMesh
     return perVertex;
 }
 
+// Distance from the origin of the farthest vertex below node, as the scene places it.
+float farthestVertex(const aiScene* scene, const aiNode* node, const aiMatrix4x4& parentWorld)
+{
+    const aiMatrix4x4 world = parentWorld * node->mTransformation;
+    float farthest = 0;
+    for (unsigned int m = 0; m < node->mNumMeshes; m++) {
+        const aiMesh* mesh = scene->mMeshes[node->mMeshes[m]];
+        for (unsigned int v = 0; v < mesh->mNumVertices; v++)
+            farthest = std::max(farthest, (world * mesh->mVertices[v]).Length());
+    }
+    for (unsigned int c = 0; c < node->mNumChildren; c++)
+        farthest = std::max(farthest, farthestVertex(scene, node->mChildren[c], world));
+    return farthest;
+}
+
+float modelScale(const aiScene* scene, const ConvertOptions& options)
+{
+    if (options.fitRadius <= 0)
+        return options.scale;
+    const float farthest = farthestVertex(scene, scene->mRootNode, aiMatrix4x4());
+    return farthest > 0 ? options.fitRadius / farthest : 1.0f;
+}
+
 }  // namespace
 
 const aiScene* ModelConverter::importModel(Assimp::Importer& importer, const std::string& path,
@@ -118,7 +143,7 @@ std::string ModelConverter::animationFileName(const std::string& output, const a
 ModelConverter::ModelConverter(const aiScene* scene, const ConvertOptions& options) :
     scene(scene),
     options(options),
-    pose(scene, skinRootName)
+    pose(scene, skinRootName, modelScale(scene, options))
 {
 }
 
@@ -221,6 +246,12 @@ bool ModelConverter::convert(std::string& error)
     for (unsigned int a = 0; a < scene->mNumAnimations; a++)
         if (scene->mAnimations[a]->mNumChannels > 0)
             animations.push_back(sampleAnimation(*scene->mAnimations[a]));
+    measureReach();
+    if (reach > fixedRange)
+        notes.push_back("the model reaches " + std::to_string(int(std::ceil(reach))) +
+                        " units from the origin (" + reachWhere +
+                        "), beyond the engine's fixed-point range of -32767 to 32767: " +
+                        "--scale or --fit brings it within");
     bool saved = file.save(options.output);
     if (saved)
         written.push_back(options.output);
@@ -433,9 +464,41 @@ void ModelConverter::writeSkin(PveFile& file, const aiMesh* mesh)
         file.text(pose.nodes()[pose.indexOfName(mesh->mBones[b]->mName)].name);
 }
 
+void ModelConverter::reachTo(const aiVector3D& point, const std::string& where)
+{
+    const float largest = std::max({std::fabs(point.x), std::fabs(point.y), std::fabs(point.z)});
+    if (largest <= reach)
+        return;
+    reach = largest;
+    reachWhere = where;
+}
+
+// The engine holds vertices, node positions and whatever its transforms make
+// of them in 16.16 fixed point: the written values and the vertices as the
+// scene places them at rest must all stay within its range.
+void ModelConverter::measureReach()
+{
+    for (size_t n = 0; n < pose.nodes().size(); n++) {
+        const PoseNode& node = pose.nodes()[n];
+        const std::string where = "node '" + node.name + "'";
+        if (!node.folded)
+            reachTo(SkeletonPose::translation(pose.bindLocal(int(n))), where);
+        const aiMatrix4x4 bake = SkeletonPose::rigid(node.bindWorld).Inverse() * node.bindWorld;
+        for (unsigned int m = 0; m < node.source->mNumMeshes; m++) {
+            const aiMesh* mesh = scene->mMeshes[node.source->mMeshes[m]];
+            const aiMatrix4x4& world = mesh->HasBones() ? node.sceneWorld : node.bindWorld;
+            for (unsigned int v = 0; v < mesh->mNumVertices; v++) {
+                reachTo(world * mesh->mVertices[v], where);
+                if (!mesh->HasBones())
+                    reachTo(bake * mesh->mVertices[v], where);
+            }
+        }
+    }
+}
+
 // Every driven node's rigid local transform at each frame, as rotation and
 // position keyframes; all records are set.
-PVANIM* ModelConverter::sampleAnimation(const aiAnimation& animation) const
+PVANIM* ModelConverter::sampleAnimation(const aiAnimation& animation)
 {
     const double ticksPerSecond = animation.mTicksPerSecond > 0 ? animation.mTicksPerSecond : 25.0;
     const unsigned int frames = static_cast<unsigned int>(std::floor(
@@ -458,6 +521,9 @@ PVANIM* ModelConverter::sampleAnimation(const aiAnimation& animation) const
             const aiVector3D position = SkeletonPose::translation(local);
             result->setFrame(f, k, angles.x, angles.y, angles.z);
             result->getKeyframe(f, k)->position = K3MVECTOR3D(position.x, position.y, position.z);
+            reachTo(position, "animation '" + std::string(animation.mName.C_Str()) + "'");
+            reachTo(SkeletonPose::translation(worlds[driven[k]]),
+                    "animation '" + std::string(animation.mName.C_Str()) + "'");
         }
     }
     return result;

@@ -23,6 +23,8 @@ struct ConvertOptions {
     std::string output;  // the scene file; the others are written beside it
     int framesPerSecond = 30;  // of the animation files
     int textureSize = 256;  // largest side of a converted texture
+    float scale = 1.0f;  // of the whole model
+    float fitRadius = 0.0f;  // when above 0: the farthest vertex's distance from the origin
 };
 
 class ModelConverter {
@@ -58,7 +60,9 @@ private:
     void writeSkin(PveFile& file, const aiMesh* mesh);
     std::vector<unsigned int> staticMeshes(const aiNode* node) const;
     std::vector<unsigned int> skinnedMeshes() const;
-    PVANIM* sampleAnimation(const aiAnimation& animation) const;
+    PVANIM* sampleAnimation(const aiAnimation& animation);
+    void measureReach();
+    void reachTo(const aiVector3D& point, const std::string& where);
 
     const aiScene* scene;
     ConvertOptions options;
@@ -66,6 +70,8 @@ private:
     std::vector<std::string> materialNames;
     std::vector<std::string> written;
     std::vector<std::string> notes;
+    float reach = 0;  // largest coordinate written or computed from the written transforms
+    std::string reachWhere;
 };
 
 #endif

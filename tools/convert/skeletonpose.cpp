@@ -60,8 +60,9 @@ aiMatrix4x4 localAt(const aiNode* node, const aiNodeAnim* channel, double ticks)
 
 }  // namespace
 
-SkeletonPose::SkeletonPose(const aiScene* scene, const std::string& reservedName)
+SkeletonPose::SkeletonPose(const aiScene* scene, const std::string& reservedName, float scale)
 {
+    aiMatrix4x4::Scaling(aiVector3D(scale, scale, scale), placement);
     usedNames.insert(reservedName);
     addNode(scene->mRootNode, -1);
     bindBones(scene);
@@ -75,7 +76,7 @@ void SkeletonPose::addNode(const aiNode* node, int parent)
     entry.sourceParent = parent;
     entry.parent = parent;
     entry.name = uniqueName(node->mName.C_Str());
-    entry.sceneWorld = parent < 0 ? node->mTransformation : table[parent].sceneWorld * node->mTransformation;
+    entry.sceneWorld = (parent < 0 ? placement : table[parent].sceneWorld) * node->mTransformation;
     const int index = static_cast<int>(table.size());
     table.push_back(entry);
     if (parent >= 0)
@@ -124,9 +125,8 @@ void SkeletonPose::bindBones(const aiScene* scene)
         if (node.bone)
             node.bindWorld = bind->second;
         else
-            node.bindWorld = node.sourceParent < 0
-                                 ? node.source->mTransformation
-                                 : table[node.sourceParent].bindWorld * node.source->mTransformation;
+            node.bindWorld = (node.sourceParent < 0 ? placement : table[node.sourceParent].bindWorld) *
+                             node.source->mTransformation;
     }
 }
 
@@ -221,7 +221,7 @@ std::vector<aiMatrix4x4> SkeletonPose::worldsAt(const aiAnimation& animation, do
     for (size_t i = 0; i < table.size(); i++) {
         const PoseNode& node = table[i];
         const aiMatrix4x4 local = localAt(node.source, channelOf(animation, node.source->mName), ticks);
-        worlds[i] = node.sourceParent < 0 ? local : worlds[node.sourceParent] * local;
+        worlds[i] = (node.sourceParent < 0 ? placement : worlds[node.sourceParent]) * local;
     }
     return worlds;
 }

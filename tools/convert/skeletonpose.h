@@ -1,6 +1,6 @@
 // The model's node tree as the engine will hold it: unique names, the pose
 // written into the scene file (skin bones at their bind pose) and the pose at
-// any time of an animation. Engine nodes carry only a translation and Euler
+// any time of an animation, the whole model scaled as asked. Engine nodes carry only a translation and Euler
 // angles, so every world transform is split into its rigid part (what the
 // nodes carry) and a remainder that is baked into the geometry.
 #ifndef PEVRANO_TOOLS_CONVERT_SKELETONPOSE_H
@@ -29,8 +29,9 @@ struct PoseNode {
 
 class SkeletonPose {
 public:
-    // reservedName is kept free for a node the converter adds itself.
-    SkeletonPose(const aiScene* scene, const std::string& reservedName);
+    // reservedName is kept free for a node the converter adds itself; the
+    // whole model is scaled by scale.
+    SkeletonPose(const aiScene* scene, const std::string& reservedName, float scale = 1.0f);
 
     const std::vector<PoseNode>& nodes() const { return table; }
     int indexOf(const aiNode* node) const;
@@ -77,6 +78,7 @@ private:
     // Written nodes below index: its children, those of folded children in their place.
     std::vector<int> writtenBelow(int index) const;
 
+    aiMatrix4x4 placement;  // the whole model's scale
     std::vector<PoseNode> table;
     std::map<const aiNode*, int> byNode;
     std::map<std::string, int> bySourceName;

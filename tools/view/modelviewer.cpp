@@ -12,6 +12,11 @@
 namespace {
 
 const float degrees = 3.14159265f / 180.0f;
+// GL receives 16.16 fixed point: the camera's position, the far plane and
+// every eye-space coordinate stay within this, a margin below 32767.
+const float fixedBudget = 30000.0f;
+// Zooming out goes at most this many times the framing distance away.
+const float farthestZoom = 2.0f;
 
 // Grows the box by a mesh's vertices placed in the world: a skinned mesh's
 // as the last frame posed them.
@@ -99,13 +104,40 @@ void ModelViewer::frameModel()
         const K3MVECTOR3D half((high.x - low.x) / 2, (high.y - low.y) / 2, (high.z - low.z) / 2);
         radius = std::max(1e-3f, std::sqrt(half.x * half.x + half.y * half.y + half.z * half.z));
     }
-    distance = radius / std::tan(PVOPENGL::getAngleOfView() / 2 * degrees) * 1.2f;
+    distance = framingDistance();
+    fitInFixedRange();
     PVOPENGL::setNearPlane(radius * 0.02f);
-    PVOPENGL::setFarPlane(distance + radius * 10);
+    PVOPENGL::setFarPlane(farthestZoom * distance + radius);
     PVOPENGL::resize(0, 0, PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
     PVOPENGL::setGlobalAmbientLight(0.3f, 0.3f, 0.3f, 1.0f);
     PVOPENGL::setBackgroundColor(0.2f, 0.25f, 0.3f, 1.0f);
     placeCamera();
+}
+
+// A model too large to be framed within the fixed-point range is drawn
+// uniformly scaled down; GL then renormalises its normals.
+void ModelViewer::fitInFixedRange()
+{
+    const float offCentre = std::max({std::fabs(centre.x), std::fabs(centre.y), std::fabs(centre.z), radius});
+    const float needed = offCentre + farthestZoom * distance;
+    if (needed <= fixedBudget)
+        return;
+    scale = fixedBudget / needed;
+    centre = K3MVECTOR3D(centre.x * scale, centre.y * scale, centre.z * scale);
+    radius *= scale;
+    distance *= scale;
+    glEnable(GL_NORMALIZE);
+}
+
+// The model's sphere fills the view, with a margin.
+float ModelViewer::framingDistance() const
+{
+    return radius / std::tan(PVOPENGL::getAngleOfView() / 2 * degrees) * 1.2f;
+}
+
+void ModelViewer::zoom(float factor)
+{
+    distance = std::min(distance * factor, farthestZoom * framingDistance());
 }
 
 void ModelViewer::placeCamera()
@@ -132,6 +164,11 @@ void ModelViewer::drawFrame()
     PEVRANO::clear(true, true, false);
     PEVRANO::begin3D(camera);
     lights->pass(false);
+    if (scale != 1.0f) {
+        K3MMATRIX scaling;
+        scaling.m[0] = scaling.m[5] = scaling.m[10] = scale;
+        PV_glMultMatrixf(scaling.m);
+    }
     model->pass(false);
     PEVRANO::end3D(false);
 }
@@ -162,13 +199,13 @@ void ModelViewer::runInteractive()
                 playing = !playing;
             else if (event.type == SDL_KEYDOWN &&
                      (event.key.keysym.sym == SDLK_PLUS || event.key.keysym.sym == SDLK_EQUALS))
-                distance *= 0.9f;
+                zoom(0.9f);
             else if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_MINUS)
-                distance *= 1.1f;
+                zoom(1.1f);
             else if (event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_WHEELUP)
-                distance *= 0.9f;
+                zoom(0.9f);
             else if (event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_WHEELDOWN)
-                distance *= 1.1f;
+                zoom(1.1f);
             else if (event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP)
                 dragging = event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_LEFT;
             else if (event.type == SDL_MOUSEMOTION && dragging) {

@@ -29,11 +29,15 @@ public:
     // Window loop: drag to orbit, wheel or +/- to zoom, space to pause, Esc to quit.
     void runInteractive();
 
+    // Centre and radius of the model as drawn, scaled by getScale.
     K3MVECTOR3D getCentre() const { return centre; }
     float getRadius() const { return radius; }
 
 private:
     void frameModel();
+    float framingDistance() const;
+    void fitInFixedRange();
+    void zoom(float factor);
     void placeCamera();
     void drawFrame();
     void advanceAnimation();
@@ -46,6 +50,7 @@ private:
     PVNODE* lights = nullptr;
     K3MVECTOR3D centre;
     float radius = 1.0f;
+    float scale = 1.0f;  // of the model as drawn
     float yaw = 30.0f;
     float pitch = 20.0f;
     float distance = 3.0f;
