@@ -1,9 +1,12 @@
 // pevrano-convert: converts a model that Assimp reads (glTF 2.0, Collada,
 // DirectX X, OBJ, FBX, 3DS, MD5, ...) into a PVE scene file, TGA textures and
 // one PVA file per animation.
+#include <sys/resource.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "foundation/kvflog.h"
@@ -22,7 +25,34 @@ const char usage[] = "usage: pevrano-convert [options] <model> <output.pve>\n"
                      "  --scale <factor>    scales the whole model (default 1)\n"
                      "  --fit <size>        scales the whole model so that its farthest vertex lies\n"
                      "                      <size> units from the origin\n"
+                     "  --memory-limit <mb> most memory the conversion may take, in megabytes (64 to\n"
+                     "                      1048576, default 4096)\n"
                      "  --help              show this text\n";
+
+// Assimp trusts the counts a file gives, and a damaged file can make it ask
+// for more memory than the machine has. The converter caps its own address
+// space, so that such a request fails at once with std::bad_alloc. Under
+// AddressSanitizer, which reserves terabytes of address space for itself,
+// no cap is set.
+#if defined(__SANITIZE_ADDRESS__)
+const bool canLimitMemory = false;
+#else
+const bool canLimitMemory = true;
+#endif
+
+void limitMemory(int megabytes)
+{
+    const rlim_t bytes = rlim_t(megabytes) << 20;
+    const rlimit limit = {bytes, bytes};
+    if (canLimitMemory && setrlimit(RLIMIT_AS, &limit) != 0)
+        std::fprintf(stderr, "pevrano-convert: warning: the memory limit cannot be set\n");
+}
+
+std::string memoryLimitReached(int megabytes)
+{
+    return "the conversion needs more than its memory limit of " + std::to_string(megabytes) +
+           " MB (--memory-limit)";
+}
 
 bool readNumber(const char* text, int lowest, int highest, int& value)
 {
@@ -60,6 +90,9 @@ int parseOptions(int argc, char** argv, ConvertOptions& options)
         } else if (argument == "--texture-size" && hasValue &&
                    readNumber(argv[i + 1], 1, 256, options.textureSize)) {
             i++;
+        } else if (argument == "--memory-limit" && hasValue &&
+                   readNumber(argv[i + 1], 64, 1048576, options.memoryLimit)) {
+            i++;
         } else if (argument == "--scale" && hasValue && readFactor(argv[i + 1], options.scale)) {
             i++;
         } else if (argument == "--fit" && hasValue && readFactor(argv[i + 1], options.fitRadius)) {
@@ -78,20 +111,15 @@ int parseOptions(int argc, char** argv, ConvertOptions& options)
     return 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int convertModel(const ConvertOptions& options)
 {
-    ConvertOptions options;
-    if (const int status = parseOptions(argc, argv, options))
-        return status;
-    // The engine's log stays in its file; the console is for the tool's own messages.
-    kvfSetConsoleEcho(false);
-
     Assimp::Importer importer;
     std::string error;
     const aiScene* scene = ModelConverter::importModel(importer, options.input, error);
     if (!scene) {
+        // Assimp catches the allocation failure and keeps its text.
+        if (error == std::bad_alloc().what())
+            error = memoryLimitReached(options.memoryLimit);
         std::fprintf(stderr, "pevrano-convert: cannot read '%s': %s\n", options.input.c_str(), error.c_str());
         return 1;
     }
@@ -107,4 +135,23 @@ int main(int argc, char** argv)
     for (const std::string& file : converter.writtenFiles())
         std::printf("wrote %s\n", file.c_str());
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    ConvertOptions options;
+    if (const int status = parseOptions(argc, argv, options))
+        return status;
+    // The engine's log stays in its file; the console is for the tool's own messages.
+    kvfSetConsoleEcho(false);
+    limitMemory(options.memoryLimit);
+    try {
+        return convertModel(options);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "pevrano-convert: cannot convert '%s': %s\n", options.input.c_str(),
+                     memoryLimitReached(options.memoryLimit).c_str());
+        return 1;
+    }
 }

@@ -25,6 +25,7 @@ struct ConvertOptions {
     int textureSize = 256;  // largest side of a converted texture
     float scale = 1.0f;  // of the whole model
     float fitRadius = 0.0f;  // when above 0: the farthest vertex's distance from the origin
+    int memoryLimit = 4096;  // megabytes the converter may take
 };
 
 class ModelConverter {
