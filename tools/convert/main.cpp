@@ -9,7 +9,7 @@
 #include <new>
 #include <string>
 
-#include "foundation/kvflog.h"
+#include "engineconsole.h"
 #include "modelconverter.h"
 
 namespace {
@@ -141,11 +141,11 @@ int convertModel(const ConvertOptions& options)
 
 int main(int argc, char** argv)
 {
+    // The engine's log stays in its file; the console is for the tool's own messages.
+    EngineConsole::silence();
     ConvertOptions options;
     if (const int status = parseOptions(argc, argv, options))
         return status;
-    // The engine's log stays in its file; the console is for the tool's own messages.
-    kvfSetConsoleEcho(false);
     limitMemory(options.memoryLimit);
     try {
         return convertModel(options);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "engineconsole.h"
 #include "modelviewer.h"
 
 namespace {
@@ -74,10 +75,11 @@ int parseOptions(int argc, char** argv, ViewOptions& options)
 
 int main(int argc, char** argv)
 {
+    // The engine's log stays in its file; the console is for the tool's own messages.
+    EngineConsole::silence();
     ViewOptions options;
     if (const int status = parseOptions(argc, argv, options))
         return status;
-    kvfSetConsoleEcho(false);
     PVSETTINGS settings;
     settings.setWindowX(options.width);
     settings.setWindowY(options.height);
