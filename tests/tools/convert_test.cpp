@@ -36,7 +36,8 @@ protected:
 TEST_F(Converter, HelpListsTheOptions)
 {
     ASSERT_EQ(run("--help"), 0);
-    EXPECT_NE(output.find("usage: pevrano-convert [options] <model> <output.pve>"), std::string::npos);
+    // The help alone: the engine's start-up lines stay in its log.
+    EXPECT_EQ(output.find("usage: pevrano-convert [options] <model> <output.pve>\n"), 0u) << output;
     EXPECT_NE(output.find("--fps <n>"), std::string::npos);
     EXPECT_NE(output.find("--texture-size <n>"), std::string::npos);
     EXPECT_EQ(run("--fps 0 a b"), 2);
@@ -56,6 +57,12 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
         {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
         {models + "X/anim_test.x", "': mesh 'pCylinder1' names bone 'joint3' that no node has\n"},
+        {models + "OBJ/testpoints.obj",
+         "': No meshes remaining: the model's points and lines are dropped, the "
+         "engine draws only triangles\n"},
+        {models + "Collada/cameras.dae",
+         "': the model holds 3 cameras, 0 lights and no geometry; cameras and "
+         "lights are not converted\n"},
         {models + "Collada/anims_with_full_rotations_between_keys.DAE",
          "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no geometry and "
          "no "
@@ -68,6 +75,19 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         EXPECT_EQ(output.find("wrote"), std::string::npos);
         EXPECT_EQ(pvtest::readFile(dir.file("out.pve")), "");
     }
+}
+
+// A morph-target animation cannot be played by the engine: the model is
+// converted without it, and the converter says so.
+TEST_F(Converter, SaysWhichAnimationsItLeavesOut)
+{
+    const std::string model =
+        models + "glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf";
+    ASSERT_EQ(run(model + " " + dir.file("cube.pve")), 0);
+    EXPECT_EQ(error,
+              "pevrano-convert: warning: animation 0 'Square' is not converted: it changes mesh shapes "
+              "(morph targets or mesh replacement), which the engine's animations cannot\n");
+    EXPECT_EQ(output, "wrote " + dir.file("cube.pve") + "\n");
 }
 
 // A damaged file whose counts make Assimp ask for 16 GB stops at once at the

@@ -82,6 +82,23 @@ std::vector<std::vector<std::pair<unsigned int, float>>> influences(const aiMesh
     return perVertex;
 }
 
+// Why Assimp's scene cannot be converted, in words for the user.
+std::string importFailure(const Assimp::Importer& importer, const aiScene* scene)
+{
+    const std::string error = importer.GetErrorString();
+    // Assimp's words when the primitive sorting has removed every mesh.
+    if (error == "No meshes remaining")
+        return error + ": the model's points and lines are dropped, the engine draws only triangles";
+    if (!error.empty())
+        return error;
+    // An incomplete scene has no geometry of its own (Assimp may add a placeholder).
+    if (scene && scene->mNumCameras + scene->mNumLights > 0)
+        return "the model holds " + std::to_string(scene->mNumCameras) + " cameras, " +
+               std::to_string(scene->mNumLights) +
+               " lights and no geometry; cameras and lights are not converted";
+    return "the model is incomplete";
+}
+
 // Distance from the origin of the farthest vertex below node, as the scene places it.
 float farthestVertex(const aiScene* scene, const aiNode* node, const aiMatrix4x4& parentWorld)
 {
@@ -121,9 +138,7 @@ const aiScene* ModelConverter::importModel(Assimp::Importer& importer, const std
                                aiProcess_SortByPType | aiProcess_ValidateDataStructure;
     const aiScene* scene = importer.ReadFile(path, steps);
     if (!scene || !scene->mRootNode || (scene->mFlags & AI_SCENE_FLAGS_INCOMPLETE)) {
-        error = importer.GetErrorString();
-        if (error.empty())
-            error = "the model is incomplete";
+        error = importFailure(importer, scene);
         return nullptr;
     }
     return scene;
@@ -230,10 +245,28 @@ bool ModelConverter::fitDepth(std::string& error)
     return true;
 }
 
+// Morph targets and mesh replacement change a mesh's shape, which the
+// engine's animations cannot: those channels are left out.
+void ModelConverter::noteShapeAnimations()
+{
+    for (unsigned int a = 0; a < scene->mNumAnimations; a++) {
+        const aiAnimation& animation = *scene->mAnimations[a];
+        if (animation.mNumMorphMeshChannels + animation.mNumMeshChannels == 0)
+            continue;
+        const std::string what = "animation " + std::to_string(a) + " '" + animation.mName.C_Str() + "'";
+        notes.push_back(animation.mNumChannels == 0
+                            ? what + " is not converted: it changes mesh shapes (morph targets or mesh "
+                                     "replacement), which the engine's animations cannot"
+                            : what + " is converted without its channels that change mesh shapes (morph "
+                                     "targets or mesh replacement), which the engine's animations cannot");
+    }
+}
+
 bool ModelConverter::convert(std::string& error)
 {
     if (!fitDepth(error) || !check(error))
         return false;
+    noteShapeAnimations();
     PveFile file;
     file.text("PVE file v1.6a");
     writeMaterials(file);

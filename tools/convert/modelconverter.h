@@ -51,6 +51,7 @@ public:
 
 private:
     bool fitDepth(std::string& error);
+    void noteShapeAnimations();
     bool check(std::string& error) const;
     void writeMaterials(PveFile& file);
     void writeNode(PveFile& file, int index);
