@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs the built engine into a temporary prefix, then builds and runs a
-# small outside application against it twice: found with CMake's
-# find_package(Pevrano) and with pkg-config. Each run must write the
-# application's own line into the log (the shape of the whole log is the
-# library-load test's business).
+# small outside application against it: found with CMake's
+# find_package(Pevrano), with pkg-config, and with pkg-config's library
+# folder as run path; the installed tools must run from the prefix. Each run
+# must write the application's own line into the log (the shape of the whole
+# log is the library-load test's business).
 # Usage: check_install.sh SRC_DIR BUILD_DIR
 set -euo pipefail
 src=$(cd "$1" && pwd)
@@ -14,7 +15,10 @@ prefix="$work/prefix"
 
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
-cmake --build "$build" --target pevrano >/dev/null
+# The tools are installed with the engine when the build makes them.
+targets=(pevrano)
+[ ! -d "$build/tools" ] || targets+=(pevrano-convert pevrano-view pevrano-font)
+cmake --build "$build" --target "${targets[@]}" >/dev/null
 cmake --install "$build" --prefix "$prefix" >/dev/null
 [ -f "$prefix/include/pevrano/pevrano.h" ] || fail "pevrano.h not installed"
 
@@ -78,3 +82,23 @@ export PKG_CONFIG_PATH="$libdir/pkgconfig${PKG_CONFIG_PATH:+:$PKG_CONFIG_PATH}"
 # shellcheck disable=SC2046
 c++ -std=c++17 "$work/app/main.cpp" -o "$work/outside-pkgconfig" $(pkg-config --cflags --libs pevrano)
 check_run pkgconfig "$work/outside-pkgconfig"
+
+# Built with the run path the README gives, the application finds the
+# engine without LD_LIBRARY_PATH.
+# shellcheck disable=SC2046
+c++ -std=c++17 "$work/app/main.cpp" -o "$work/outside-rpath" $(pkg-config --cflags --libs pevrano) \
+  -Wl,-rpath,"$(pkg-config --variable=libdir pevrano)"
+(cd "$work" && LD_PRELOAD="$preload" env -u LD_LIBRARY_PATH "$work/outside-rpath" >/dev/null) ||
+  fail "rpath: the application built with pkg-config's library folder as run path failed"
+echo "rpath: the application ran from its run path"
+
+# The installed tools run from the prefix as they are, and their output is
+# theirs alone.
+if [ -d "$build/tools" ]; then
+  for tool in pevrano-convert pevrano-view; do
+    help=$(cd "$work" && LD_PRELOAD="$preload" env -u LD_LIBRARY_PATH "$prefix/bin/$tool" --help) ||
+      fail "$tool: the installed tool did not run"
+    [[ $help == "usage: $tool "* ]] || fail "$tool: --help printed more than the help: $help"
+  done
+  echo "tools: the installed tools ran from the prefix"
+fi
