@@ -60,6 +60,9 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         {models + "OBJ/testpoints.obj",
          "': No meshes remaining: the model's points and lines are dropped, the "
          "engine draws only triangles\n"},
+        {models + "PLY/points.ply",
+         "': Validation failed: Mesh  contains no faces: points are not converted, "
+         "the engine draws only triangles\n"},
         {models + "Collada/cameras.dae",
          "': the model holds 3 cameras, 0 lights and no geometry; cameras and "
          "lights are not converted\n"},
@@ -77,17 +80,27 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
     }
 }
 
-// A morph-target animation cannot be played by the engine: the model is
-// converted without it, and the converter says so.
-TEST_F(Converter, SaysWhichAnimationsItLeavesOut)
+// What the engine cannot keep is left out or kept with a warning; the model
+// is converted all the same.
+TEST_F(Converter, WarnsAboutWhatItCannotKeep)
 {
-    const std::string model =
-        models + "glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf";
-    ASSERT_EQ(run(model + " " + dir.file("cube.pve")), 0);
-    EXPECT_EQ(error,
-              "pevrano-convert: warning: animation 0 'Square' is not converted: it changes mesh shapes "
-              "(morph targets or mesh replacement), which the engine's animations cannot\n");
-    EXPECT_EQ(output, "wrote " + dir.file("cube.pve") + "\n");
+    const struct {
+        std::string model;
+        std::string warning;
+    } cases[] = {
+        {"glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf",
+         "animation 0 'Square' is not converted: it changes mesh shapes (morph targets or mesh replacement), "
+         "which the engine's animations cannot"},
+        {"glTF2/BoxWithInfinites-glTF-Binary/BoxWithInfinites.glb",
+         "the model has coordinates that are not finite numbers (node 'nodes_1'), which the engine cannot "
+         "place"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.model);
+        ASSERT_EQ(run(models + c.model + " " + dir.file("model.pve")), 0);
+        EXPECT_EQ(error, "pevrano-convert: warning: " + c.warning + "\n");
+        EXPECT_EQ(output, "wrote " + dir.file("model.pve") + "\n");
+    }
 }
 
 // A damaged file whose counts make Assimp ask for 16 GB stops at once at the

@@ -24,7 +24,7 @@ const char usage[] = "usage: pevrano-convert [options] <model> <output.pve>\n"
                      "  --texture-size <n>  largest side of a converted texture (1 to 256, default 256)\n"
                      "  --scale <factor>    scales the whole model (default 1)\n"
                      "  --fit <size>        scales the whole model so that its farthest vertex lies\n"
-                     "                      <size> units from the origin\n"
+                     "                      <size> units from the origin (instead of --scale)\n"
                      "  --memory-limit <mb> most memory the conversion may take, in megabytes (64 to\n"
                      "                      1048576, default 4096)\n"
                      "  --help              show this text\n";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 
 #include "assets/pvanim.h"
@@ -86,9 +87,12 @@ std::vector<std::vector<std::pair<unsigned int, float>>> influences(const aiMesh
 std::string importFailure(const Assimp::Importer& importer, const aiScene* scene)
 {
     const std::string error = importer.GetErrorString();
-    // Assimp's words when the primitive sorting has removed every mesh.
+    // Assimp's words when the primitive sorting has removed every mesh, and
+    // when a point cloud reaches its validation.
     if (error == "No meshes remaining")
         return error + ": the model's points and lines are dropped, the engine draws only triangles";
+    if (error.find("contains no faces") != std::string::npos)
+        return error + ": points are not converted, the engine draws only triangles";
     if (!error.empty())
         return error;
     // An incomplete scene has no geometry of its own (Assimp may add a placeholder).
@@ -280,7 +284,10 @@ bool ModelConverter::convert(std::string& error)
         if (scene->mAnimations[a]->mNumChannels > 0)
             animations.push_back(sampleAnimation(*scene->mAnimations[a]));
     measureReach();
-    if (reach > fixedRange)
+    if (std::isinf(reach))
+        notes.push_back("the model has coordinates that are not finite numbers (" + reachWhere +
+                        "), which the engine cannot place");
+    else if (reach > fixedRange)
         notes.push_back("the model reaches " + std::to_string(int(std::ceil(reach))) +
                         " units from the origin (" + reachWhere +
                         "), beyond the engine's fixed-point range of -32767 to 32767: " +
@@ -497,9 +504,12 @@ void ModelConverter::writeSkin(PveFile& file, const aiMesh* mesh)
         file.text(pose.nodes()[pose.indexOfName(mesh->mBones[b]->mName)].name);
 }
 
+// Infinite and NaN coordinates count as infinitely far.
 void ModelConverter::reachTo(const aiVector3D& point, const std::string& where)
 {
-    const float largest = std::max({std::fabs(point.x), std::fabs(point.y), std::fabs(point.z)});
+    const bool finite = std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+    const float largest = finite ? std::max({std::fabs(point.x), std::fabs(point.y), std::fabs(point.z)})
+                                 : std::numeric_limits<float>::infinity();
     if (largest <= reach)
         return;
     reach = largest;
