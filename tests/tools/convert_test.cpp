@@ -66,6 +66,10 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         {models + "Collada/cameras.dae",
          "': the model holds 3 cameras, 0 lights and no geometry; cameras and "
          "lights are not converted\n"},
+        // 31 animated links and the tip: one level more than the engine draws.
+        {PEVRANO_TEST_DATA "/convert/animated_chain.gltf",
+         "': the tree is 32 levels deep (node 'tip') even with the nodes that carry no geometry and no "
+         "animation folded away; the engine draws at most 31 levels\n"},
         {models + "Collada/anims_with_full_rotations_between_keys.DAE",
          "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no geometry and "
          "no "
