@@ -148,6 +148,9 @@ private:
             burst.count = 0;
             readFloat(b, "time", burst.time, 0.0f, largestValue);
             readInt(b, "count", burst.count, 0, PV_EMITTER_MAX_POOL);
+            // A cycle ends at its duration: a burst at or after it never fires.
+            if (def.duration > 0.0f && burst.time >= def.duration)
+                fail(b);
         }
     }
 
