@@ -7,6 +7,7 @@
 #include <png.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "enginefixture.h"
@@ -19,33 +20,26 @@ using Screenshot = pvtest::EngineTest;
 
 const int width = 160, height = 120;
 
+// The file's pixels as RGB rows, top row first; its size and colour type.
 struct Png {
-    png_uint_32 width = 0, height = 0, format = 0;
+    png_image image {};
     std::vector<png_byte> rgb;
 
-    Rgb at(int x, int y) const  // y from the top
+    explicit Png(const std::string& path)
     {
-        const png_byte* p = &rgb[(size_t(y) * width + size_t(x)) * 3];
+        image.version = PNG_IMAGE_VERSION;
+        EXPECT_TRUE(png_image_begin_read_from_file(&image, path.c_str()));
+        EXPECT_EQ(image.format, png_uint_32(PNG_FORMAT_RGB));
+        image.format = PNG_FORMAT_RGB;
+        rgb.resize(PNG_IMAGE_SIZE(image));
+        EXPECT_TRUE(png_image_finish_read(&image, nullptr, rgb.data(), 0, nullptr));
+    }
+    Rgb at(int x, int y) const
+    {
+        const png_byte* p = &rgb[(size_t(y) * image.width + size_t(x)) * 3];
         return {p[0] / 255.0, p[1] / 255.0, p[2] / 255.0};
     }
 };
-
-Png readPng(const std::string& path)
-{
-    png_image image {};
-    image.version = PNG_IMAGE_VERSION;
-    Png read;
-    if (!png_image_begin_read_from_file(&image, path.c_str()))
-        return read;
-    read.format = image.format;
-    image.format = PNG_FORMAT_RGB;
-    read.rgb.resize(PNG_IMAGE_SIZE(image));
-    if (png_image_finish_read(&image, nullptr, read.rgb.data(), 0, nullptr)) {
-        read.width = image.width;
-        read.height = image.height;
-    }
-    return read;
-}
 
 // Clears the rectangle (GL's y from the bottom) to the colour.
 void fill(int x, int y, int w, int h, const Rgb& colour)
@@ -74,19 +68,14 @@ TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
     ASSERT_TRUE(PEVRANO::screenshot(dir.file("shot.png").c_str()));
     EXPECT_EQ(log.fresh(), "");
 
-    const Png png = readPng(dir.file("shot.png"));
-    EXPECT_EQ(png.format, png_uint_32(PNG_FORMAT_RGB));
-    ASSERT_EQ(png.width, png_uint_32(width));
-    ASSERT_EQ(png.height, png_uint_32(height));
-    const struct {
-        int x, y;
-        Rgb colour;
-    } probes[] = {
+    const Png png(dir.file("shot.png"));
+    ASSERT_EQ(png.image.width, png_uint_32(width));
+    ASSERT_EQ(png.image.height, png_uint_32(height));
+    const std::tuple<int, int, Rgb> probes[] = {
         {0, 0, red},   {width - 1, 9, red},           {5, height - 1, green}, {19, height - 20, green},
         {0, 10, blue}, {width / 2, height / 2, blue}, {20, height - 1, blue}, {width - 1, height - 1, blue}};
-    for (const auto& probe : probes)
-        pvtest::expectColour(probe.colour, png.at(probe.x, probe.y),
-                             std::to_string(probe.x) + ", " + std::to_string(probe.y));
+    for (const auto& [x, y, colour] : probes)
+        pvtest::expectColour(colour, png.at(x, y), std::to_string(x) + ", " + std::to_string(y));
 }
 
 TEST_F(Screenshot, RefusalsAndTheCaption)
