@@ -119,7 +119,7 @@ public:
     // 24 vertices and 12 triangles; a plane lies in XZ facing +Y; a sphere
     // has slices around Y and stacks from pole to pole. Null, with a log
     // line, for a size that is not a positive number, fewer than 3 slices or
-    // 2 stacks, or a sphere beyond 65535 vertices.
+    // 2 stacks, or a sphere beyond 65535 vertices or triangles.
     static PVMESH* createBox(float sizeX, float sizeY, float sizeZ);
     static PVMESH* createPlane(float sizeX, float sizeZ);
     static PVMESH* createSphere(float radius, unsigned int slices, unsigned int stacks);

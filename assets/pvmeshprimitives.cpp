@@ -111,7 +111,9 @@ PVMESH* PVMESH::createPlane(float sizeX, float sizeZ)
 // triangle per slice.
 PVMESH* PVMESH::createSphere(float radius, unsigned int slices, unsigned int stacks)
 {
-    const bool fits = slices >= 3 && stacks >= 2 && (slices + 1ull) * (stacks + 1ull) <= 0xFFFF;
+    // Vertex and face counts are 16-bit.
+    const bool fits = slices >= 3 && stacks >= 2 && (slices + 1ull) * (stacks + 1ull) <= 0xFFFF &&
+                      slices * (2ull * stacks - 2) <= 0xFFFF;
     if (!positiveSize(radius) || !fits) {
         kvfLog("   [!] Invalid params @ PVMESH::createSphere\n");
         return nullptr;

@@ -77,16 +77,18 @@ TEST(MeshPrimitives, CountsBoundsAndRefusals)
     EXPECT_EQ(log.fresh(), "");
 
     const PVMESH* refused[] = {
-        PVMESH::createBox(0, 1, 1),    PVMESH::createBox(1, -1, 1),      PVMESH::createBox(1, 1, NAN),
-        PVMESH::createPlane(1, 0),     PVMESH::createPlane(INFINITY, 1), PVMESH::createSphere(0, 8, 4),
-        PVMESH::createSphere(1, 2, 4), PVMESH::createSphere(1, 8, 1),    PVMESH::createSphere(1, 300, 300),
+        PVMESH::createBox(0, 1, 1),        PVMESH::createBox(1, -1, 1),
+        PVMESH::createBox(1, 1, NAN),      PVMESH::createPlane(1, 0),
+        PVMESH::createPlane(INFINITY, 1),  PVMESH::createSphere(0, 8, 4),
+        PVMESH::createSphere(1, 2, 4),     PVMESH::createSphere(1, 8, 1),
+        PVMESH::createSphere(1, 300, 300), PVMESH::createSphere(1, 3, 16000),
     };
     for (const PVMESH* mesh : refused)
         EXPECT_EQ(mesh, nullptr);
     const std::string box = "   [!] Invalid params @ PVMESH::createBox\n";
     const std::string plane = "   [!] Invalid params @ PVMESH::createPlane\n";
     const std::string sphere = "   [!] Invalid params @ PVMESH::createSphere\n";
-    EXPECT_EQ(log.fresh(), box + box + box + plane + plane + sphere + sphere + sphere + sphere);
+    EXPECT_EQ(log.fresh(), box + box + box + plane + plane + sphere + sphere + sphere + sphere + sphere);
     PVNODE::cleanUp();
     PVMATERIAL::cleanUp();
 }
