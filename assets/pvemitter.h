@@ -139,6 +139,8 @@ private:
     void bindTexture() const;
     bool isClippedAway(const float* modelView) const;
 
+    // The description of a new emitter, and the one a file starts from.
+    static PVEMITTERDEF defaultDefinition();
     bool replaceTexture(const char* name);
     bool applyDefinition(const PVEMITTERDEF& loaded, const char* source);
 

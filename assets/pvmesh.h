@@ -113,6 +113,17 @@ public:
     bool setSkin(unsigned int perVertex, const uint8_t* indices, const float* weights, unsigned int boneCount,
                  const char* const* names);
 
+    // Meshes centred on their node's origin, with normals, texture
+    // coordinates (0 to 1 on each face of a box, over a plane, wrapped once
+    // around a sphere), bounds and a default material of their own. A box is
+    // 24 vertices and 12 triangles; a plane lies in XZ facing +Y; a sphere
+    // has slices around Y and stacks from pole to pole. Null, with a log
+    // line, for a size that is not a positive number, fewer than 3 slices or
+    // 2 stacks, or a sphere beyond 65535 vertices or triangles.
+    static PVMESH* createBox(float sizeX, float sizeY, float sizeZ);
+    static PVMESH* createPlane(float sizeX, float sizeZ);
+    static PVMESH* createSphere(float radius, unsigned int slices, unsigned int stacks);
+
     // Radius of any node the render list clips or sorts: a mesh's or a
     // helper's own, 0 for other types.
     static float radiusOf(PVNODE* node);
@@ -130,6 +141,8 @@ private:
     bool boneIndicesInRange() const;
     void convertToFixed(const float* positions, const float* vertexNormals, const float* coordinates);
     void releaseGeometry();
+    struct PRIMITIVE;
+    static PVMESH* fromPrimitive(const PRIMITIVE& shape, const char* operation);
     void releaseSkin();
     void copyArraysFrom(const PVMESH& other);
     void drawArrays(bool textured);

@@ -33,6 +33,14 @@ public:
     static bool swap();
     // Colour code of the selectable object drawn under a window point (y downwards).
     static unsigned int select(int x, int y);
+    // The window's caption (the start-up leaves it empty); nothing changes
+    // off-screen, where there is no window. False for a null text.
+    static bool setCaption(const char* text);
+    // Writes the frame drawn so far (the back buffer) as an RGB PNG file, top
+    // row first: call it before swap, after which the back buffer holds
+    // nothing reliable. False, with a log line, when the file cannot be
+    // written or the engine is not started.
+    static bool screenshot(const char* pngFile);
 
     // Adjourns the frame timer, at most once per frame.
     static void updateTimer();

@@ -11,7 +11,6 @@
 // directory. Either way it prints the frame rate it reached.
 #include "demointerface.h"
 #include "demoworld.h"
-#include "screenshot.h"
 
 #include <pevrano.h>
 
@@ -95,7 +94,7 @@ bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
         const char* picked =
             drawFrame(world, interface, frame ? offScreenStep : 0.0f, pickX, pickY, clock.framesPerSecond());
         if (frame == offScreenFrames - 1) {
-            saved = saveScreenshot(screenshot.c_str(), width, height);
+            saved = PEVRANO::screenshot(screenshot.c_str());
             std::printf("Last frame: pointer on %s, running speed %.2fx, name typed '%s'\n",
                         picked ? picked : "nothing", interface.getAnimationSpeed(), interface.getTypedName());
         }

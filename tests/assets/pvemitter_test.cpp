@@ -179,6 +179,7 @@ TEST_F(Emitters, UnusableDescriptionsAreRefusedWithTheirLogLine)
         {"nan_rate.xml", "Invalid <emission> in " + data + "nan_rate.xml"},
         {"bad_loop.xml", "Invalid <emission> in " + data + "bad_loop.xml"},
         {"too_many_bursts.xml", "Invalid <burst> in " + data + "too_many_bursts.xml"},
+        {"late_burst.xml", "Invalid <burst> in " + data + "late_burst.xml"},
         {"inverted_life.xml", "Invalid <life> in " + data + "inverted_life.xml"},
         {"zero_direction.xml", "Invalid <velocity> in " + data + "zero_direction.xml"},
         {"wide_spread.xml", "Invalid <velocity> in " + data + "wide_spread.xml"},

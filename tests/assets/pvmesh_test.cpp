@@ -237,15 +237,6 @@ protected:
         EXPECT_NE(nullptr, root) << log.text();
         return root;
     }
-    // Screen pixel of the world point (x, y, z) seen by the default camera.
-    static Rgb pixelOf(double x, double y, double z)
-    {
-        const double f = 1.0 / std::tan(PVOPENGL::getAngleOfView() * M_PI / 360.0);
-        const double aspect = double(windowWidth) / windowHeight;
-        const double sx = (f / aspect * x / -z + 1) * windowWidth / 2;
-        const double sy = (f * y / -z + 1) * windowHeight / 2;
-        return pixelAt(int(sx), int(sy));
-    }
 };
 
 // A lit quad in front of the camera, a hidden one in front of it, a light at
@@ -274,8 +265,8 @@ TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
     sparks->link(root);
     sparks->update(0.125f);
     drawFrame(root, nullptr);
-    expectColour({0.5, 0.25, 0}, pixelOf(0, 0, -5), "lit quad");
-    expectColour(background, pixelOf(1.5, 0, -5), "beside the quad");
+    expectColour({0.5, 0.25, 0}, pixelOfPoint(0, 0, -5), "lit quad");
+    expectColour(background, pixelOfPoint(1.5, 0, -5), "beside the quad");
     const unsigned int id = root->getChild(1)->getId();
     EXPECT_EQ(id, PEVRANO::select(windowWidth / 2, windowHeight / 2));
     EXPECT_EQ(0u, PEVRANO::select(2, 2));
@@ -330,12 +321,12 @@ TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
     ASSERT_NE(nullptr, root);
     EXPECT_NE(std::string::npos, log.text().find("   Building bones for skin... done\n"));
     drawFrame(root, nullptr);
-    expectColour({1, 0, 0}, pixelOf(0, 0, -5), "skin at rest");
-    expectColour(background, pixelOf(2, 0, -5), "right of the skin at rest");
+    expectColour({1, 0, 0}, pixelOfPoint(0, 0, -5), "skin at rest");
+    expectColour(background, pixelOfPoint(2, 0, -5), "right of the skin at rest");
     root->findByNameInHierarchy("bone")->setPosition(2, 0, 0);
     drawFrame(root, nullptr);
-    expectColour(background, pixelOf(0, 0, -5), "where the skin was");
-    expectColour({1, 0, 0}, pixelOf(2, 0, -5), "skin moved with its bone");
+    expectColour(background, pixelOfPoint(0, 0, -5), "where the skin was");
+    expectColour({1, 0, 0}, pixelOfPoint(2, 0, -5), "skin moved with its bone");
 }
 
 // Seventeen skinned meshes in one frame: the last finds the cache full, is

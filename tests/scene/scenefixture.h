@@ -7,6 +7,7 @@
 
 #include <GLES/gl.h>
 
+#include <cmath>
 #include <string>
 
 #include <pevrano.h>
@@ -36,6 +37,17 @@ inline void drawFrame(PVNODE* root, PVCAMERA* camera)
     PEVRANO::begin3D(camera);
     root->pass(false);
     PEVRANO::end3D(false);
+}
+
+// Screen pixel of the world point (x, y, z) seen by the default camera (at
+// the origin, looking down -z).
+inline Rgb pixelOfPoint(double x, double y, double z)
+{
+    const double f = 1.0 / std::tan(PVOPENGL::getAngleOfView() * M_PI / 360.0);
+    const double aspect = double(windowWidth) / windowHeight;
+    const double sx = (f / aspect * x / -z + 1) * windowWidth / 2;
+    const double sy = (f * y / -z + 1) * windowHeight / 2;
+    return pixelAt(int(sx), int(sy));
 }
 
 }  // namespace pvtest
