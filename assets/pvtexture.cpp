@@ -18,6 +18,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfstring.h"
 
 PVTEXTURE* PVTEXTURE::firstTexture = nullptr;
 unsigned long PVTEXTURE::usedMemory = 0;
@@ -251,7 +252,7 @@ PVTEXTURE* PVTEXTURE::getPrevious() { return previous; }
 
 void PVTEXTURE::setPath(const char* path)
 {
-    snprintf(texturePath, sizeof(texturePath), "%s", path ? path : "");
+    kvfCopyIfFits(texturePath, sizeof texturePath, path ? path : "");
 }
 
 char* PVTEXTURE::getPath() { return texturePath; }
@@ -359,7 +360,8 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
     sizeY = height;
     memorySize = sizeX * sizeY * 4;
     usedMemory += memorySize;
-    snprintf(filename, sizeof(filename), "%s", name);
+    // name may be this texture's own filename (a reload after eviction).
+    kvfCopyIfFits(filename, sizeof filename, name);
     return true;
 }
 
@@ -427,7 +429,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
     sizeX = newSizeX;
     sizeY = newSizeY;
     format = newFormat;
-    strcpy(filename, "[dynamic]");
+    kvfCopyIfFits(filename, sizeof filename, "[dynamic]");
     return update();
 }
 
