@@ -194,6 +194,10 @@ void halveLevel(unsigned char* pixels, size_t capacity, unsigned int bytes, unsi
     }
 }
 
+// A texture is found by its file name: one that the name field cannot hold
+// whole is refused rather than cut.
+bool fitsFilename(const char* name) { return strnlen(name, PV_TEXTURE_NAME_SIZE) < PV_TEXTURE_NAME_SIZE; }
+
 GLenum glFormatOf(unsigned int format) { return format == 3 ? GL_RGB : GL_RGBA; }
 
 }  // namespace
@@ -279,7 +283,7 @@ unsigned int PVTEXTURE::getCubeType() { return cubeType; }
 
 bool PVTEXTURE::load(const char* name)
 {
-    if (!name) {
+    if (!name || !fitsFilename(name)) {
         kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
         return false;
     }
@@ -315,6 +319,10 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
 {
     if (!data || !name)
         return false;
+    if (!fitsFilename(name)) {
+        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+        return false;
+    }
     if (length < TGA_HEADER_SIZE) {
         kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
         return false;

@@ -129,4 +129,25 @@ TEST_F(TextureFiles, NamesPathAndReplacedBitmap)
                           "   [!] Unable to open file missing.tga @ PVTEXTURE::loadTGA\n");
 }
 
+// A name the texture cannot hold whole is refused before any file is read.
+TEST_F(TextureFiles, NamesLongerThanTheNameFieldAreRefused)
+{
+    const std::string folder(150, 'd');
+    ASSERT_EQ(system(("mkdir " + folder).c_str()), 0);
+    const std::string longest = folder + "/" + std::string(100, 'f') + ".tga";  // 255 characters
+    const std::string tooLong = folder + "/" + std::string(101, 'f') + ".tga";
+    const std::string file = tgaFile(TGA_RAW, 1, 1, 24, 0, bgr1);
+    writeFile(longest, file);
+    writeFile(tooLong, file);
+    PVTEXTURE texture;
+    EXPECT_FALSE(texture.load(tooLong.c_str()));
+    EXPECT_FALSE(
+        texture.loadTGA(reinterpret_cast<const unsigned char*>(file.data()), file.size(), tooLong.c_str()));
+    EXPECT_EQ(texture.getBitmap(), nullptr);
+    ASSERT_TRUE(texture.load(longest.c_str()));
+    EXPECT_EQ(PVTEXTURE::findByFilename(longest.c_str()), &texture);
+    EXPECT_EQ(log.text(),
+              "   [!] Invalid params @ PVTEXTURE@loadTGA\n   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+}
+
 }  // namespace
