@@ -248,6 +248,22 @@ PVTEXTURE* PVTEXTURE::findByFilename(const char* name)
 {
     return Registry::findByText(&PVTEXTURE::filename, name);
 }
+PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+{
+    PVTEXTURE* texture = findByFilename(name);
+    if (loadedNow)
+        *loadedNow = !texture;
+    if (!texture) {
+        texture = new PVTEXTURE();
+        if (!texture->load(name)) {
+            delete texture;
+            return nullptr;
+        }
+    }
+    texture->incReferences();
+    return texture;
+}
+
 PVTEXTURE* PVTEXTURE::findById(unsigned int wanted) { return Registry::findByValue(&PVTEXTURE::id, wanted); }
 unsigned int PVTEXTURE::getNumberOfTextures() { return Registry::count(); }
 PVTEXTURE* PVTEXTURE::getFirst() { return firstTexture; }

@@ -29,6 +29,12 @@ public:
     // Deletes every registered texture; false (no log line) when there was none.
     static bool cleanUp();
     static PVTEXTURE* findByFilename(const char* name);
+    // The registered texture of that file name, else a new one read from the
+    // file (no GL call: its first render uploads it). The caller holds one
+    // reference on it and gives it back with decReferences. Null, with
+    // nothing kept, when no texture has the name and the file cannot be
+    // read; loadedNow (optional) tells whether the file was read by this call.
+    static PVTEXTURE* acquire(const char* name, bool* loadedNow = nullptr);
     static PVTEXTURE* findById(unsigned int id);
     static unsigned int getNumberOfTextures();
     static PVTEXTURE* getFirst();
