@@ -98,6 +98,7 @@ private:
     // cache entry as modify does.
     friend class PVVIDEO;
 
+    static bool fitsFilename(const char* name);
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
     bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);
