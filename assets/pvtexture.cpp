@@ -260,8 +260,7 @@ bool PVTEXTURE::update()
         bitmap = pixels;
     }
     glGenTextures(1, &glId);
-    channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    bindForUpload();
     const GLfixed filter = trilinear ? GL_LINEAR : GL_NEAREST;
     GLfixed minFilter = filter;
     if (mipmapped)
@@ -319,8 +318,7 @@ bool PVTEXTURE::modify(const char* pixels, bool keepCopy)
         }
         memcpy(bitmap, pixels, bytes);
     }
-    channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    bindForUpload();
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, sizeX, sizeY, glFormatOf(format), GL_UNSIGNED_BYTE, pixels);
     return true;
@@ -361,6 +359,14 @@ void PVTEXTURE::releaseVideoMemory()
     PEVRANO::popVideoMemory(memorySize);
     if (mipmapCharged)
         PEVRANO::popVideoMemory(memorySize);
+}
+
+// Binds the texture to write its pixels. Unit 0's cache entry no longer
+// tells what is bound, so it is dropped: the next render binds again.
+void PVTEXTURE::bindForUpload()
+{
+    channelCache[0] = nullptr;
+    glBindTexture(GL_TEXTURE_2D, glId);
 }
 
 bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)
@@ -431,7 +437,9 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
     unsigned int filled = 0;
     for (PVTEXTURE* texture = firstTexture; texture; texture = texture->next)
         sorted[filled++] = texture;
-    // Most recently rendered first: eviction starts with the newest.
+    // Most recently rendered first: eviction starts with the newest. The
+    // order is deliberate and kept: it is not to be turned into
+    // least-recently-used.
     std::stable_sort(sorted, sorted + count,
                      [](const PVTEXTURE* a, const PVTEXTURE* b) { return a->timeStamp > b->timeStamp; });
     logReport(sorted, count, limit);

@@ -94,10 +94,10 @@ public:
 
 private:
     friend struct PVTESTACCESS;
-    // A video binds its texture itself to upload a frame, and drops unit 0's
-    // cache entry as modify does.
+    // A video writes its frames into its texture through bindForUpload.
     friend class PVVIDEO;
 
+    void bindForUpload();
     static bool fitsFilename(const char* name);
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
     bool flipRows(unsigned int width, unsigned int height);
