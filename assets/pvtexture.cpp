@@ -189,11 +189,32 @@ bool PVTEXTURE::load(const char* name)
     }
     const bool complete = fread(buffer, 1, size_t(size), file) == size_t(size);
     fclose(file);
-    const bool loaded = complete && loadTGA(buffer, size_t(size), name);
+    const bool loaded = complete && loadImage(buffer, size_t(size), name);
     if (!complete)
         kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
     kvfFree(buffer);
     return loaded;
+}
+
+// The bitmap a load replaces, given back to the system-memory account.
+void PVTEXTURE::releaseLoadedBitmap()
+{
+    if (!bitmap)
+        return;
+    releaseBitmap();
+    usedMemory -= memorySize;
+}
+
+// What every successful load records: sizes, the memory charged (four bytes
+// a pixel whatever the format) and the name.
+void PVTEXTURE::storeLoaded(unsigned int width, unsigned int height, const char* name)
+{
+    sizeX = width;
+    sizeY = height;
+    memorySize = sizeX * sizeY * 4;
+    usedMemory += memorySize;
+    // name may be this texture's own filename (a reload after eviction).
+    kvfCopyIfFits(filename, sizeof filename, name);
 }
 
 void PVTEXTURE::releaseBitmap()
@@ -338,8 +359,7 @@ bool PVTEXTURE::unload(bool freeBitmap)
 {
     bool released = false;
     if (freeBitmap && bitmap) {
-        releaseBitmap();
-        usedMemory -= memorySize;
+        releaseLoadedBitmap();
         released = true;
     }
     if (glId) {

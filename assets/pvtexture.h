@@ -1,7 +1,8 @@
 // The engine's image resource: an RGB or RGBA picture kept as a bitmap in
 // system memory (bottom row first, R,G,B(,A) bytes) and, once uploaded, as a
 // GL texture charged to the engine's video-memory account. Pictures come
-// from TGA files (uncompressed or run-length) or are created empty. Every
+// from TGA (uncompressed or run-length), PNG or JPEG files, or are created
+// empty. Every
 // texture is registered so that it can be found by name or id, swept by the
 // garbage collector and released at shut-down. The class also keeps the
 // texturing switch and the last bound texture per texture unit.
@@ -66,8 +67,12 @@ public:
     void setCubeType(unsigned int type);
     unsigned int getCubeType();
 
-    // Reads a TGA file (texture path + filename) into the bitmap; no GL call.
+    // Reads a TGA, PNG or JPEG file (texture path + filename) into the
+    // bitmap; no GL call.
     bool load(const char* filename);
+    // Decodes a whole picture file held in memory, PNG or JPEG by their first
+    // bytes, else TGA; name is the one log lines show and the texture takes.
+    bool loadImage(const unsigned char* data, size_t length, const char* name);
     // Decodes a whole TGA file held in memory into the bitmap; name is the
     // one log lines show and the texture takes.
     bool loadTGA(const unsigned char* data, size_t length, const char* name);
@@ -103,6 +108,8 @@ private:
     bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);
     void releaseBitmap();
+    void releaseLoadedBitmap();
+    void storeLoaded(unsigned int width, unsigned int height, const char* name);
     void releaseVideoMemory();
     static void logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit);
 

@@ -12,7 +12,6 @@
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfreader.h"
-#include "foundation/kvfstring.h"
 
 namespace {
 
@@ -158,10 +157,7 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         return false;
     }
     format = depth / 8;
-    if (bitmap) {
-        releaseBitmap();
-        usedMemory -= memorySize;
-    }
+    releaseLoadedBitmap();
     bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * format));
     if (!bitmap) {
         kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
@@ -185,12 +181,7 @@ bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* na
         releaseBitmap();
         return false;
     }
-    sizeX = width;
-    sizeY = height;
-    memorySize = sizeX * sizeY * 4;
-    usedMemory += memorySize;
-    // name may be this texture's own filename (a reload after eviction).
-    kvfCopyIfFits(filename, sizeof filename, name);
+    storeLoaded(width, height, name);
     return true;
 }
 
