@@ -157,17 +157,20 @@ bool PVTEXTURE::isClamped() { return clamped; }
 void PVTEXTURE::setCubeType(unsigned int type) { cubeType = type; }
 unsigned int PVTEXTURE::getCubeType() { return cubeType; }
 
-bool PVTEXTURE::fitsFilename(const char* name)
+// A texture is found by its file name: a name the field cannot hold whole is
+// refused rather than cut.
+bool PVTEXTURE::acceptsName(const char* name)
 {
-    return strnlen(name, PV_TEXTURE_NAME_SIZE) < PV_TEXTURE_NAME_SIZE;
+    if (name && strnlen(name, PV_TEXTURE_NAME_SIZE) < PV_TEXTURE_NAME_SIZE)
+        return true;
+    kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+    return false;
 }
 
 bool PVTEXTURE::load(const char* name)
 {
-    if (!name || !fitsFilename(name)) {
-        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+    if (!acceptsName(name))
         return false;
-    }
     if (strcmp(name, "[dynamic]") == 0)
         return true;
     char path[2 * PV_TEXTURE_NAME_SIZE];

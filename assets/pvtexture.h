@@ -103,7 +103,9 @@ private:
     friend class PVVIDEO;
 
     void bindForUpload();
-    static bool fitsFilename(const char* name);
+    // False, with the invalid-parameter line, for a null name or one the
+    // filename field cannot hold whole.
+    static bool acceptsName(const char* name);
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
     bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);

@@ -256,12 +256,8 @@ void logRefusal(Decoded result, const PICTURE& picture, const char* name)
 
 bool PVTEXTURE::loadImage(const unsigned char* data, size_t length, const char* name)
 {
-    if (!data || !name)
+    if (!data || !acceptsName(name))
         return false;
-    if (!fitsFilename(name)) {
-        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
-        return false;
-    }
     const bool png = startsWith(data, length, PNG_SIGNATURE, sizeof PNG_SIGNATURE);
     if (!png && !startsWith(data, length, JPEG_SIGNATURE, sizeof JPEG_SIGNATURE)) {
         if (looksLikeTga(data, length))

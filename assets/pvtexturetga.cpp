@@ -137,12 +137,8 @@ bool decodeBody(bool runLength, KVFREADER& reader, unsigned char* bitmap, size_t
 
 bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* name)
 {
-    if (!data || !name)
+    if (!data || !acceptsName(name))
         return false;
-    if (!fitsFilename(name)) {
-        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
-        return false;
-    }
     if (length < TGA_HEADER_SIZE) {
         kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
         return false;
