@@ -118,7 +118,8 @@ Decoded readPngPixels(png_structp png, png_infop info, PICTURE& picture, png_byt
         return Decoded::TOO_LARGE;
     convertPngToRgb(png, info);
     picture.format = png_get_channels(png, info);
-    if (picture.format != 3 && picture.format != 4)
+    if ((picture.format != 3 && picture.format != 4) ||
+        png_get_rowbytes(png, info) != size_t(picture.width) * picture.format)
         return Decoded::UNSUPPORTED;
     rows = static_cast<png_bytep*>(kvfMalloc(picture.height * sizeof(png_bytep)));
     if (!rows || !allocatePixels(picture))
@@ -199,6 +200,9 @@ Decoded readJpegPixels(jpeg_decompress_struct& input, PICTURE& picture)
     if (!allocatePixels(picture))
         return Decoded::NO_MEMORY;
     jpeg_start_decompress(&input);
+    if (input.output_components != 3 || input.output_width != picture.width ||
+        input.output_height != picture.height)
+        return Decoded::UNSUPPORTED;
     while (input.output_scanline < input.output_height) {
         JSAMPROW row = rowFromTop(picture, input.output_scanline);
         jpeg_read_scanlines(&input, &row, 1);
