@@ -13,6 +13,7 @@
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfreader.h"
+#include "foundation/kvfstring.h"
 #include "scene/pvnode.h"
 
 char PVANIM::pvaPath[PV_ANIM_NAME_SIZE] = "";
@@ -55,15 +56,6 @@ void writeVector(std::string& out, const K3MVECTOR3D& value)
 float& component(K3MVECTOR3D& vector, int index)
 {
     return index == 0 ? vector.x : index == 1 ? vector.y : vector.z;
-}
-
-// Copies text into a name buffer when it fits; otherwise leaves it alone.
-bool copyIfFits(char* destination, const char* text)
-{
-    if (!text || strlen(text) >= PV_ANIM_NAME_SIZE)
-        return false;
-    strcpy(destination, text);
-    return true;
 }
 
 }  // namespace
@@ -113,7 +105,7 @@ void PVANIM::setPVAPath(const char* path)
     if (!path)
         pvaPath[0] = '\0';
     else
-        copyIfFits(pvaPath, path);
+        kvfCopyIfFits(pvaPath, sizeof pvaPath, path);
 }
 
 char* PVANIM::getPVAPath() { return pvaPath; }
@@ -161,7 +153,7 @@ bool PVANIM::setNumberOfFrames(unsigned int count)
 
 bool PVANIM::setBoneName(unsigned int index, const char* boneName)
 {
-    return index < PV_ANIM_MAX_BONES && copyIfFits(boneNames[index], boneName);
+    return index < PV_ANIM_MAX_BONES && kvfCopyIfFits(boneNames[index], sizeof boneNames[index], boneName);
 }
 
 char* PVANIM::getBoneName(unsigned int index)
@@ -204,7 +196,7 @@ bool PVANIM::load(char* file)
     bool loaded = readFile(file, data, size) && parse(file, reinterpret_cast<unsigned char*>(data), size);
     kvfFree(data);
     if (loaded)
-        copyIfFits(fileName, file);
+        kvfCopyIfFits(fileName, sizeof fileName, file);
     return loaded;
 }
 
@@ -238,7 +230,7 @@ bool PVANIM::parse(const char* file, const unsigned char* data, unsigned int siz
     nbBones = bones;
     nbFrames = frames;
     for (unsigned int b = 0; b < bones; b++)
-        strcpy(boneNames[b], names[b]);
+        kvfCopyIfFits(boneNames[b], sizeof boneNames[b], names[b]);
     for (unsigned int f = 0; f < frames; f++)
         for (unsigned int b = 0; b < bones; b++) {
             PVBONEFRAME& target = record(f, b);

@@ -43,15 +43,15 @@ bool readColours(KVFREADER& reader, MATERIALCOLOURS& colours)
            reader.readFloat(colours.transparency) && reader.readFloat(colours.shininess);
 }
 
-// The texture of that file name, loaded now if no texture has it yet (a
-// texture that fails to load is kept all the same).
+// The texture of that file name, loaded now if no texture has it yet; one
+// that fails to load is kept all the same, under its default name. The
+// material it goes to counts its own reference, so the loader's is given back.
 PVTEXTURE* findOrLoadTexture(const char* fileName)
 {
-    PVTEXTURE* texture = PVTEXTURE::findByFilename(fileName);
-    if (texture)
-        return texture;
-    texture = new PVTEXTURE();
-    texture->load(fileName);
+    PVTEXTURE* texture = PVTEXTURE::acquire(fileName);
+    if (!texture)
+        return new PVTEXTURE();
+    texture->decReferences();
     return texture;
 }
 

@@ -491,16 +491,18 @@ bool PVEMITTER::replaceTexture(const char* file)
 {
     PVTEXTURE* replacement = nullptr;
     if (*file) {
-        replacement = PVTEXTURE::findByFilename(file);
-        if (!replacement) {
-            replacement = new PVTEXTURE();
-            if (!replacement->load(file) || !replacement->update()) {
-                delete replacement;
-                kvfLog("   [!] Unable to load texture %s @ PVEMITTER::load\n", file);
-                return false;
-            }
+        bool loadedNow = false;
+        replacement = PVTEXTURE::acquire(file, &loadedNow);
+        // A texture read now is uploaded at once, so that a file that gives
+        // no pixels is refused here rather than at the first draw.
+        if (replacement && loadedNow && !replacement->update()) {
+            delete replacement;
+            replacement = nullptr;
         }
-        replacement->incReferences();
+        if (!replacement) {
+            kvfLog("   [!] Unable to load texture %s @ PVEMITTER::load\n", file);
+            return false;
+        }
     }
     if (texture)
         texture->decReferences();

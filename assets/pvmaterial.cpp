@@ -15,6 +15,7 @@
 #include "core/pvsettings.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
+#include "foundation/kvfstring.h"
 
 PVMATERIAL* PVMATERIAL::firstMaterial = nullptr;
 PVMATERIAL* PVMATERIAL::currentMaterial = nullptr;
@@ -135,11 +136,7 @@ void PVMATERIAL::clone(PVMATERIAL* source)
     shader = source->shader;
 }
 
-void PVMATERIAL::setName(const char* newName)
-{
-    if (newName && strlen(newName) < PV_MATERIAL_NAME_SIZE)
-        memmove(name, newName, strlen(newName) + 1);
-}
+void PVMATERIAL::setName(const char* newName) { kvfCopyIfFits(name, sizeof name, newName); }
 
 char* PVMATERIAL::getName() { return name; }
 unsigned int PVMATERIAL::getId() { return id; }

@@ -1,12 +1,9 @@
-// Textures: registry, TGA decoding, upload with a CPU-built mipmap chain,
+// Textures: registry, file reading, upload with a CPU-built mipmap chain,
 // the video-memory account, per-unit bind cache and the garbage collector.
+// TGA decoding is in pvtexturetga.cpp.
 #include "assets/pvtexture.h"
 
 #include <GLES/gl.h>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -18,6 +15,7 @@
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfstring.h"
 
 PVTEXTURE* PVTEXTURE::firstTexture = nullptr;
 unsigned long PVTEXTURE::usedMemory = 0;
@@ -27,141 +25,8 @@ bool PVTEXTURE::channelActive[PV_TEXTURE_UNITS] = {};
 
 namespace {
 
-const unsigned int TGA_HEADER_SIZE = 18;
-const unsigned char TGA_RAW_HEADER[12] = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-const unsigned char TGA_RLE_HEADER[12] = {0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 const unsigned int DYNAMIC_FORMAT_FIRST = 3;
 const unsigned int DYNAMIC_FORMAT_LAST = 6;
-
-// Reads forward through a byte buffer; every take is checked against the
-// bytes that are actually there.
-class ByteCursor {
-public:
-    ByteCursor(const unsigned char* data, size_t length) : data_(data), end_(data + length) {}
-
-    size_t remaining() const { return size_t(end_ - data_); }
-
-    // Pointer to the next count bytes, consumed; null when fewer are left.
-    const unsigned char* take(size_t count)
-    {
-        if (count > remaining())
-            return nullptr;
-        const unsigned char* taken = data_;
-        data_ += count;
-        return taken;
-    }
-
-private:
-    const unsigned char* data_;
-    const unsigned char* end_;
-};
-
-// Copies pixels stored B,G,R(,A) into R,G,B(,A) order.
-template <unsigned int Bytes>
-void swizzlePortable(unsigned char* destination, const unsigned char* source, size_t pixels)
-{
-    for (size_t i = 0; i < pixels; i++, destination += Bytes, source += Bytes) {
-        destination[0] = source[2];
-        destination[1] = source[1];
-        destination[2] = source[0];
-        if (Bytes == 4)
-            destination[3] = source[3];
-    }
-}
-
-#if defined(__x86_64__) || defined(__i386__)
-// The same with one byte shuffle per 16 bytes: five 24-bit pixels (the
-// 16th byte is rewritten by the next step) or four 32-bit ones. Both
-// buffers must hold 16 bytes from every step's start.
-template <unsigned int Bytes>
-__attribute__((target("ssse3"))) void swizzleShuffled(unsigned char* destination, const unsigned char* source,
-                                                      size_t pixels)
-{
-    const unsigned int step = 16 / Bytes;
-    const __m128i order = Bytes == 3 ? _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15)
-                                     : _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15);
-    size_t done = 0;
-    for (; done + step + 1 <= pixels; done += step) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + done * Bytes));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(destination + done * Bytes),
-                         _mm_shuffle_epi8(block, order));
-    }
-    swizzlePortable<Bytes>(destination + done * Bytes, source + done * Bytes, pixels - done);
-}
-
-bool detectByteShuffle()
-{
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("ssse3");
-}
-
-const bool hasByteShuffle = detectByteShuffle();
-#endif
-
-template <unsigned int Bytes>
-void swizzlePixels(unsigned char* destination, const unsigned char* source, size_t pixels)
-{
-#if defined(__x86_64__) || defined(__i386__)
-    if (hasByteShuffle) {
-        swizzleShuffled<Bytes>(destination, source, pixels);
-        return;
-    }
-#endif
-    swizzlePortable<Bytes>(destination, source, pixels);
-}
-
-template <unsigned int Bytes>
-void repeatPixel(unsigned char* destination, const unsigned char* source, size_t pixels)
-{
-    unsigned char pixel[Bytes];
-    swizzlePixels<Bytes>(pixel, source, 1);
-    for (size_t i = 0; i < pixels; i++, destination += Bytes)
-        memcpy(destination, pixel, Bytes);
-}
-
-template <unsigned int Bytes> bool decodeRaw(ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
-{
-    const unsigned char* source = cursor.take(pixels * Bytes);
-    if (!source)
-        return false;
-    swizzlePixels<Bytes>(bitmap, source, pixels);
-    return true;
-}
-
-// Run-length packets until every pixel is written; a packet running past
-// the image end is cut there.
-template <unsigned int Bytes> bool decodeRunLength(ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
-{
-    size_t written = 0;
-    while (written < pixels) {
-        const unsigned char* packet = cursor.take(1);
-        if (!packet)
-            return false;
-        const bool repeat = *packet >= 128;
-        const size_t count = std::min<size_t>(repeat ? *packet - 127 : *packet + 1, pixels - written);
-        unsigned char* destination = bitmap + written * Bytes;
-        if (repeat) {
-            const unsigned char* source = cursor.take(Bytes);
-            if (!source)
-                return false;
-            repeatPixel<Bytes>(destination, source, count);
-        } else {
-            const unsigned char* source = cursor.take(count * Bytes);
-            if (!source)
-                return false;
-            swizzlePixels<Bytes>(destination, source, count);
-        }
-        written += count;
-    }
-    return true;
-}
-
-template <unsigned int Bytes>
-bool decodeBody(bool runLength, ByteCursor& cursor, unsigned char* bitmap, size_t pixels)
-{
-    return runLength ? decodeRunLength<Bytes>(cursor, bitmap, pixels)
-                     : decodeRaw<Bytes>(cursor, bitmap, pixels);
-}
 
 // One box-filtered mipmap level, written in place over the previous one.
 // Source pixel (x, y) is read at y * 2 * width + x, the rows being taken to
@@ -243,6 +108,22 @@ PVTEXTURE* PVTEXTURE::findByFilename(const char* name)
 {
     return Registry::findByText(&PVTEXTURE::filename, name);
 }
+PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+{
+    PVTEXTURE* texture = findByFilename(name);
+    if (loadedNow)
+        *loadedNow = !texture;
+    if (!texture) {
+        texture = new PVTEXTURE();
+        if (!texture->load(name)) {
+            delete texture;
+            return nullptr;
+        }
+    }
+    texture->incReferences();
+    return texture;
+}
+
 PVTEXTURE* PVTEXTURE::findById(unsigned int wanted) { return Registry::findByValue(&PVTEXTURE::id, wanted); }
 unsigned int PVTEXTURE::getNumberOfTextures() { return Registry::count(); }
 PVTEXTURE* PVTEXTURE::getFirst() { return firstTexture; }
@@ -251,7 +132,7 @@ PVTEXTURE* PVTEXTURE::getPrevious() { return previous; }
 
 void PVTEXTURE::setPath(const char* path)
 {
-    snprintf(texturePath, sizeof(texturePath), "%s", path ? path : "");
+    kvfCopyIfFits(texturePath, sizeof texturePath, path ? path : "");
 }
 
 char* PVTEXTURE::getPath() { return texturePath; }
@@ -276,12 +157,20 @@ bool PVTEXTURE::isClamped() { return clamped; }
 void PVTEXTURE::setCubeType(unsigned int type) { cubeType = type; }
 unsigned int PVTEXTURE::getCubeType() { return cubeType; }
 
+// A texture is found by its file name: a name the field cannot hold whole is
+// refused rather than cut.
+bool PVTEXTURE::acceptsName(const char* name)
+{
+    if (name && strnlen(name, PV_TEXTURE_NAME_SIZE) < PV_TEXTURE_NAME_SIZE)
+        return true;
+    kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+    return false;
+}
+
 bool PVTEXTURE::load(const char* name)
 {
-    if (!name) {
-        kvfLog("   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+    if (!acceptsName(name))
         return false;
-    }
     if (strcmp(name, "[dynamic]") == 0)
         return true;
     char path[2 * PV_TEXTURE_NAME_SIZE];
@@ -303,96 +192,32 @@ bool PVTEXTURE::load(const char* name)
     }
     const bool complete = fread(buffer, 1, size_t(size), file) == size_t(size);
     fclose(file);
-    const bool loaded = complete && loadTGA(buffer, size_t(size), name);
+    const bool loaded = complete && loadImage(buffer, size_t(size), name);
     if (!complete)
         kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
     kvfFree(buffer);
     return loaded;
 }
 
-bool PVTEXTURE::loadTGA(const unsigned char* data, size_t length, const char* name)
+// The bitmap a load replaces, given back to the system-memory account.
+void PVTEXTURE::releaseLoadedBitmap()
 {
-    if (!data || !name)
-        return false;
-    if (length < TGA_HEADER_SIZE) {
-        kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
-        return false;
-    }
-    const unsigned int width = data[12] + 256u * data[13];
-    const unsigned int height = data[14] + 256u * data[15];
-    const unsigned int depth = data[16];
-    const unsigned int descriptor = data[17];
-    if ((depth != 24 && depth != 32) || width < 1 || width > PV_TEXTURE_MAX_SIZE || height < 1 ||
-        height > PV_TEXTURE_MAX_SIZE) {
-        kvfLog("   [!] Unsupported depth or sizes for %s @ PVTEXTURE::loadTGA\n", name);
-        return false;
-    }
-    format = depth / 8;
-    if (bitmap) {
-        releaseBitmap();
-        usedMemory -= memorySize;
-    }
-    bitmap = static_cast<unsigned char*>(kvfMalloc(width * height * format));
-    if (!bitmap) {
-        kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
-        return false;
-    }
-    const bool raw = memcmp(data, TGA_RAW_HEADER, sizeof(TGA_RAW_HEADER)) == 0;
-    const bool runLength = memcmp(data, TGA_RLE_HEADER, sizeof(TGA_RLE_HEADER)) == 0;
-    if (raw || runLength) {
-        if (!decodePixels(data, length, size_t(width) * height)) {
-            kvfLog("   [!] File corrupted %s @ PVTEXTURE::loadTGA\n", name);
-            releaseBitmap();
-            return false;
-        }
-    } else {
-        // The load goes on and reports success, with no pixels kept.
-        kvfLog("   [!] Unsupported file header for %s @ PVTEXTURE::loadTGA\n", name);
-        releaseBitmap();
-    }
-    if (descriptor >= 16 && !flipRows(width, height)) {
-        kvfLog("   [!] Out of memory for %s @ PVTEXTURE::loadTGA\n", name);
-        releaseBitmap();
-        return false;
-    }
+    if (!bitmap)
+        return;
+    releaseBitmap();
+    usedMemory -= memorySize;
+}
+
+// What every successful load records: sizes, the memory charged (four bytes
+// a pixel whatever the format) and the name.
+void PVTEXTURE::storeLoaded(unsigned int width, unsigned int height, const char* name)
+{
     sizeX = width;
     sizeY = height;
     memorySize = sizeX * sizeY * 4;
     usedMemory += memorySize;
-    snprintf(filename, sizeof(filename), "%s", name);
-    return true;
-}
-
-// Decodes the pixel data after the 18-byte header into the bitmap; false
-// when the data ends before every pixel is written.
-bool PVTEXTURE::decodePixels(const unsigned char* data, size_t length, size_t pixels)
-{
-    ByteCursor cursor(data, length);
-    cursor.take(TGA_HEADER_SIZE);
-    const bool runLength = data[2] == TGA_RLE_HEADER[2];
-    if (format == 3)
-        return decodeBody<3>(runLength, cursor, bitmap, pixels);
-    return decodeBody<4>(runLength, cursor, bitmap, pixels);
-}
-
-// Swaps rows top to bottom, so that the bitmap starts with the bottom row.
-bool PVTEXTURE::flipRows(unsigned int width, unsigned int height)
-{
-    if (!bitmap)
-        return true;
-    const unsigned int rowBytes = width * format;
-    unsigned char* scratch = static_cast<unsigned char*>(kvfMalloc(rowBytes));
-    if (!scratch)
-        return false;
-    for (unsigned int i = 0; i < height / 2; i++) {
-        unsigned char* top = bitmap + i * rowBytes;
-        unsigned char* bottom = bitmap + (height - 1 - i) * rowBytes;
-        memcpy(scratch, top, rowBytes);
-        memcpy(top, bottom, rowBytes);
-        memcpy(bottom, scratch, rowBytes);
-    }
-    kvfFree(scratch);
-    return true;
+    // name may be this texture's own filename (a reload after eviction).
+    kvfCopyIfFits(filename, sizeof filename, name);
 }
 
 void PVTEXTURE::releaseBitmap()
@@ -427,7 +252,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
     sizeX = newSizeX;
     sizeY = newSizeY;
     format = newFormat;
-    strcpy(filename, "[dynamic]");
+    kvfCopyIfFits(filename, sizeof filename, "[dynamic]");
     return update();
 }
 
@@ -459,8 +284,7 @@ bool PVTEXTURE::update()
         bitmap = pixels;
     }
     glGenTextures(1, &glId);
-    channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    bindForUpload();
     const GLfixed filter = trilinear ? GL_LINEAR : GL_NEAREST;
     GLfixed minFilter = filter;
     if (mipmapped)
@@ -518,8 +342,7 @@ bool PVTEXTURE::modify(const char* pixels, bool keepCopy)
         }
         memcpy(bitmap, pixels, bytes);
     }
-    channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    bindForUpload();
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, sizeX, sizeY, glFormatOf(format), GL_UNSIGNED_BYTE, pixels);
     return true;
@@ -539,8 +362,7 @@ bool PVTEXTURE::unload(bool freeBitmap)
 {
     bool released = false;
     if (freeBitmap && bitmap) {
-        releaseBitmap();
-        usedMemory -= memorySize;
+        releaseLoadedBitmap();
         released = true;
     }
     if (glId) {
@@ -560,6 +382,14 @@ void PVTEXTURE::releaseVideoMemory()
     PEVRANO::popVideoMemory(memorySize);
     if (mipmapCharged)
         PEVRANO::popVideoMemory(memorySize);
+}
+
+// Binds the texture to write its pixels. Unit 0's cache entry no longer
+// tells what is bound, so it is dropped: the next render binds again.
+void PVTEXTURE::bindForUpload()
+{
+    channelCache[0] = nullptr;
+    glBindTexture(GL_TEXTURE_2D, glId);
 }
 
 bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)
@@ -630,7 +460,9 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
     unsigned int filled = 0;
     for (PVTEXTURE* texture = firstTexture; texture; texture = texture->next)
         sorted[filled++] = texture;
-    // Most recently rendered first: eviction starts with the newest.
+    // Most recently rendered first: eviction starts with the newest. The
+    // order is deliberate and kept: it is not to be turned into
+    // least-recently-used.
     std::stable_sort(sorted, sorted + count,
                      [](const PVTEXTURE* a, const PVTEXTURE* b) { return a->timeStamp > b->timeStamp; });
     logReport(sorted, count, limit);

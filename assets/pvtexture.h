@@ -1,7 +1,8 @@
 // The engine's image resource: an RGB or RGBA picture kept as a bitmap in
 // system memory (bottom row first, R,G,B(,A) bytes) and, once uploaded, as a
 // GL texture charged to the engine's video-memory account. Pictures come
-// from TGA files (uncompressed or run-length) or are created empty. Every
+// from TGA (uncompressed or run-length), PNG or JPEG files, or are created
+// empty. Every
 // texture is registered so that it can be found by name or id, swept by the
 // garbage collector and released at shut-down. The class also keeps the
 // texturing switch and the last bound texture per texture unit.
@@ -29,6 +30,12 @@ public:
     // Deletes every registered texture; false (no log line) when there was none.
     static bool cleanUp();
     static PVTEXTURE* findByFilename(const char* name);
+    // The registered texture of that file name, else a new one read from the
+    // file (no GL call: its first render uploads it). The caller holds one
+    // reference on it and gives it back with decReferences. Null, with
+    // nothing kept, when no texture has the name and the file cannot be
+    // read; loadedNow (optional) tells whether the file was read by this call.
+    static PVTEXTURE* acquire(const char* name, bool* loadedNow = nullptr);
     static PVTEXTURE* findById(unsigned int id);
     static unsigned int getNumberOfTextures();
     static PVTEXTURE* getFirst();
@@ -60,8 +67,12 @@ public:
     void setCubeType(unsigned int type);
     unsigned int getCubeType();
 
-    // Reads a TGA file (texture path + filename) into the bitmap; no GL call.
+    // Reads a TGA, PNG or JPEG file (texture path + filename) into the
+    // bitmap; no GL call.
     bool load(const char* filename);
+    // Decodes a whole picture file held in memory, PNG or JPEG by their first
+    // bytes, else TGA; name is the one log lines show and the texture takes.
+    bool loadImage(const unsigned char* data, size_t length, const char* name);
     // Decodes a whole TGA file held in memory into the bitmap; name is the
     // one log lines show and the texture takes.
     bool loadTGA(const unsigned char* data, size_t length, const char* name);
@@ -88,14 +99,19 @@ public:
 
 private:
     friend struct PVTESTACCESS;
-    // A video binds its texture itself to upload a frame, and drops unit 0's
-    // cache entry as modify does.
+    // A video writes its frames into its texture through bindForUpload.
     friend class PVVIDEO;
 
+    void bindForUpload();
+    // False, with the invalid-parameter line, for a null name or one the
+    // filename field cannot hold whole.
+    static bool acceptsName(const char* name);
     bool decodePixels(const unsigned char* data, size_t length, size_t pixels);
     bool flipRows(unsigned int width, unsigned int height);
     void buildMipmaps(unsigned int glFormat);
     void releaseBitmap();
+    void releaseLoadedBitmap();
+    void storeLoaded(unsigned int width, unsigned int height, const char* name);
     void releaseVideoMemory();
     static void logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/pvopengl.h"
+#include "foundation/kvfstring.h"
 #include "gui/pvfont.h"
 
 PVBUTTON::PVBUTTON() : font(nullptr), eventType(PV_BUTTON_ON_RELEASE)
@@ -15,12 +16,7 @@ PVBUTTON::PVBUTTON() : font(nullptr), eventType(PV_BUTTON_ON_RELEASE)
     checkStatus = true;
 }
 
-void PVBUTTON::setCaption(const char* text)
-{
-    if (!text || strnlen(text, PV_CAPTION_SIZE) >= PV_CAPTION_SIZE)
-        return;
-    memmove(caption, text, strlen(text) + 1);
-}
+void PVBUTTON::setCaption(const char* text) { kvfCopyIfFits(caption, sizeof caption, text); }
 
 void PVBUTTON::putCaption(const char* text)
 {

@@ -15,6 +15,7 @@
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfparser.h"
+#include "foundation/kvfstring.h"
 #include "gui/pvbox.h"
 
 #define PV_FONT_CACHE_VERTICES (PV_FONT_CACHE_GLYPHS * 6)
@@ -95,12 +96,7 @@ PVFONT::~PVFONT()
     Registry::remove(this);
 }
 
-void PVFONT::setName(const char* newName)
-{
-    if (!newName || strnlen(newName, PV_FONT_NAME_SIZE) >= PV_FONT_NAME_SIZE)
-        return;
-    memmove(name, newName, strlen(newName) + 1);
-}
+void PVFONT::setName(const char* newName) { kvfCopyIfFits(name, sizeof name, newName); }
 
 bool PVFONT::setTexture(PVTEXTURE* newTexture)
 {
@@ -464,11 +460,4 @@ PVFONT* PVFONT::findByName(const char* wanted) { return Registry::findByText(&PV
 
 PVFONT* PVFONT::findById(unsigned int wanted) { return Registry::findByValue(&PVFONT::id, wanted); }
 
-void PVFONT::setPath(const char* path)
-{
-    if (!path) {
-        fontPath[0] = '\0';
-        return;
-    }
-    snprintf(fontPath, sizeof(fontPath), "%s", path);
-}
+void PVFONT::setPath(const char* path) { kvfCopyIfFits(fontPath, sizeof fontPath, path ? path : ""); }

@@ -216,10 +216,7 @@ void PVVIDEO::uploadFrame()
                       sequence->width <= texture->getSizeX() && sequence->height <= texture->getSizeY();
     if (!fits)
         return;
-    // The bind replaces whatever unit 0's cache claims is bound, so that the
-    // next render of that texture binds it again.
-    PVTEXTURE::channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, texture->getGLId());
+    texture->bindForUpload();
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, GLsizei(sequence->width), GLsizei(sequence->height), GL_RGB,
                     GL_UNSIGNED_BYTE, frame->buf[0]);
 }

@@ -73,6 +73,18 @@ TEST_F(Materials, StateIsSetOncePerFrame)
     EXPECT_EQ(PVMATERIAL::getCurrent(), &material);
 }
 
+// A deleted material stops being current: the next one (often at the same
+// address) sets its state in full.
+TEST_F(Materials, DeletedMaterialIsNoLongerCurrent)
+{
+    PVMATERIAL* first = new PVMATERIAL();
+    first->render(nullptr);
+    delete first;
+    EXPECT_EQ(PVMATERIAL::getCurrent(), nullptr);
+    PVMATERIAL* second = new PVMATERIAL();
+    EXPECT_EQ(record([&] { second->render(nullptr); }), materialCalls("65536"));
+}
+
 TEST_F(Materials, TransparencyBlendsAndBecomesEveryAlpha)
 {
     PVMATERIAL material;

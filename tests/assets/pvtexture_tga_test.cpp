@@ -129,4 +129,51 @@ TEST_F(TextureFiles, NamesPathAndReplacedBitmap)
                           "   [!] Unable to open file missing.tga @ PVTEXTURE::loadTGA\n");
 }
 
+// acquire finds a texture by name or reads it, without GL, and counts the
+// caller's reference; a file it cannot read leaves no texture behind.
+TEST_F(TextureFiles, AcquireFindsOrReadsAndCountsTheCaller)
+{
+    writeFile("a.tga", tgaFile(TGA_RAW, 1, 1, 24, 0, bgr1));
+    bool loadedNow[2] = {false, true};
+    PVTEXTURE* texture[2] = {};
+    const Calls calls = record([&] {
+        for (int i = 0; i < 2; i++)
+            texture[i] = PVTEXTURE::acquire("a.tga", &loadedNow[i]);
+    });
+    EXPECT_EQ(calls, Calls {});
+    ASSERT_NE(texture[0], nullptr);
+    EXPECT_EQ(texture[1], texture[0]);
+    EXPECT_TRUE(loadedNow[0]);
+    EXPECT_FALSE(loadedNow[1]);
+    EXPECT_EQ(texture[0]->getReferences(), 2);
+    EXPECT_EQ(Bytes(texture[0]->getBitmap(), texture[0]->getBitmap() + 3), rgb1);
+    EXPECT_EQ(PVTEXTURE::acquire("missing.tga"), nullptr);
+    EXPECT_EQ(PVTEXTURE::acquire(nullptr), nullptr);
+    EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
+    EXPECT_EQ(log.text(), "   [!] Unable to open file missing.tga @ PVTEXTURE::loadTGA\n"
+                          "   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+    delete texture[0];
+}
+
+// A name the texture cannot hold whole is refused before any file is read.
+TEST_F(TextureFiles, NamesLongerThanTheNameFieldAreRefused)
+{
+    const std::string folder(150, 'd');
+    ASSERT_EQ(system(("mkdir " + folder).c_str()), 0);
+    const std::string longest = folder + "/" + std::string(100, 'f') + ".tga";  // 255 characters
+    const std::string tooLong = folder + "/" + std::string(101, 'f') + ".tga";
+    const std::string file = tgaFile(TGA_RAW, 1, 1, 24, 0, bgr1);
+    writeFile(longest, file);
+    writeFile(tooLong, file);
+    PVTEXTURE texture;
+    EXPECT_FALSE(texture.load(tooLong.c_str()));
+    EXPECT_FALSE(
+        texture.loadTGA(reinterpret_cast<const unsigned char*>(file.data()), file.size(), tooLong.c_str()));
+    EXPECT_EQ(texture.getBitmap(), nullptr);
+    ASSERT_TRUE(texture.load(longest.c_str()));
+    EXPECT_EQ(PVTEXTURE::findByFilename(longest.c_str()), &texture);
+    EXPECT_EQ(log.text(),
+              "   [!] Invalid params @ PVTEXTURE@loadTGA\n   [!] Invalid params @ PVTEXTURE@loadTGA\n");
+}
+
 }  // namespace

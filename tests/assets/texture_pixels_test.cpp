@@ -8,8 +8,8 @@
 
 #include <pevrano.h>
 
+#include "imagefile.h"
 #include "scene/scenefixture.h"
-#include "tgafile.h"
 
 using namespace pvtest;
 
@@ -76,9 +76,14 @@ protected:
     // A material whose slot 0 holds a 2x2 texture of these B,G,R texels.
     static PVMATERIAL* texturedMaterial(const Bytes& texels, bool mipmapped)
     {
-        writeFile("t.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, texels));
+        return texturedMaterial("t.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, texels), mipmapped);
+    }
+    // A material whose slot 0 holds the texture read from this file.
+    static PVMATERIAL* texturedMaterial(const char* name, const std::string& file, bool mipmapped)
+    {
+        writeFile(name, file);
         PVTEXTURE* texture = new PVTEXTURE();
-        EXPECT_TRUE(texture->load("t.tga"));
+        EXPECT_TRUE(texture->load(name));
         texture->setFilter(false, mipmapped, false);
         PVMATERIAL* material = new PVMATERIAL();
         material->setTexture(0, texture);
@@ -121,6 +126,17 @@ TEST_F(TexturePixels, SmallestMipmapLevelIsTheBoxFilteredAverage)
     (new TexturedQuad(texturedMaterial(texels, true), 64.0f, false))->link(root);
     drawFrame(root, camera);
     expectColour({127 / 255.0, 127 / 255.0, 127 / 255.0}, centre(), "smallest level");
+}
+
+// A PNG's top row is drawn at the top of the quad, as a TGA's is.
+TEST_F(TexturePixels, PngTextureIsDrawnTopRowUp)
+{
+    const Picture redOverBlue = {2, 2, {255, 0, 0, 255, 255, 0, 0, 255, 0, 0, 255, 255, 0, 0, 255, 255}};
+    (new TexturedQuad(texturedMaterial("t.png", pngOf(redOverBlue, PngKind::RGB), false), 1.0f, false))
+        ->link(root);
+    drawFrame(root, camera);
+    expectColour({1, 0, 0}, pixelAt(windowWidth / 2, windowHeight / 2 + windowHeight / 10), "top half");
+    expectColour({0, 0, 1}, pixelAt(windowWidth / 2, windowHeight / 2 - windowHeight / 10), "bottom half");
 }
 
 }  // namespace
