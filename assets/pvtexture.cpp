@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "assets/pvshader.h"
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
@@ -412,7 +412,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
         releaseBitmap();
     if (glId) {
         glDeleteTextures(1, &glId);
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
         glId = 0;
     }
     if (newFormat <= 4) {
@@ -440,21 +440,21 @@ bool PVTEXTURE::update()
     }
     if (glId) {
         glDeleteTextures(1, &glId);
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
         glId = 0;
     }
     const unsigned int needed = memorySize;
     // Every upload of a mipmapped texture doubles the charge again.
     if (mipmapped)
         memorySize *= 2;
-    if (PEVRANO::getFreeVideoMemory() < needed) {
-        kvfLog("   Garbage collector at %d\n", int(PEVRANO::getTimeStamp()));
+    if (PVFRAMESTATE::getFreeVideoMemory() < needed) {
+        kvfLog("   Garbage collector at %d\n", int(PVFRAMESTATE::getTimeStamp()));
         // The collector must neither delete this texture nor drop the
         // pixels about to be uploaded.
         unsigned char* pixels = bitmap;
         bitmap = nullptr;
         references++;
-        garbageCollect(PEVRANO::getVideoMemory() - needed);
+        garbageCollect(PVFRAMESTATE::getVideoMemory() - needed);
         references--;
         bitmap = pixels;
     }
@@ -478,7 +478,7 @@ bool PVTEXTURE::update()
             buildMipmaps(glFormat);
     }
     mipmapCharged = mipmapped;
-    PEVRANO::pushVideoMemory(mipmapped ? memorySize * 2 : memorySize);
+    PVFRAMESTATE::pushVideoMemory(mipmapped ? memorySize * 2 : memorySize);
     return true;
 }
 
@@ -557,9 +557,9 @@ void PVTEXTURE::releaseVideoMemory()
 {
     glDeleteTextures(1, &glId);
     glId = 0;
-    PEVRANO::popVideoMemory(memorySize);
+    PVFRAMESTATE::popVideoMemory(memorySize);
     if (mipmapCharged)
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
 }
 
 bool PVTEXTURE::setFilter(bool newTrilinear, bool newMipmapped, bool newClamped)
@@ -579,7 +579,7 @@ bool PVTEXTURE::render(void* param)
         kvfLog("   [!] Invalid params @ PVTEXTURE::render\n");
         return false;
     }
-    timeStamp = PEVRANO::getTimeStamp();
+    timeStamp = PVFRAMESTATE::getTimeStamp();
     if (channelCache[unit] == this)
         return true;
     if (!glId)
@@ -635,7 +635,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
                      [](const PVTEXTURE* a, const PVTEXTURE* b) { return a->timeStamp > b->timeStamp; });
     logReport(sorted, count, limit);
     for (unsigned int i = 0; i < count; i++)
-        if (PEVRANO::getUsedVideoMemory() >= limit)
+        if (PVFRAMESTATE::getUsedVideoMemory() >= limit)
             sorted[i]->unload(true);
     int dead = 0;
     for (unsigned int i = 0; i < count; i++) {
@@ -644,7 +644,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
             dead++;
         }
     }
-    kvfLog("   Memory used after : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Memory used after : %d\n", int(PVFRAMESTATE::getUsedVideoMemory()));
     kvfLog("   Dead textures     : %d\n", dead);
     kvfLog("\n[END GARBAGE COLLECTOR]\n");
     kvfFree(sorted);
@@ -654,7 +654,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
 void PVTEXTURE::logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit)
 {
     kvfLog("[BEGIN GARBAGE COLLECTOR]\n\n");
-    kvfLog("   Memory used before : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Memory used before : %d\n", int(PVFRAMESTATE::getUsedVideoMemory()));
     kvfLog("   Memory max. to keep: %d\n", int(limit));
     kvfLog("   Candidates:\n");
     for (unsigned int i = 0; i < count; i++)

@@ -26,10 +26,7 @@
 #include "video/pvvideo.h"
 
 bool PEVRANO::active = false;
-int PEVRANO::timer = -1;
-long PEVRANO::timeStamp = 65536;
 bool PEVRANO::wireframe = false;
-bool PEVRANO::shadowing = false;
 bool PEVRANO::blooming = false;
 float PEVRANO::bloomingIntensity = 1.0f;
 bool PEVRANO::HDR = false;
@@ -40,8 +37,6 @@ float PEVRANO::DOFFocus = 1.0f;
 float PEVRANO::DOFRange = 2.0f;
 bool PEVRANO::skipShadows = false;
 bool PEVRANO::renderingOnFbo = false;
-unsigned int PEVRANO::videoMemoryTotal = 0;
-unsigned int PEVRANO::videoMemoryUsed = 0;
 char PEVRANO::pvePath[PEVRANO_PATH_SIZE] = "";
 PVNODE* PEVRANO::skybox = nullptr;
 bool PEVRANO::timerAdjourned = false;
@@ -103,7 +98,7 @@ bool PEVRANO::init(PVSETTINGS* settings)
     if (!initClasses(settings))
         return false;
 
-    timer = kvfNewTimer(1.0f);
+    PVFRAMESTATE::timer = kvfNewTimer(1.0f);
     initVideoMemory();
     kvfLog("   Initialization complete\n\n");
     active = true;
@@ -168,12 +163,13 @@ bool PEVRANO::failStartUp(const char* message, int succeeded)
 
 void PEVRANO::initVideoMemory()
 {
-    videoMemoryTotal = defaultVideoMemory;
-    if (videoMemoryTotal == 0) {
+    unsigned int& total = PVFRAMESTATE::videoMemoryTotal;
+    total = defaultVideoMemory;
+    if (total == 0) {
         kvfLog("   [!] No VRam detected: software mode supposed (16 MB allocated by default)\n");
-        videoMemoryTotal = defaultVideoMemory;
+        total = defaultVideoMemory;
     }
-    kvfLog("   VRam detected: %d KB\n", int(videoMemoryTotal / 1024));
+    kvfLog("   VRam detected: %d KB\n", int(total / 1024));
 }
 
 bool PEVRANO::free()
@@ -181,7 +177,7 @@ bool PEVRANO::free()
     if (!active)
         return false;
     kvfLog("   Pevrano is shutting down...\n");
-    kvfFreeTimer(timer);
+    kvfFreeTimer(PVFRAMESTATE::timer);
 
     // Every live object, class by class.
     PVFONT::cleanUp();
@@ -214,13 +210,11 @@ void PEVRANO::adjournTimerOncePerFrame()
 {
     if (timerAdjourned)
         return;
-    kvfAdjournTimer(timer);
+    kvfAdjournTimer(PVFRAMESTATE::timer);
     timerAdjourned = true;
 }
 
 void PEVRANO::updateTimer() { adjournTimerOncePerFrame(); }
-float PEVRANO::getFPS() { return kvfGetTimerFps(timer); }
-float PEVRANO::getFPSfactor() { return kvfGetTimerFactor(timer); }
 
 void PEVRANO::setPVEPath(const char* path)
 {
@@ -233,7 +227,7 @@ void PEVRANO::setPVEPath(const char* path)
 void PEVRANO::shadowingOn()
 {
     if (PVSHADER::useShadows())
-        shadowing = true;
+        PVFRAMESTATE::shadowing = true;
 }
 
 bool PEVRANO::clear(bool color, bool depth, bool stencil)
@@ -258,7 +252,7 @@ bool PEVRANO::clear(bool color, bool depth, bool stencil)
 bool PEVRANO::begin3D(PVCAMERA* camera)
 {
     adjournTimerOncePerFrame();
-    timeStamp += 1;
+    PVFRAMESTATE::timeStamp += 1;
     PVELEMENT::reset();
     PVSHADER::reset();
     PVMATERIAL::reset();

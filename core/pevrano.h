@@ -11,6 +11,8 @@
 
 #include <cstddef>
 
+#include "core/pvframestate.h"
+
 class PVSETTINGS;
 class PVNODE;
 class PVCAMERA;
@@ -36,16 +38,16 @@ public:
 
     // Adjourns the frame timer, at most once per frame.
     static void updateTimer();
-    static float getFPS();
-    static float getFPSfactor();
-    static long getTimeStamp() { return timeStamp; }
+    static float getFPS() { return PVFRAMESTATE::getFPS(); }
+    static float getFPSfactor() { return PVFRAMESTATE::getFPSfactor(); }
+    static long getTimeStamp() { return PVFRAMESTATE::getTimeStamp(); }
 
     // Video-memory budget; the counters wrap, they are never checked.
-    static unsigned int getVideoMemory() { return videoMemoryTotal; }
-    static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
-    static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
-    static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
-    static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
+    static unsigned int getVideoMemory() { return PVFRAMESTATE::getVideoMemory(); }
+    static unsigned int getUsedVideoMemory() { return PVFRAMESTATE::getUsedVideoMemory(); }
+    static unsigned int getFreeVideoMemory() { return PVFRAMESTATE::getFreeVideoMemory(); }
+    static unsigned int pushVideoMemory(unsigned int bytes) { return PVFRAMESTATE::pushVideoMemory(bytes); }
+    static unsigned int popVideoMemory(unsigned int bytes) { return PVFRAMESTATE::popVideoMemory(bytes); }
 
     // Folder prefix of scene files; callers keep paths below 256 characters.
     static void setPVEPath(const char* path);
@@ -75,8 +77,8 @@ public:
     static void wireframeOff() { wireframe = false; }
     static bool isWireframed() { return wireframe; }
     static void shadowingOn();
-    static void shadowingOff() { shadowing = false; }
-    static bool isShadowed() { return shadowing; }
+    static void shadowingOff() { PVFRAMESTATE::shadowing = false; }
+    static bool isShadowed() { return PVFRAMESTATE::isShadowed(); }
     static void bloomingOn() { blooming = true; }
     static void bloomingOff() { blooming = false; }
     static bool isBlooming() { return blooming; }
@@ -112,10 +114,7 @@ private:
     static bool readHeader(KVFREADER& reader, const char* fileName);
 
     static bool active;
-    static int timer;
-    static long timeStamp;
     static bool wireframe;
-    static bool shadowing;
     static bool blooming;
     static float bloomingIntensity;
     static bool HDR;
@@ -126,8 +125,6 @@ private:
     static float DOFRange;
     static bool skipShadows;
     static bool renderingOnFbo;
-    static unsigned int videoMemoryTotal;
-    static unsigned int videoMemoryUsed;
     static char pvePath[PEVRANO_PATH_SIZE];
     static PVNODE* skybox;
     static bool timerAdjourned;
