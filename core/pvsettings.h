@@ -7,6 +7,8 @@
 
 #include <EGL/egl.h>
 
+#include <memory>
+
 #define PV_SETTINGS_STRING_SIZE 256
 
 class PVDISPLAY;
@@ -98,7 +100,7 @@ public:
     static int getSDLFBOSizeY() { return SDLFBOSizeY; }
     static int getSDLWaterSize() { return SDLWaterSize; }
     static bool getSDLForceFBO() { return SDLForceFBO; }
-    static EGLNativeWindowType getSDLWindow() { return window; }
+    static EGLNativeWindowType getSDLWindow();
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
     static int getKVAAudioElements() { return KVAAudioElements; }
@@ -172,12 +174,9 @@ private:
     static int KVAAudioBuffers;
     static int KVAAudioElements;
 
-    static EGLNativeWindowType window;
-    static EGLDisplay glesDisplay;
-    static EGLSurface glesSurface;
-    static EGLContext glesContext;
-    // The back-end that made the handles above.
-    static PVDISPLAY* display;
+    // The back-end in use: it holds the native window and the EGL display,
+    // surface and context. Kept closed after free, until the next init.
+    static std::unique_ptr<PVDISPLAY> display;
 };
 
 #endif

@@ -14,14 +14,12 @@ namespace {
 
 class PVX11DISPLAY : public PVDISPLAY {
 public:
-    PVX11DISPLAY(const SDL_SysWMinfo& info, const PVDISPLAYHANDLES& handles) : PVDISPLAY(handles), info(info)
-    {
-    }
+    explicit PVX11DISPLAY(const SDL_SysWMinfo& info) : info(info) {}
 
 protected:
     EGLDisplay openDisplay(int width, int height) override
     {
-        handles.window = static_cast<EGLNativeWindowType>(info.info.x11.window);
+        window = static_cast<EGLNativeWindowType>(info.info.x11.window);
         placeWindowOnTop(width, height);
         return eglGetDisplay(reinterpret_cast<EGLNativeDisplayType>(info.info.x11.display));
     }
@@ -30,7 +28,7 @@ protected:
 
     EGLSurface createSurface(EGLConfig config, int, int) override
     {
-        return eglCreateWindowSurface(handles.display, config, handles.window, nullptr);
+        return eglCreateWindowSurface(display, config, window, nullptr);
     }
 
 private:
@@ -39,13 +37,13 @@ private:
     // "above" for the window manager.
     void placeWindowOnTop(int width, int height) const
     {
-        Display* display = info.info.x11.display;
+        Display* server = info.info.x11.display;
         info.info.x11.lock_func();
-        XMoveResizeWindow(display, info.info.x11.window, 0, 0, width, height);
-        Atom state = XInternAtom(display, "_NET_WM_STATE", False);
-        Atom above = XInternAtom(display, "_NET_WM_STATE_ABOVE", False);
+        XMoveResizeWindow(server, info.info.x11.window, 0, 0, width, height);
+        Atom state = XInternAtom(server, "_NET_WM_STATE", False);
+        Atom above = XInternAtom(server, "_NET_WM_STATE_ABOVE", False);
         for (Window top : {info.info.x11.wmwindow, info.info.x11.fswindow}) {
-            XChangeProperty(display, top, state, XA_ATOM, 32, PropModeReplace,
+            XChangeProperty(server, top, state, XA_ATOM, 32, PropModeReplace,
                             reinterpret_cast<unsigned char*>(&above), 1);
             XEvent event = {};
             event.xclient.type = ClientMessage;
@@ -54,11 +52,11 @@ private:
             event.xclient.format = 32;
             event.xclient.data.l[0] = 1;  // add the state
             event.xclient.data.l[1] = static_cast<long>(above);
-            XSendEvent(display, DefaultRootWindow(display), False,
+            XSendEvent(server, DefaultRootWindow(server), False,
                        SubstructureRedirectMask | SubstructureNotifyMask, &event);
-            XRaiseWindow(display, top);
+            XRaiseWindow(server, top);
         }
-        XSync(display, False);
+        XSync(server, False);
         info.info.x11.unlock_func();
     }
 
@@ -67,9 +65,9 @@ private:
 
 }  // namespace
 
-PVDISPLAY* pvCreateX11Display(const SDL_SysWMinfo* info, const PVDISPLAYHANDLES& handles)
+std::unique_ptr<PVDISPLAY> pvCreateX11Display(const SDL_SysWMinfo* info)
 {
     if (!info || info->subsystem != SDL_SYSWM_X11)
         return nullptr;
-    return new PVX11DISPLAY(*info, handles);
+    return std::make_unique<PVX11DISPLAY>(*info);
 }
