@@ -13,6 +13,7 @@
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pvdisplay.h"
+#include "core/pveventpump.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -199,6 +200,7 @@ bool PEVRANO::free()
     PVLIGHT::forgetLighting();
     PVSETTINGS::free();
 
+    PVEVENTPUMP::reset();
     SDL_Quit();
     kvfLog("   SDL released\n");
     kvfLog("   Shutdown complete\n\n");

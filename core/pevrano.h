@@ -11,6 +11,7 @@
 
 #include <cstddef>
 
+#include "core/pvevent.h"
 #include "core/pvframestate.h"
 
 class PVSETTINGS;
@@ -35,6 +36,20 @@ public:
     static bool swap();
     // Colour code of the selectable object drawn under a window point (y downwards).
     static unsigned int select(int x, int y);
+
+    // Events, from the window (with Unicode translation) or pushed. pollEvent
+    // gives the next one, false when none is left; it hands every pointer
+    // and key event to the interface drawn in the last 2D pass as it comes,
+    // and a resize event resizes the viewport and the next 2D projection.
+    // Poll before the frame's 3D pass. pushEvent queues an event as if it came
+    // from the window; false when the queue is full.
+    static bool pollEvent(PVEVENT* event);
+    static bool pushEvent(const PVEVENT* event);
+    // The state the events polled so far leave: a key (its SDL 1.2 symbol
+    // value) held down; the pointer and its buttons (bit 0 left, bit 1
+    // middle, bit 2 right); null outputs are skipped.
+    static bool isKeyDown(int key);
+    static void getPointer(int* x, int* y, int* buttons);
 
     // Adjourns the frame timer, at most once per frame.
     static void updateTimer();

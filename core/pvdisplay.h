@@ -9,6 +9,8 @@
 
 #include <memory>
 
+struct PVEVENT;
+
 class PVDISPLAY {
 public:
     virtual ~PVDISPLAY() = default;
@@ -34,6 +36,9 @@ public:
     void close();
     // Presents the frame drawn; false once closed.
     bool swap();
+    // The next event of the back-end's own source (its window's queue);
+    // false when none is waiting. Off-screen there is none.
+    virtual bool readEvent(PVEVENT*) { return false; }
 
     // The native window drawn into (0 off-screen) and the EGL handles.
     EGLNativeWindowType getWindow() const { return window; }

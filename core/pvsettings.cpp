@@ -300,6 +300,8 @@ bool PVSETTINGS::free()
 
 bool PVSETTINGS::swapBuffers() { return display && display->swap(); }
 
+bool PVSETTINGS::readDisplayEvent(PVEVENT* event) { return active && display->readEvent(event); }
+
 EGLNativeWindowType PVSETTINGS::getSDLWindow() { return display ? display->getWindow() : 0; }
 
 bool PVSETTINGS::resize(int x, int y, int width, int height)

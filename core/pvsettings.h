@@ -12,6 +12,7 @@
 #define PV_SETTINGS_STRING_SIZE 256
 
 class PVDISPLAY;
+struct PVEVENT;
 
 class PVSETTINGS {
     friend class PEVRANO;
@@ -116,6 +117,8 @@ private:
     static bool free();
     // Presents the frame drawn; false without a display.
     static bool swapBuffers();
+    // The next event from the display in use; false when none is waiting.
+    static bool readDisplayEvent(PVEVENT* event);
 
     void logRequestedConfiguration();
     void handPathsOn();
