@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "assets/pvtexture.h"
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "foundation/kvflog.h"
@@ -369,9 +369,9 @@ bool PVEMITTER::render(void* element)
     PVELEMENT* record = static_cast<PVELEMENT*>(element);
     if (!record || PVOPENGL::getProfile() != PV_OPENGL_PROFILE_NORMAL)
         return false;
-    if (autoUpdate && updatedStamp != PEVRANO::getTimeStamp()) {
-        updatedStamp = PEVRANO::getTimeStamp();
-        update(std::min(PEVRANO::getFPSfactor(), longestFrame));
+    if (autoUpdate && updatedStamp != PVFRAMESTATE::getTimeStamp()) {
+        updatedStamp = PVFRAMESTATE::getTimeStamp();
+        update(std::min(PVFRAMESTATE::getFPSfactor(), longestFrame));
     }
     const float* modelView = record->getMatrix()->m;
     if (!numberOfParticles || !active || isClippedAway(modelView))

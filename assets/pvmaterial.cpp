@@ -9,7 +9,7 @@
 
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -171,7 +171,7 @@ bool PVMATERIAL::isTextured() { return textures[0] != nullptr; }
 
 bool PVMATERIAL::render(void* param)
 {
-    timeStamp = int(PEVRANO::getTimeStamp());
+    timeStamp = int(PVFRAMESTATE::getTimeStamp());
     if (currentMaterial == this)
         return true;
     applyShader(chooseShader(param));
@@ -198,7 +198,7 @@ PVSHADER* PVMATERIAL::chooseShader(void* param)
     const unsigned int lightType = *static_cast<unsigned int*>(param);
     if (lightType >= LIGHT_TYPES)
         return nullptr;
-    const bool shadowed = lightType == SPOT_LIGHT && PEVRANO::isShadowed();
+    const bool shadowed = lightType == SPOT_LIGHT && PVFRAMESTATE::isShadowed();
     return *builtInShaders[lightType][isTextured()][isSkinned()][shadowed];
 }
 

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "assets/pvshader.h"
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
@@ -237,7 +237,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
         releaseBitmap();
     if (glId) {
         glDeleteTextures(1, &glId);
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
         glId = 0;
     }
     if (newFormat <= 4) {
@@ -265,21 +265,21 @@ bool PVTEXTURE::update()
     }
     if (glId) {
         glDeleteTextures(1, &glId);
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
         glId = 0;
     }
     const unsigned int needed = memorySize;
     // Every upload of a mipmapped texture doubles the charge again.
     if (mipmapped)
         memorySize *= 2;
-    if (PEVRANO::getFreeVideoMemory() < needed) {
-        kvfLog("   Garbage collector at %d\n", int(PEVRANO::getTimeStamp()));
+    if (PVFRAMESTATE::getFreeVideoMemory() < needed) {
+        kvfLog("   Garbage collector at %d\n", int(PVFRAMESTATE::getTimeStamp()));
         // The collector must neither delete this texture nor drop the
         // pixels about to be uploaded.
         unsigned char* pixels = bitmap;
         bitmap = nullptr;
         references++;
-        garbageCollect(PEVRANO::getVideoMemory() - needed);
+        garbageCollect(PVFRAMESTATE::getVideoMemory() - needed);
         references--;
         bitmap = pixels;
     }
@@ -302,7 +302,7 @@ bool PVTEXTURE::update()
             buildMipmaps(glFormat);
     }
     mipmapCharged = mipmapped;
-    PEVRANO::pushVideoMemory(mipmapped ? memorySize * 2 : memorySize);
+    PVFRAMESTATE::pushVideoMemory(mipmapped ? memorySize * 2 : memorySize);
     return true;
 }
 
@@ -379,9 +379,9 @@ void PVTEXTURE::releaseVideoMemory()
 {
     glDeleteTextures(1, &glId);
     glId = 0;
-    PEVRANO::popVideoMemory(memorySize);
+    PVFRAMESTATE::popVideoMemory(memorySize);
     if (mipmapCharged)
-        PEVRANO::popVideoMemory(memorySize);
+        PVFRAMESTATE::popVideoMemory(memorySize);
 }
 
 // Binds the texture to write its pixels. Unit 0's cache entry no longer
@@ -409,7 +409,7 @@ bool PVTEXTURE::render(void* param)
         kvfLog("   [!] Invalid params @ PVTEXTURE::render\n");
         return false;
     }
-    timeStamp = PEVRANO::getTimeStamp();
+    timeStamp = PVFRAMESTATE::getTimeStamp();
     if (channelCache[unit] == this)
         return true;
     if (!glId)
@@ -467,7 +467,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
                      [](const PVTEXTURE* a, const PVTEXTURE* b) { return a->timeStamp > b->timeStamp; });
     logReport(sorted, count, limit);
     for (unsigned int i = 0; i < count; i++)
-        if (PEVRANO::getUsedVideoMemory() >= limit)
+        if (PVFRAMESTATE::getUsedVideoMemory() >= limit)
             sorted[i]->unload(true);
     int dead = 0;
     for (unsigned int i = 0; i < count; i++) {
@@ -476,7 +476,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
             dead++;
         }
     }
-    kvfLog("   Memory used after : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Memory used after : %d\n", int(PVFRAMESTATE::getUsedVideoMemory()));
     kvfLog("   Dead textures     : %d\n", dead);
     kvfLog("\n[END GARBAGE COLLECTOR]\n");
     kvfFree(sorted);
@@ -486,7 +486,7 @@ bool PVTEXTURE::garbageCollect(unsigned long limit)
 void PVTEXTURE::logReport(PVTEXTURE** sorted, unsigned int count, unsigned long limit)
 {
     kvfLog("[BEGIN GARBAGE COLLECTOR]\n\n");
-    kvfLog("   Memory used before : %d\n", int(PEVRANO::getUsedVideoMemory()));
+    kvfLog("   Memory used before : %d\n", int(PVFRAMESTATE::getUsedVideoMemory()));
     kvfLog("   Memory max. to keep: %d\n", int(limit));
     kvfLog("   Candidates:\n");
     for (unsigned int i = 0; i < count; i++)

@@ -13,6 +13,7 @@
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pvdisplay.h"
+#include "core/pveventpump.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "core/pvsettings.h"
@@ -26,10 +27,7 @@
 #include "video/pvvideo.h"
 
 bool PEVRANO::active = false;
-int PEVRANO::timer = -1;
-long PEVRANO::timeStamp = 65536;
 bool PEVRANO::wireframe = false;
-bool PEVRANO::shadowing = false;
 bool PEVRANO::blooming = false;
 float PEVRANO::bloomingIntensity = 1.0f;
 bool PEVRANO::HDR = false;
@@ -40,8 +38,6 @@ float PEVRANO::DOFFocus = 1.0f;
 float PEVRANO::DOFRange = 2.0f;
 bool PEVRANO::skipShadows = false;
 bool PEVRANO::renderingOnFbo = false;
-unsigned int PEVRANO::videoMemoryTotal = 0;
-unsigned int PEVRANO::videoMemoryUsed = 0;
 char PEVRANO::pvePath[PEVRANO_PATH_SIZE] = "";
 PVNODE* PEVRANO::skybox = nullptr;
 bool PEVRANO::timerAdjourned = false;
@@ -103,7 +99,7 @@ bool PEVRANO::init(PVSETTINGS* settings)
     if (!initClasses(settings))
         return false;
 
-    timer = kvfNewTimer(1.0f);
+    PVFRAMESTATE::timer = kvfNewTimer(1.0f);
     initVideoMemory();
     kvfLog("   Initialization complete\n\n");
     active = true;
@@ -168,12 +164,13 @@ bool PEVRANO::failStartUp(const char* message, int succeeded)
 
 void PEVRANO::initVideoMemory()
 {
-    videoMemoryTotal = defaultVideoMemory;
-    if (videoMemoryTotal == 0) {
+    unsigned int& total = PVFRAMESTATE::videoMemoryTotal;
+    total = defaultVideoMemory;
+    if (total == 0) {
         kvfLog("   [!] No VRam detected: software mode supposed (16 MB allocated by default)\n");
-        videoMemoryTotal = defaultVideoMemory;
+        total = defaultVideoMemory;
     }
-    kvfLog("   VRam detected: %d KB\n", int(videoMemoryTotal / 1024));
+    kvfLog("   VRam detected: %d KB\n", int(total / 1024));
 }
 
 bool PEVRANO::free()
@@ -181,7 +178,7 @@ bool PEVRANO::free()
     if (!active)
         return false;
     kvfLog("   Pevrano is shutting down...\n");
-    kvfFreeTimer(timer);
+    kvfFreeTimer(PVFRAMESTATE::timer);
 
     // Every live object, class by class.
     PVFONT::cleanUp();
@@ -203,6 +200,7 @@ bool PEVRANO::free()
     PVLIGHT::forgetLighting();
     PVSETTINGS::free();
 
+    PVEVENTPUMP::reset();
     SDL_Quit();
     kvfLog("   SDL released\n");
     kvfLog("   Shutdown complete\n\n");
@@ -214,13 +212,11 @@ void PEVRANO::adjournTimerOncePerFrame()
 {
     if (timerAdjourned)
         return;
-    kvfAdjournTimer(timer);
+    kvfAdjournTimer(PVFRAMESTATE::timer);
     timerAdjourned = true;
 }
 
 void PEVRANO::updateTimer() { adjournTimerOncePerFrame(); }
-float PEVRANO::getFPS() { return kvfGetTimerFps(timer); }
-float PEVRANO::getFPSfactor() { return kvfGetTimerFactor(timer); }
 
 void PEVRANO::setPVEPath(const char* path)
 {
@@ -233,7 +229,7 @@ void PEVRANO::setPVEPath(const char* path)
 void PEVRANO::shadowingOn()
 {
     if (PVSHADER::useShadows())
-        shadowing = true;
+        PVFRAMESTATE::shadowing = true;
 }
 
 bool PEVRANO::clear(bool color, bool depth, bool stencil)
@@ -258,7 +254,7 @@ bool PEVRANO::clear(bool color, bool depth, bool stencil)
 bool PEVRANO::begin3D(PVCAMERA* camera)
 {
     adjournTimerOncePerFrame();
-    timeStamp += 1;
+    PVFRAMESTATE::timeStamp += 1;
     PVELEMENT::reset();
     PVSHADER::reset();
     PVMATERIAL::reset();

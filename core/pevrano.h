@@ -11,6 +11,9 @@
 
 #include <cstddef>
 
+#include "core/pvevent.h"
+#include "core/pvframestate.h"
+
 class PVSETTINGS;
 class PVNODE;
 class PVCAMERA;
@@ -42,18 +45,32 @@ public:
     // written or the engine is not started.
     static bool screenshot(const char* pngFile);
 
+    // Events, from the window (with Unicode translation) or pushed. pollEvent
+    // gives the next one, false when none is left; it hands every pointer
+    // and key event to the interface drawn in the last 2D pass as it comes,
+    // and a resize event resizes the viewport and the next 2D projection.
+    // Poll before the frame's 3D pass. pushEvent queues an event as if it came
+    // from the window; false when the queue is full.
+    static bool pollEvent(PVEVENT* event);
+    static bool pushEvent(const PVEVENT* event);
+    // The state the events polled so far leave: a key (its SDL 1.2 symbol
+    // value) held down; the pointer and its buttons (bit 0 left, bit 1
+    // middle, bit 2 right); null outputs are skipped.
+    static bool isKeyDown(int key);
+    static void getPointer(int* x, int* y, int* buttons);
+
     // Adjourns the frame timer, at most once per frame.
     static void updateTimer();
-    static float getFPS();
-    static float getFPSfactor();
-    static long getTimeStamp() { return timeStamp; }
+    static float getFPS() { return PVFRAMESTATE::getFPS(); }
+    static float getFPSfactor() { return PVFRAMESTATE::getFPSfactor(); }
+    static long getTimeStamp() { return PVFRAMESTATE::getTimeStamp(); }
 
     // Video-memory budget; the counters wrap, they are never checked.
-    static unsigned int getVideoMemory() { return videoMemoryTotal; }
-    static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
-    static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
-    static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
-    static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
+    static unsigned int getVideoMemory() { return PVFRAMESTATE::getVideoMemory(); }
+    static unsigned int getUsedVideoMemory() { return PVFRAMESTATE::getUsedVideoMemory(); }
+    static unsigned int getFreeVideoMemory() { return PVFRAMESTATE::getFreeVideoMemory(); }
+    static unsigned int pushVideoMemory(unsigned int bytes) { return PVFRAMESTATE::pushVideoMemory(bytes); }
+    static unsigned int popVideoMemory(unsigned int bytes) { return PVFRAMESTATE::popVideoMemory(bytes); }
 
     // Folder prefix of scene files; callers keep paths below 256 characters.
     static void setPVEPath(const char* path);
@@ -83,8 +100,8 @@ public:
     static void wireframeOff() { wireframe = false; }
     static bool isWireframed() { return wireframe; }
     static void shadowingOn();
-    static void shadowingOff() { shadowing = false; }
-    static bool isShadowed() { return shadowing; }
+    static void shadowingOff() { PVFRAMESTATE::shadowing = false; }
+    static bool isShadowed() { return PVFRAMESTATE::isShadowed(); }
     static void bloomingOn() { blooming = true; }
     static void bloomingOff() { blooming = false; }
     static bool isBlooming() { return blooming; }
@@ -120,10 +137,7 @@ private:
     static bool readHeader(KVFREADER& reader, const char* fileName);
 
     static bool active;
-    static int timer;
-    static long timeStamp;
     static bool wireframe;
-    static bool shadowing;
     static bool blooming;
     static float bloomingIntensity;
     static bool HDR;
@@ -134,8 +148,6 @@ private:
     static float DOFRange;
     static bool skipShadows;
     static bool renderingOnFbo;
-    static unsigned int videoMemoryTotal;
-    static unsigned int videoMemoryUsed;
     static char pvePath[PEVRANO_PATH_SIZE];
     static PVNODE* skybox;
     static bool timerAdjourned;

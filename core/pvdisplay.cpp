@@ -8,16 +8,11 @@
 
 #include "foundation/kvflog.h"
 
-// Every back-end, most wanted first. Each source file defines a factory
-// pvCreate<name>Display, which returns null when SDL's window (info, null
-// when SDL has no window information) is not of its kind.
-#define PV_DISPLAY_BACKENDS(BACKEND)                                                                         \
-    BACKEND(X11)                                                                                             \
-    BACKEND(Surfaceless)
-
-#define PV_DECLARE_DISPLAY_FACTORY(name)                                                                     \
-    PVDISPLAY* pvCreate##name##Display(const SDL_SysWMinfo* info, const PVDISPLAYHANDLES& handles);
-PV_DISPLAY_BACKENDS(PV_DECLARE_DISPLAY_FACTORY)
+// A back-end's factory returns null when SDL's window (info, null when SDL
+// has no window information) is not of its kind.
+using PVDISPLAYFACTORY = std::unique_ptr<PVDISPLAY> (*)(const SDL_SysWMinfo* info);
+std::unique_ptr<PVDISPLAY> pvCreateX11Display(const SDL_SysWMinfo* info);
+std::unique_ptr<PVDISPLAY> pvCreateSurfacelessDisplay(const SDL_SysWMinfo* info);
 
 // Whether the off-screen surface can be width x height pixels.
 bool pvSurfacelessDisplayFits(int width, int height);
@@ -28,6 +23,9 @@ namespace {
 const int maxConfigs = 32;
 // The largest window side any back-end opens.
 const int largestSide = 16384;
+
+// Every back-end, most wanted first; the last one takes any window.
+const PVDISPLAYFACTORY backEnds[] = {pvCreateX11Display, pvCreateSurfacelessDisplay};
 
 // SDL's video runs on its dummy driver: there is no window system.
 bool videoWithoutWindowSystem()
@@ -52,27 +50,25 @@ bool PVDISPLAY::canOpen(int width, int height)
     return !videoWithoutWindowSystem() || pvSurfacelessDisplayFits(width, height);
 }
 
-PVDISPLAY* PVDISPLAY::choose(const PVDISPLAYHANDLES& handles)
+std::unique_ptr<PVDISPLAY> PVDISPLAY::choose()
 {
     SDL_SysWMinfo info;
     info.version.major = 1;
     info.version.minor = 2;
     info.version.patch = 12;
     const SDL_SysWMinfo* window = SDL_GetWMInfo(&info) == 1 ? &info : nullptr;
-#define PV_TRY_DISPLAY_FACTORY(name)                                                                         \
-    if (PVDISPLAY* display = pvCreate##name##Display(window, handles))                                       \
-        return display;
-    PV_DISPLAY_BACKENDS(PV_TRY_DISPLAY_FACTORY)
-#undef PV_TRY_DISPLAY_FACTORY
+    for (PVDISPLAYFACTORY create : backEnds)
+        if (std::unique_ptr<PVDISPLAY> display = create(window))
+            return display;
     return nullptr;
 }
 
 bool PVDISPLAY::open(int width, int height, int zetaDepth)
 {
-    handles.display = openDisplay(width, height);
+    display = openDisplay(width, height);
     EGLint major = 0;
     EGLint minor = 0;
-    if (!eglInitialize(handles.display, &major, &minor)) {
+    if (!eglInitialize(display, &major, &minor)) {
         kvfLog("   [!] Unable to initialize EGL @ PVSETTINGS::init\n");
         return false;
     }
@@ -82,7 +78,7 @@ bool PVDISPLAY::open(int width, int height, int zetaDepth)
                                  surfaceType(), EGL_NONE};
     EGLConfig configs[maxConfigs];
     EGLint count = 0;
-    if (!eglChooseConfig(handles.display, attributes, configs, maxConfigs, &count)) {
+    if (!eglChooseConfig(display, attributes, configs, maxConfigs, &count)) {
         kvfLog("   [!] Unable to find correct EGL configurations @ PVSETTINGS::init\n");
         return false;
     }
@@ -95,30 +91,32 @@ bool PVDISPLAY::open(int width, int height, int zetaDepth)
     // colour depth in force is whatever GL then reports for it.
     const EGLConfig config = configs[0];
 
-    handles.surface = createSurface(config, width, height);
-    if (handles.surface == EGL_NO_SURFACE) {
+    surface = createSurface(config, width, height);
+    if (surface == EGL_NO_SURFACE) {
         kvfLog("   [!] Unable to create EGL surface @ PVSETTINGS::init\n");
         return false;
     }
-    handles.context = eglCreateContext(handles.display, config, EGL_NO_CONTEXT, nullptr);
-    if (handles.context == EGL_NO_CONTEXT) {
+    context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+    if (context == EGL_NO_CONTEXT) {
         kvfLog("   [!] Unable to create EGL rendering context\n");
         return false;
     }
-    eglMakeCurrent(handles.display, handles.surface, handles.surface, handles.context);
+    eglMakeCurrent(display, surface, surface, context);
+    current = true;
     return true;
 }
 
 void PVDISPLAY::close()
 {
-    if (handles.display == EGL_NO_DISPLAY)
+    if (display == EGL_NO_DISPLAY)
         return;
-    eglMakeCurrent(handles.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    if (handles.context != EGL_NO_CONTEXT)
-        eglDestroyContext(handles.display, handles.context);
-    if (handles.surface != EGL_NO_SURFACE)
-        eglDestroySurface(handles.display, handles.surface);
-    eglTerminate(handles.display);
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (context != EGL_NO_CONTEXT)
+        eglDestroyContext(display, context);
+    if (surface != EGL_NO_SURFACE)
+        eglDestroySurface(display, surface);
+    eglTerminate(display);
+    current = false;
 }
 
-bool PVDISPLAY::swap() { return eglSwapBuffers(handles.display, handles.surface) == EGL_TRUE; }
+bool PVDISPLAY::swap() { return current && eglSwapBuffers(display, surface) == EGL_TRUE; }

@@ -38,11 +38,7 @@ bool PVSETTINGS::SDLForceFBO = false;
 int PVSETTINGS::KVAAudioChannels = 0;
 int PVSETTINGS::KVAAudioBuffers = 0;
 int PVSETTINGS::KVAAudioElements = 0;
-EGLNativeWindowType PVSETTINGS::window = 0;
-EGLDisplay PVSETTINGS::glesDisplay = EGL_NO_DISPLAY;
-EGLSurface PVSETTINGS::glesSurface = EGL_NO_SURFACE;
-EGLContext PVSETTINGS::glesContext = EGL_NO_CONTEXT;
-PVDISPLAY* PVSETTINGS::display = nullptr;
+std::unique_ptr<PVDISPLAY> PVSETTINGS::display;
 
 namespace {
 
@@ -260,8 +256,7 @@ bool PVSETTINGS::openWindow()
         kvfLog("   [!] Unsupported video config (%s) @ PVSETTINGS::init\n", SDL_GetError());
         return false;
     }
-    delete display;
-    display = PVDISPLAY::choose({window, glesDisplay, glesSurface, glesContext});
+    display = PVDISPLAY::choose();
     return display->open(windowX, windowY, zetaDepth);
 }
 
@@ -298,14 +293,16 @@ bool PVSETTINGS::free()
         return false;
     kvfLog("   Release settings...\n");
     display->close();
-    delete display;
-    display = nullptr;
     kvfLog("   Settings released\n");
     active = false;
     return true;
 }
 
 bool PVSETTINGS::swapBuffers() { return display && display->swap(); }
+
+bool PVSETTINGS::readDisplayEvent(PVEVENT* event) { return active && display->readEvent(event); }
+
+EGLNativeWindowType PVSETTINGS::getSDLWindow() { return display ? display->getWindow() : 0; }
 
 bool PVSETTINGS::resize(int x, int y, int width, int height)
 {

@@ -7,9 +7,12 @@
 
 #include <EGL/egl.h>
 
+#include <memory>
+
 #define PV_SETTINGS_STRING_SIZE 256
 
 class PVDISPLAY;
+struct PVEVENT;
 
 class PVSETTINGS {
     friend class PEVRANO;
@@ -98,7 +101,7 @@ public:
     static int getSDLFBOSizeY() { return SDLFBOSizeY; }
     static int getSDLWaterSize() { return SDLWaterSize; }
     static bool getSDLForceFBO() { return SDLForceFBO; }
-    static EGLNativeWindowType getSDLWindow() { return window; }
+    static EGLNativeWindowType getSDLWindow();
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
     static int getKVAAudioElements() { return KVAAudioElements; }
@@ -114,6 +117,8 @@ private:
     static bool free();
     // Presents the frame drawn; false without a display.
     static bool swapBuffers();
+    // The next event from the display in use; false when none is waiting.
+    static bool readDisplayEvent(PVEVENT* event);
 
     void logRequestedConfiguration();
     void handPathsOn();
@@ -172,12 +177,9 @@ private:
     static int KVAAudioBuffers;
     static int KVAAudioElements;
 
-    static EGLNativeWindowType window;
-    static EGLDisplay glesDisplay;
-    static EGLSurface glesSurface;
-    static EGLContext glesContext;
-    // The back-end that made the handles above.
-    static PVDISPLAY* display;
+    // The back-end in use: it holds the native window and the EGL display,
+    // surface and context. Kept closed after free, until the next init.
+    static std::unique_ptr<PVDISPLAY> display;
 };
 
 #endif

@@ -3,8 +3,11 @@
 // of the window's size, and nothing is shown.
 #include "core/pvdisplay.h"
 
+struct SDL_SysWMinfo;
+
 #include <EGL/eglext.h>
 
+#include <memory>
 #include <vector>
 
 namespace {
@@ -16,12 +19,10 @@ EGLDisplay surfacelessDisplay()
 
 class PVSURFACELESSDISPLAY : public PVDISPLAY {
 public:
-    explicit PVSURFACELESSDISPLAY(const PVDISPLAYHANDLES& handles) : PVDISPLAY(handles) {}
-
 protected:
     EGLDisplay openDisplay(int, int) override
     {
-        handles.window = 0;
+        window = 0;
         return surfacelessDisplay();
     }
 
@@ -30,7 +31,7 @@ protected:
     EGLSurface createSurface(EGLConfig config, int width, int height) override
     {
         const EGLint size[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
-        return eglCreatePbufferSurface(handles.display, config, size);
+        return eglCreatePbufferSurface(display, config, size);
     }
 };
 
@@ -59,7 +60,7 @@ bool pvSurfacelessDisplayFits(int width, int height)
 }
 
 // Takes any video mode: the last resort.
-PVDISPLAY* pvCreateSurfacelessDisplay(const SDL_SysWMinfo*, const PVDISPLAYHANDLES& handles)
+std::unique_ptr<PVDISPLAY> pvCreateSurfacelessDisplay(const SDL_SysWMinfo*)
 {
-    return new PVSURFACELESSDISPLAY(handles);
+    return std::make_unique<PVSURFACELESSDISPLAY>();
 }

@@ -91,6 +91,7 @@ bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
         clock.tick();
         if (frame == offScreenFrames / 2)
             interface.visit("Ada");
+        interface.handleEvents();
         const char* picked =
             drawFrame(world, interface, frame ? offScreenStep : 0.0f, pickX, pickY, clock.framesPerSecond());
         if (frame == offScreenFrames - 1) {
@@ -103,15 +104,15 @@ bool runOffScreen(DemoWorld& world, DemoInterface& interface, FrameClock& clock,
     return saved;
 }
 
-// In an X window: real time, SDL's events, until the user quits.
+// In an X window: real time, the window's events, until the user quits.
 void runLive(DemoWorld& world, DemoInterface& interface, FrameClock& clock)
 {
-    SDL_EnableUNICODE(1);
     std::printf("Interface live: Escape, Quit or closing the window ends the demo\n");
     while (interface.handleEvents()) {
         const float seconds = clock.tick();
-        drawFrame(world, interface, seconds, interface.getPointerX(), interface.getPointerY(),
-                  clock.framesPerSecond());
+        int pointerX = 0, pointerY = 0;
+        PEVRANO::getPointer(&pointerX, &pointerY, nullptr);
+        drawFrame(world, interface, seconds, pointerX, pointerY, clock.framesPerSecond());
         PEVRANO::swap();
     }
 }

@@ -90,78 +90,69 @@ void DemoInterface::draw(int milliseconds)
 
 bool DemoInterface::handleEvents()
 {
-    SDL_Event event;
-    while (SDL_PollEvent(&event))
+    PVEVENT event;
+    while (PEVRANO::pollEvent(&event))
         if (!handleEvent(event))
             return false;
-    // Every call keeps the focused text field's caret blinking.
-    PVELEMENT::manageGUIEvents(0, pointerX, pointerY, pointerDown ? 1 : 0, 0, nullptr);
     return true;
 }
 
-bool DemoInterface::handleEvent(const SDL_Event& event)
+bool DemoInterface::handleEvent(const PVEVENT& event)
 {
-    char key = 0;
-    switch (event.type) {
-    case SDL_QUIT:
+    const int escape = 27;  // SDL 1.2's SDLK_ESCAPE
+    if (event.type == PV_EVENT_QUIT || (event.type == PV_EVENT_KEY_DOWN && event.key == escape))
         return false;
-    case SDL_MOUSEMOTION:
-        pointerX = event.motion.x;
-        pointerY = event.motion.y;
-        break;
-    case SDL_MOUSEBUTTONDOWN:
-    case SDL_MOUSEBUTTONUP:
-        pointerX = event.button.x;
-        pointerY = event.button.y;
-        pointerDown = event.type == SDL_MOUSEBUTTONDOWN;
-        break;
-    case SDL_KEYDOWN:
-        if (event.key.keysym.sym == SDLK_ESCAPE)
-            return false;
-        key = event.key.keysym.sym == SDLK_BACKSPACE ? 8 : char(event.key.keysym.unicode & 0x7F);
-        break;
-    default:
-        return true;
-    }
-    return feed(key);
-}
-
-bool DemoInterface::feed(char key)
-{
-    unsigned int clicked = 0;
-    PVELEMENT::manageGUIEvents(key, pointerX, pointerY, pointerDown ? 1 : 0, 0, &clicked);
-    if (clicked == quit->getId())
+    if (event.clickedId == quit->getId())
         return false;
-    if (clicked == hello->getId()) {
+    if (event.clickedId == hello->getId()) {
         window->write("\nHello, %s!", name->getCaption()[0] ? name->getCaption() : "stranger");
         window->format();
     }
     return true;
 }
 
-// Presses the pointer on the middle of a widget (whose position is relative
-// to its parents'), moves it by dx pixels and releases it.
+namespace {
+
+void pushPointer(PV_EVENT_TYPE type, int x, int y)
+{
+    PVEVENT event;
+    event.type = type;
+    event.x = x;
+    event.y = y;
+    event.button = PV_POINTER_LEFT;
+    PEVRANO::pushEvent(&event);
+}
+
+void pushKey(PV_EVENT_TYPE type, char typed)
+{
+    PVEVENT event;
+    event.type = type;
+    event.key = typed;
+    event.unicode = type == PV_EVENT_KEY_DOWN ? static_cast<unsigned char>(typed) : 0;
+    PEVRANO::pushEvent(&event);
+}
+
+}  // namespace
+
 void DemoInterface::drag(PVBOX* widget, int dx)
 {
     K3MVECTOR3D at = widget->getPosition();
     for (PVNODE* parent = widget->getParent(); parent; parent = parent->getParent())
         at = at + parent->getPosition();
-    pointerX = int(at.x) + widget->getSizeX() / 2;
-    pointerY = int(at.y) + widget->getSizeY() / 2;
-    pointerDown = true;
-    feed(0);
-    pointerX += dx;
-    feed(0);
-    pointerDown = false;
-    feed(0);
+    const int x = int(at.x) + widget->getSizeX() / 2;
+    const int y = int(at.y) + widget->getSizeY() / 2;
+    pushPointer(PV_EVENT_POINTER_DOWN, x, y);
+    pushPointer(PV_EVENT_POINTER_MOVE, x + dx, y);
+    pushPointer(PV_EVENT_POINTER_UP, x + dx, y);
 }
 
 void DemoInterface::visit(const char* visitor)
 {
     drag(name, 0);
-    for (const char* key = visitor; *key; ++key)
-        feed(*key);
+    for (const char* key = visitor; *key; ++key) {
+        pushKey(PV_EVENT_KEY_DOWN, *key);
+        pushKey(PV_EVENT_KEY_UP, *key);
+    }
     drag(hello, 0);
     drag(slider->getCursor(), slider->getSizeX() / 4);
-    pointerX = pointerY = -1;
 }

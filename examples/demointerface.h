@@ -2,14 +2,12 @@
 // text, two buttons, a text field, a slider that sets the character's
 // running speed, labels naming the object under the pointer and the frame
 // rate, a box playing data/film.mpg in a loop, and a marker for the point
-// picked when there is no pointer. Under X it takes SDL's mouse and key
-// events.
+// picked when there is no pointer. It takes the engine's events: the
+// window's under X, the scripted visitor's off-screen.
 #ifndef PEVRANO_EXAMPLES_DEMOINTERFACE_H
 #define PEVRANO_EXAMPLES_DEMOINTERFACE_H
 
 #include <pevrano.h>
-
-#include <SDL/SDL.h>
 
 class DemoInterface {
 public:
@@ -27,24 +25,23 @@ public:
     void showMarker(int x, int y);
     void hideMarker();
 
-    // Handles the events waiting in SDL's queue; false once the user quits
+    // Handles the events waiting for the engine; false once the user quits
     // (Escape, the Quit button or closing the window).
     bool handleEvents();
     // Without a pointer: a visitor clicks in the text field, types a name,
     // clicks Hello and slides the speed up by a quarter of the bar, as a
-    // user would.
+    // user would; the events are handled with the next ones.
     void visit(const char* visitor);
     PVNODE* getRoot() const { return root; }
-    int getPointerX() const { return pointerX; }
-    int getPointerY() const { return pointerY; }
 
 private:
     template <class Widget> Widget* find(const char* name);
     void playFilm();
-    bool handleEvent(const SDL_Event& event);
-    // Passes a key and the pointer to the interface; false once Quit is clicked.
-    bool feed(char key);
-    // A click is a drag by 0.
+    // False once the event ends the demo.
+    bool handleEvent(const PVEVENT& event);
+    // Pushes a press in the middle of a widget (whose position is relative
+    // to its parents'), a move by dx pixels and a release: a click is a drag
+    // by 0.
     void drag(PVBOX* widget, int dx);
 
     PVNODE* root = nullptr;  // the window, the screen and the marker
@@ -59,9 +56,6 @@ private:
     PVBOX* screen = nullptr;
     PVBOX* marker = nullptr;
     PVVIDEO* film = nullptr;
-    int pointerX = -1;
-    int pointerY = -1;
-    bool pointerDown = false;
 };
 
 #endif

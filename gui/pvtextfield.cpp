@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "assets/pvtexture.h"
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "gui/pvfont.h"
@@ -50,7 +50,7 @@ bool PVTEXTFIELD::render(void* element)
     if (editing) {
         if (caretTimer > PV_CARET_SHOWN_AFTER)
             strcat(shown, "\x7f");
-        caretTimer += PEVRANO::getFPSfactor();
+        caretTimer += PVFRAMESTATE::getFPSfactor();
         if (caretTimer >= 1.0f)
             caretTimer = 0.0f;
     }

@@ -1,7 +1,7 @@
 // Light: omni, directional and spot lights programmed into GL light slots.
 #include "scene/pvlight.h"
 
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfreader.h"
@@ -151,7 +151,7 @@ bool PVLIGHT::render(void* element)
     std::memset(static_cast<void*>(&state), 0, sizeof state);
     state.light = this;
     state.record = record;
-    state.stamp = PEVRANO::getTimeStamp();
+    state.stamp = PVFRAMESTATE::getTimeStamp();
     state.matrix = *record->getMatrix();
     state.rotation = rotation;
     std::memcpy(state.position, glPosition, sizeof glPosition);

@@ -5,7 +5,7 @@
 #include <new>
 #include <vector>
 
-#include "core/pevrano.h"
+#include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
@@ -242,7 +242,7 @@ K3MMATRIX PVNODE::getFinalMatrix(const char* stopName)
 
 bool PVNODE::pass(bool flag)
 {
-    timeStamp = PEVRANO::getTimeStamp();
+    timeStamp = PVFRAMESTATE::getTimeStamp();
     PVELEMENT::pass(this, flag);
     return true;
 }

@@ -1,9 +1,9 @@
 // Sends input to the X display's windows as a user would: a key press to the
 // window listening for keys, or a pointer move and click to the one listening
-// for the pointer. Exits with 0 once sent, 1 when no window listens (yet), 2
-// on bad arguments.
-//     xinput key <keysym name>        e.g. xinput key Escape
-//     xinput click <x> <y>
+// for the pointer, or to the window given first. Exits with 0 once sent, 1
+// when no window listens (yet), 2 on bad arguments.
+//     xinput [window <id>] key <keysym name>        e.g. xinput key Escape
+//     xinput [window <id>] click <x> <y>
 #include <X11/Xlib.h>
 
 #include <cstdlib>
@@ -82,6 +82,12 @@ void sendClick(Display* display, Window window, int x, int y)
 
 int main(int argc, char** argv)
 {
+    Window given = 0;
+    if (argc > 2 && std::strcmp(argv[1], "window") == 0) {
+        given = std::strtoul(argv[2], nullptr, 0);
+        argc -= 2;
+        argv += 2;
+    }
     const bool key = argc == 3 && std::strcmp(argv[1], "key") == 0;
     const bool click = argc == 4 && std::strcmp(argv[1], "click") == 0;
     if (!key && !click)
@@ -90,7 +96,8 @@ int main(int argc, char** argv)
     if (!display)
         return 1;
     const Window target =
-        listeningWindow(display, DefaultRootWindow(display), key ? KeyPressMask : ButtonPressMask);
+        given ? given
+              : listeningWindow(display, DefaultRootWindow(display), key ? KeyPressMask : ButtonPressMask);
     if (target && key)
         sendKey(display, target, XStringToKeysym(argv[2]));
     else if (target)

@@ -43,8 +43,15 @@ mkdir -p "$work/app"
 cat > "$work/app/main.cpp" <<'CPP'
 #include <pevrano.h>
 
+// Links the engine alone: its events need nothing of SDL.
 int main() {
-    kvfLog("hello\n");
+    PVEVENT event;
+    event.type = PV_EVENT_KEY_DOWN;
+    event.key = 'h';
+    PEVRANO::pushEvent(&event);
+    while (PEVRANO::pollEvent(&event))
+        if (PEVRANO::isKeyDown('h'))
+            kvfLog("hello\n");
     return 0;
 }
 CPP

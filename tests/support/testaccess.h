@@ -28,8 +28,8 @@ struct PVTESTACCESS {
     static void setVectorSkinning(bool on) { PVMESH::vectorSkinning = on; }
 
     // The video-memory budget and frame stamp that init and begin3D set.
-    static void setVideoMemory(unsigned int bytes) { PEVRANO::videoMemoryTotal = bytes; }
-    static void setTimeStamp(long stamp) { PEVRANO::timeStamp = stamp; }
+    static void setVideoMemory(unsigned int bytes) { PVFRAMESTATE::videoMemoryTotal = bytes; }
+    static void setTimeStamp(long stamp) { PVFRAMESTATE::timeStamp = stamp; }
 
     // The colour-code read-back of picking, without drawing anything.
     static unsigned int readPixelCode(int x, int y) { return PEVRANO::readPixelCode(x, y); }

@@ -1,0 +1,232 @@
+// The event pump: pushed and window events polled one by one, each handed to
+// the interface of the last 2D pass, and the key and pointer state they leave.
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/enginefixture.h"
+#include "gui/guifixture.h"
+
+// Xlib (through SDL's window information) last: its macros clash with gtest.
+#include <SDL/SDL.h>
+#include <SDL/SDL_syswm.h>
+
+using namespace pvtest;
+
+namespace {
+
+PVEVENT event(PV_EVENT_TYPE type, int x = 0, int y = 0, int button = 0)
+{
+    PVEVENT made;
+    made.type = type;
+    made.x = x;
+    made.y = y;
+    made.button = button;
+    return made;
+}
+
+PVEVENT key(PV_EVENT_TYPE type, int symbol, unsigned int typed)
+{
+    PVEVENT made = event(type);
+    made.key = symbol;
+    made.unicode = typed;
+    return made;
+}
+
+PVEVENT resize(int width, int height)
+{
+    PVEVENT made = event(PV_EVENT_RESIZE);
+    made.width = width;
+    made.height = height;
+    return made;
+}
+
+std::string describe(const PVEVENT& e)
+{
+    return std::to_string(e.type) + " " + std::to_string(e.key) + " " + std::to_string(e.x) + " " +
+           std::to_string(e.y) + " " + std::to_string(e.button) + " " + std::to_string(e.unicode);
+}
+
+// Pushed events only: the engine draws off-screen even under X, where its
+// window would add events of its own.
+class Events : public GuiTest {
+protected:
+    bool startEngine() override
+    {
+        setenv("SDL_VIDEODRIVER", "dummy", 1);
+        return startEngineInWindow();
+    }
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
+        root = new PVBOX();
+        root->setSizes(0, 0);
+    }
+    PVBOX* root = nullptr;
+};
+
+// Everything below is pushed within one frame, after one 2D pass.
+TEST_F(Events, EachEventReachesTheInterfaceAsItComes)
+{
+    PVBUTTON* hello = new PVBUTTON();
+    hello->setPosition(10, 10);
+    hello->setSizes(20, 10);
+    hello->setEventType(PV_BUTTON_ON_RELEASE);
+    hello->link(root);
+    PVTEXTFIELD* name = new PVTEXTFIELD();
+    name->setFont(solidFont());
+    name->clear();
+    name->setPosition(0, 40);
+    name->setSizes(80, 20);
+    name->link(root);
+    drawFrame2D(root);
+
+    const int left = PV_POINTER_LEFT, right = PV_POINTER_RIGHT;
+    struct Step {
+        PVEVENT in;
+        unsigned int clickedId;
+        bool over;
+        // The state once it is polled: where the event and getPointer put the
+        // pointer, the buttons held, a key held or not.
+        int x, y, buttons;
+        int key;
+        bool held;
+    };
+    const unsigned int id = hello->getId();
+    const Step steps[] = {
+        {event(PV_EVENT_POINTER_MOVE, 15, 15), 0, true, 15, 15, 0, 'a', false},
+        {event(PV_EVENT_POINTER_DOWN, 15, 15, left), 0, true, 15, 15, 1, 'a', false},
+        {event(PV_EVENT_POINTER_UP, 15, 15, left), id, true, 15, 15, 0, 'a', false},  // a tap clicks
+        {event(PV_EVENT_POINTER_DOWN, 15, 15, right), 0, true, 15, 15, 4, 'a', false},  // not a press
+        {event(PV_EVENT_POINTER_DOWN, 5, 45, left), 0, true, 5, 45, 5, 'a', false},  // focus to the field
+        {event(PV_EVENT_POINTER_UP, 5, 45, left), name->getId(), true, 5, 45, 4, 'a', false},
+        {event(PV_EVENT_POINTER_UP, 120, 100, right), 0, false, 120, 100, 0, 'a', false},
+        {key(PV_EVENT_KEY_DOWN, 304, 0), 0, false, 120, 100, 0, 304, true},  // shift
+        {key(PV_EVENT_KEY_DOWN, 'a', 'A'), 0, false, 120, 100, 0, 'a', true},
+        {key(PV_EVENT_KEY_UP, 'a', 0), 0, false, 120, 100, 0, 'a', false},
+        {key(PV_EVENT_KEY_UP, 304, 0), 0, false, 120, 100, 0, 304, false},
+        {key(PV_EVENT_KEY_DOWN, 'd', 'd'), 0, false, 120, 100, 0, 'd', true},
+        {key(PV_EVENT_KEY_DOWN, 'x', 0xE9), 0, false, 120, 100, 0, 'x', true},  // not ASCII: not typed
+        {key(PV_EVENT_KEY_DOWN, 'a', 'a'), 0, false, 120, 100, 0, 'd', true},
+        {key(PV_EVENT_KEY_DOWN, 8, 8), 0, false, 120, 100, 0, 8, true},  // backspace
+        {key(PV_EVENT_KEY_DOWN, 'a', 'a'), 0, false, 120, 100, 0, 100000, false},
+    };
+    for (const Step& step : steps)
+        ASSERT_TRUE(PEVRANO::pushEvent(&step.in));
+    for (size_t i = 0; i < std::size(steps); i++) {
+        const Step& step = steps[i];
+        PVEVENT polled;
+        ASSERT_TRUE(PEVRANO::pollEvent(&polled)) << "event " << i;
+        int x = -1, y = -1, buttons = -1;
+        PEVRANO::getPointer(&x, &y, &buttons);
+        EXPECT_EQ(std::vector<int>({step.in.type, int(step.clickedId), step.over, step.x, step.y, step.x,
+                                    step.y, step.buttons, step.held}),
+                  std::vector<int>({polled.type, int(polled.clickedId), polled.overInterface, polled.x,
+                                    polled.y, x, y, buttons, PEVRANO::isKeyDown(step.key)}))
+            << "event " << i;
+    }
+    EXPECT_STREQ("Ada", name->getCaption());
+}
+
+TEST_F(Events, RefusedEventsSayWhy)
+{
+    for (int i = 0; i < 256; i++) {
+        const PVEVENT pushed = key(PV_EVENT_KEY_DOWN, i, 0);
+        ASSERT_TRUE(PEVRANO::pushEvent(&pushed)) << i;
+    }
+    const PVEVENT invalidSize = resize(0, 10);
+    PVEVENT invalidType = event(PV_EVENT_QUIT);
+    invalidType.type = PV_EVENT_TYPE(PV_EVENT_QUIT + 1);
+    const PVEVENT extra = event(PV_EVENT_QUIT);
+    const struct {
+        const PVEVENT* pushed;
+        const char* line;
+    } refusals[] = {
+        {nullptr, "   [!] Invalid params @ PEVRANO::pushEvent\n"},
+        {&invalidSize, "   [!] Invalid params @ PEVRANO::pushEvent\n"},
+        {&invalidType, "   [!] Invalid params @ PEVRANO::pushEvent\n"},
+        {&extra, "   [!] Event queue full @ PEVRANO::pushEvent\n"},
+    };
+    for (const auto& refusal : refusals) {
+        EXPECT_FALSE(PEVRANO::pushEvent(refusal.pushed));
+        EXPECT_EQ(refusal.line, logged());
+    }
+    EXPECT_FALSE(PEVRANO::pollEvent(nullptr));
+    EXPECT_EQ("   [!] Invalid params @ PEVRANO::pollEvent\n", logged());
+
+    // The queue keeps the order of the events it took.
+    PVEVENT polled;
+    for (int i = 0; i < 256; i++) {
+        ASSERT_TRUE(PEVRANO::pollEvent(&polled));
+        EXPECT_EQ(i, polled.key);
+    }
+    EXPECT_FALSE(PEVRANO::pollEvent(&polled));
+    EXPECT_EQ("", logged());
+}
+
+// The next frame fills the new size: the viewport follows at once and the
+// 2D projection at the next begin2D, so a box of the new size covers it.
+TEST_F(Events, AResizeMakesTheNextFrameFillTheNewSize)
+{
+    const int width = windowWidth / 2, height = windowHeight / 2;
+    const PVEVENT resized = resize(width, height);
+    ASSERT_TRUE(PEVRANO::pushEvent(&resized));
+    PVEVENT polled;
+    ASSERT_TRUE(PEVRANO::pollEvent(&polled));
+    EXPECT_EQ(PV_EVENT_RESIZE, polled.type);
+    EXPECT_EQ(width, PVSETTINGS::getSDLWindowX());
+    EXPECT_EQ(height, PVSETTINGS::getSDLWindowY());
+    EXPECT_EQ((std::array<GLint, 4> {0, 0, width, height}), viewportInForce());
+
+    PVBOX* box = new PVBOX();
+    box->setSizes(width, height);
+    box->setColor(1.0f, 1.0f, 1.0f, 1.0f);
+    box->setThickness(0);
+    box->link(root);
+    drawFrame2D(root);
+    const Rgb white = {1, 1, 1}, black = {0, 0, 0};
+    // GL counts rows from the bottom: the new window is the lower-left part.
+    expectColour(white, pixelAt(2, 2), "lower left corner");
+    expectColour(white, pixelAt(width - 3, height - 3), "upper right corner");
+    expectColour(black, pixelAt(width + 2, height + 2), "outside the new size");
+}
+
+using WindowEvents = GuiTest;
+
+// Real X input sent to the engine's window comes out of pollEvent, after
+// whatever the window reported as it opened.
+TEST_F(WindowEvents, XInputIsPolled)
+{
+    if (!PVSETTINGS::getSDLWindow())
+        GTEST_SKIP() << "no X display";
+    // SDL 1.2 takes the pointer on its drawing window and the keys on the
+    // window manager's one.
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    ASSERT_EQ(1, SDL_GetWMInfo(&info));
+    auto send = [](unsigned long window, const std::string& input) {
+        return std::system((PEVRANO_XINPUT " window " + std::to_string(window) + " " + input).c_str());
+    };
+    ASSERT_EQ(0, send(info.info.x11.window, "click 30 40"));
+    ASSERT_EQ(0, send(info.info.x11.wmwindow, "key a"));
+
+    // type key x y button unicode
+    const std::vector<std::string> expected = {"2 0 30 40 0 0", "3 0 30 40 1 0", "4 0 30 40 1 0",
+                                               "0 97 30 40 0 97", "1 97 30 40 0 0"};
+    std::vector<std::string> seen;
+    auto found = [&] {
+        return std::search(seen.begin(), seen.end(), expected.begin(), expected.end()) != seen.end();
+    };
+    for (int wait = 0; wait < 500 && !found(); wait++) {
+        PVEVENT polled;
+        while (PEVRANO::pollEvent(&polled))
+            seen.push_back(describe(polled));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(found()) << ::testing::PrintToString(seen);
+}
+
+}  // namespace
