@@ -154,20 +154,6 @@ TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
     expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::fromGl(glExpected), 1e-4f, "GL projection");
 }
 
-TEST_F(GlWrapper, PushCopiesTopAndPopRestoresIt)
-{
-    PV_glMatrixMode(GL_MODELVIEW);
-    PV_glLoadIdentity();
-    PV_glTranslatef(1.0f, 2.0f, 3.0f);
-    PV_glPushMatrix();
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(1, 2, 3), 0.0f, "after push");
-    PV_glTranslatef(1.0f, 0.0f, 0.0f);
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(2, 2, 3), 0.0f, "changed copy");
-    PV_glPopMatrix();
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::translation(1, 2, 3), 0.0f, "after pop");
-    EXPECT_EQ(log.text(), "");
-}
-
 TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
 {
     PV_glMatrixMode(GL_PROJECTION);
@@ -211,22 +197,6 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
     expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
     expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
-}
-
-TEST_F(GlWrapper, ShadowStacksStartZeroedAndAreReadByStackIndexOnly)
-{
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4 {}, 0.0f, "model-view");
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4 {}, 0.0f, "projection");
-    PV_glMatrixMode(GL_MODELVIEW);
-    PV_glLoadIdentity();
-    Matrix untouched;
-    untouched.fill(-12345.0f);
-    for (int which : {2, -1, int(GL_MODELVIEW)}) {
-        Matrix out = untouched;
-        PV_glGetFloatv(which, out.data());
-        EXPECT_EQ(out, untouched) << which;
-    }
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view");
 }
 
 }  // namespace
