@@ -77,17 +77,6 @@ TEST_F(Widgets, APressedCaptionMovesByOnePixel)
     EXPECT_NE(1.0, screen(11, 20).r) << "pressed, left column is border";
 }
 
-TEST_F(Widgets, CaptionsUpTo255CharactersAreAccepted)
-{
-    PVBUTTON button;
-    const std::string longest(255, 'c');
-    button.setCaption(longest.c_str());
-    EXPECT_EQ(longest, button.getCaption());
-    button.setCaption(std::string(256, 'd').c_str());
-    button.setCaption(nullptr);
-    EXPECT_EQ(longest, button.getCaption());
-}
-
 TEST_F(Widgets, HiddenWidgetsDrawNothing)
 {
     PVBUTTON* button = new PVBUTTON();
@@ -335,16 +324,6 @@ Calls scissorExpected(const std::string& box, const std::string& display)
     return {
         "glPushMatrix()", "glLoadIdentity()",           "glEnable(GL_SCISSOR_TEST)", "glScissor(" + box + ")",
         "glPopMatrix()",  "glScissor(" + display + ")", "glDisable(GL_SCISSOR_TEST)"};
-}
-
-TEST_F(Widgets, TheScissorFollowsTheWindowOnScreen)
-{
-    PVBOX parent;
-    parent.setPosition(5, 6);
-    PVWINDOW* window = new PVWINDOW();
-    window->link(&parent);
-    EXPECT_EQ(scissorExpected("15,54,50,40", "0,0,160,120"), scissorCalls(recorder, window));
-    window->unlink();
 }
 
 class LandscapeWidgets : public GuiTest {
