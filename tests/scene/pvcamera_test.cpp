@@ -102,38 +102,6 @@ TEST_F(Camera, LookAtTargetIgnoresPreRotation)
     expectView(camera, Mat4::lookAt({3, 4, 5}, {0, 1, -2}, {1, 0, 0}), "look-at with x up");
 }
 
-TEST_F(Camera, LookAtWithMatrixPositioningTakesTheEyeFromTheMatrix)
-{
-    K3MMATRIX matrix;
-    matrix.setTranslation(-2.0f, 7.0f, 1.0f);
-    PVCAMERA camera;
-    camera.setPositioning(PV_POSITIONING_MATRIX);
-    camera.setMatrix(matrix);
-    camera.setTargetNode(&camera);
-    camera.setTarget(1, 1, 1);
-    expectView(camera, Mat4::lookAt({-2, 7, 1}, {1, 1, 1}, {0, 1, 0}), "matrix look-at");
-    expectVector({-2, 7, 1}, PVCAMERA::getCameraPosition(), "eye");
-}
-
-TEST_F(Camera, FollowAimsAtTheWorldPositionOfTheNode)
-{
-    // The followed node sits at (0, 0, -5) under a parent at (10, 0, 0)
-    // turned 90 degrees about Y: its world position is (5, 0, 0).
-    PVNODE parent;
-    PVNODE followed;
-    parent.setPosition(10, 0, 0);
-    parent.setRotation(0, 90, 0);
-    followed.setPosition(0, 0, -5);
-    ASSERT_TRUE(followed.link(&parent));
-
-    PVCAMERA camera;
-    camera.setPosition(0, 10, 10);
-    camera.setPreRotation(45, 0, 0);  // replaced by the look-at
-    camera.setTargetNode(&followed);
-    expectView(camera, Mat4::lookAt({0, 10, 10}, {5, 0, 0}, {0, 1, 0}), "follow camera");
-    expectVector({0, 10, 10}, PVCAMERA::getCameraPosition(), "eye");
-}
-
 TEST_F(Camera, UpAlongTheViewGivesADegenerateMatrixWithoutError)
 {
     PVCAMERA camera;
