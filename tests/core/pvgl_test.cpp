@@ -97,21 +97,6 @@ TEST_F(GlWrapper, ValuesBeyondTheFixedRangeSaturate)
                       "glClearDepthx(2147483647)"}));
 }
 
-TEST_F(GlWrapper, LoadMatrixSendsFixedValuesAndKeepsFloats)
-{
-    const Matrix m = {0.5f, -1.5f,     1.99999f, 0.0f, 1.0f,  2.0f,   -0.25f, 0.0f,
-                      3.0f, -0.00001f, 1.0f,     0.0f, 10.0f, -20.0f, 30.5f,  1.0f};
-    EXPECT_EQ(
-        record([&m] {
-            PV_glMatrixMode(GL_MODELVIEW);
-            PV_glLoadMatrixf(m.data());
-        }),
-        (Calls {"glMatrixMode(GL_MODELVIEW)",
-                "glLoadMatrixx({32768,-98304,131071,0,65536,131072,-16384,0,196608,0,65536,0,655360,-1310720,"
-                "1998848,65536})"}));
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::fromGl(m.data()), 0.0f, "shadow keeps the floats");
-}
-
 TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
 {
     const Matrix m = {2.0f, 0.0f,  0.0f, 0.0f, 0.0f,   0.5f, 0.0f, 0.0f,
