@@ -16,7 +16,6 @@
 #include "enginefixture.h"
 #include "scene/pvlight.h"
 #include "support/pixels.h"
-#include "support/testaccess.h"
 
 namespace {
 
@@ -308,27 +307,4 @@ TEST_F(Frame, Begin3DStampsTheFrameAndTheTimerIsAdjournedOncePerFrame)
     EXPECT_EQ(PEVRANO::getFPSfactor(), second);
     EXPECT_TRUE(PEVRANO::end3D(true));
     EXPECT_EQ(PEVRANO::getTimeStamp(), 65538);
-}
-
-// The code is the 5-6-5 packing of the pixel at 16 bits (off-screen), and
-// R | G << 8 | B << 16 without the alpha byte at 24 bits (an X server's
-// surface). Colours on exact 5-6-5 levels: red 31/31, green 21/63, blue 10/31,
-// read back as 255, 85 (21 << 2 | 21 >> 4) and 82 (10 << 3 | 10 >> 2).
-TEST_F(Frame, PixelCodeFollowsTheColourDepthInForce)
-{
-    start();
-    PVOPENGL::setBackgroundColor(1.0f, 21.0f / 63.0f, 10.0f / 31.0f, 1.0f);
-    PEVRANO::clear(true, false, false);
-    const unsigned int code = PVTESTACCESS::readPixelCode(5, 5);
-    switch (PVSETTINGS::getSDLColorDepth()) {
-    case 16:
-        EXPECT_FALSE(pvtest::onX11());
-        EXPECT_EQ(code, (31u << 11) | (21u << 5) | 10u);
-        break;
-    case 24:
-        EXPECT_EQ(code, 0xFFu | (85u << 8) | (82u << 16));
-        break;
-    default:
-        ADD_FAILURE() << "unexpected colour depth " << PVSETTINGS::getSDLColorDepth();
-    }
 }
