@@ -163,20 +163,25 @@ TEST_F(Emitters, PoolNeverOverflowsAndIsSharedFairly)
     EXPECT_EQ(PVEMITTER::getFreeParticles(), 34u);
 }
 
-// Hostile descriptions in tests/data/emitter/, one per log line (fuzz.emitter
-// replays the others).
+// Hostile descriptions in tests/data/emitter/, one per check, each with its
+// log line.
 TEST_F(Emitters, UnusableDescriptionsAreRefusedWithTheirLogLine)
 {
     const std::string data = PEVRANO_TEST_DATA "/emitter/";
     const std::pair<const char*, std::string> cases[] = {
         {"missing.xml", "Unable to open " + data + "missing.xml"},
         {"empty.xml", "Malformed XML in " + data + "empty.xml (line 0)"},
+        {"unclosed.xml", "Malformed XML in " + data + "unclosed.xml (line 4)"},
         {"wrong_root.xml", "No emitter element in " + data + "wrong_root.xml"},
         {"zero_particles.xml", "Invalid <emitter> in " + data + "zero_particles.xml"},
+        {"huge_particles.xml", "Invalid <emitter> in " + data + "huge_particles.xml"},
+        {"unknown_blending.xml", "Invalid <emitter> in " + data + "unknown_blending.xml"},
         {"nan_rate.xml", "Invalid <emission> in " + data + "nan_rate.xml"},
+        {"bad_loop.xml", "Invalid <emission> in " + data + "bad_loop.xml"},
         {"too_many_bursts.xml", "Invalid <burst> in " + data + "too_many_bursts.xml"},
         {"inverted_life.xml", "Invalid <life> in " + data + "inverted_life.xml"},
         {"zero_direction.xml", "Invalid <velocity> in " + data + "zero_direction.xml"},
+        {"wide_spread.xml", "Invalid <velocity> in " + data + "wide_spread.xml"},
         {"bright_colour.xml", "Invalid <birth> in " + data + "bright_colour.xml"},
         {"long_texture.xml", "Invalid <texture> in " + data + "long_texture.xml"},
         {"unknown_element.xml", "Invalid <flames> in " + data + "unknown_element.xml"},

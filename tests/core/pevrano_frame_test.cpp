@@ -261,6 +261,10 @@ TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
         EXPECT_EQ(PEVRANO::select(50, 100), 0u);
         EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
         EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+        GLint depthFunc = 0;
+        glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
+        EXPECT_EQ(depthFunc, GL_LESS);
         expectWindow(yellow, c.x, c.y, black);
         // The background colour is back for the next frame.
         PEVRANO::clear(true, false, false);

@@ -52,7 +52,7 @@ TEST(Settings, StringsThatDoNotFitAreIgnored)
 {
     PVSETTINGS s;
     s.setTitle("Game");
-    s.setTitle(std::string(300, 'x').c_str());
+    s.setTitle(std::string(256, 'x').c_str());
     s.setPVAPath(nullptr);
     s.setTexturePath(std::string(255, 'y').c_str());
     EXPECT_STREQ(s.getTitle(), "Game");

@@ -44,6 +44,7 @@ TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
         {48, "ab", {glyphDraw(2)}},  // 32 pixels
         {48, "abc", {}},  // exactly as wide: "[...]" is wider still
         {100, "abcdefg", {glyphDraw(5)}},  // "[...]"
+        {100, "", {}},
         {200, "50%%", {glyphDraw(3)}},
         {200, "%s%s%s%n%n", {}},
         {200, "a%-08.3lld b", {glyphDraw(3)}},
@@ -73,6 +74,17 @@ TEST_F(Widgets, APressedCaptionMovesByOnePixel)
     drawFrame2D(button);
     expectColour({1, 1, 1}, screen(27, 27), "pressed, last pixel");
     EXPECT_NE(1.0, screen(11, 20).r) << "pressed, left column is border";
+}
+
+TEST_F(Widgets, CaptionsUpTo255CharactersAreAccepted)
+{
+    PVBUTTON button;
+    const std::string longest(255, 'c');
+    button.setCaption(longest.c_str());
+    EXPECT_EQ(longest, button.getCaption());
+    button.setCaption(std::string(256, 'd').c_str());
+    button.setCaption(nullptr);
+    EXPECT_EQ(longest, button.getCaption());
 }
 
 TEST_F(Widgets, HiddenWidgetsDrawNothing)

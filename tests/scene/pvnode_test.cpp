@@ -70,6 +70,15 @@ TEST_F(Node, DefaultsIdsNamesAndTypeName)
     EXPECT_FALSE(first->render(nullptr));
     EXPECT_STREQ("vscrollbar", TestNode(nullptr, PV_TYPE_VSCROLLBAR).getTypeName());
     EXPECT_EQ("", log.fresh());
+
+    // Names of up to 255 characters; the node's own name is a valid argument.
+    const std::string longest(255, 'x');
+    first->setName(longest.c_str());
+    first->setName(std::string(256, 'y').c_str());
+    first->setName(nullptr);
+    EXPECT_EQ(longest, first->getName());
+    first->setName(first->getName() + 250);
+    EXPECT_STREQ("xxxxx", first->getName());
 }
 
 // The list itself is the registry template's business and ids the
