@@ -71,11 +71,13 @@ TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
 
         EXPECT_EQ(PV_TYPE_MESH, quad->getType());
         EXPECT_EQ(K3MVECTOR3D(10, 20, 30), quad->getRotation());
-        // The geometry itself is drawn by the mesh and material pixel tests.
+        // Positions and normals are drawn by the mesh pixel tests.
         EXPECT_EQ(2.25f, quad->getRadius());
         EXPECT_EQ(K3MVECTOR3D(-1.5f, -1.5f, 0), quad->getMinimum());
         EXPECT_TRUE(quad->isHidden());
         EXPECT_EQ(4u, quad->getNumberOfUVs());
+        EXPECT_EQ((std::vector<GLfixed> {0, 0, 65536, 0}),
+                  std::vector<GLfixed>(quad->getUVPtr(), quad->getUVPtr() + 4));
         EXPECT_EQ(1.0f, quad->getFaceNormalPtr()[5]);
 
         PVMATERIAL* material = quad->getMaterial();
