@@ -281,6 +281,15 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
     window->pass(false);
     EXPECT_EQ((std::vector<PVNODE*> {window, title, icon, scrollBar, scrollBar->getChild(0), body}),
               passedNodes());
+
+    PVELEMENT::reset();
+    title->unlink();
+    scrollBar->unlink();
+    body->unlink();
+    window->minmaximize();
+    EXPECT_TRUE(window->pass(false));  // no first child to pass
+    EXPECT_EQ((std::vector<PVNODE*> {window}), passedNodes());
+    EXPECT_EQ("", log.fresh());
 }
 
 // Lights are counted and sorted first, then opaque records, then see-through
