@@ -186,6 +186,25 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
     EXPECT_NEAR(15.0f, down->getValue(), 1e-4);
 }
 
+TEST_F(Widgets, ScrollBarsRenewTheirCursorLimitsAndHideWithIt)
+{
+    PVHSCROLLBAR* across = new PVHSCROLLBAR();
+    PVVSCROLLBAR* down = new PVVSCROLLBAR();
+    across->setSizeX(100);
+    down->setSizeY(50);
+    across->link(down);
+    drawFrame2D(down);
+    auto limits = [](PVSCROLLBAR* bar) {
+        PVBUTTON* c = bar->getCursor();
+        return std::vector<int> {c->getStartX(), c->getStartY(), c->getEndX(), c->getEndY()};
+    };
+    EXPECT_EQ((std::vector<int> {-8, -2, 108, 6}), limits(across));
+    EXPECT_EQ((std::vector<int> {-2, -8, 6, 58}), limits(down));
+    down->setDisplayStatus(false);
+    EXPECT_FALSE(down->getCursor()->getDisplayStatus());
+    EXPECT_FALSE(down->getDisplayStatus());
+}
+
 TEST_F(Widgets, WindowTextStopsShortOfItsBuffer)
 {
     PVWINDOW window;
