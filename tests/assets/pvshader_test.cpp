@@ -64,7 +64,7 @@ TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
     EXPECT_EQ(PVSHADER::pplOmni, nullptr);
 }
 
-TEST_F(Shaders, NamesUpTo255CharactersAreAccepted)
+TEST_F(Shaders, NamesUpTo255CharactersAndANullPathClears)
 {
     PVSHADER shader;
     const std::string longest(255, 'n');
@@ -72,6 +72,9 @@ TEST_F(Shaders, NamesUpTo255CharactersAreAccepted)
     shader.setName(std::string(256, 'x').c_str());
     shader.setName(nullptr);
     EXPECT_EQ(shader.getName(), longest);
+    PVSHADER::setPath("data/shaders/");
+    PVSHADER::setPath(nullptr);
+    EXPECT_STREQ(PVSHADER::getPath(), "");
 }
 
 TEST_F(Shaders, EnableDisableAndReset)
