@@ -167,4 +167,15 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
     expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
 }
 
+TEST_F(GlWrapper, OnlyTheTwoShadowStacksAreRead)
+{
+    Matrix untouched;
+    untouched.fill(-12345.0f);
+    for (int which : {2, -1, int(GL_MODELVIEW)}) {
+        Matrix out = untouched;
+        PV_glGetFloatv(which, out.data());
+        EXPECT_EQ(out, untouched) << which;
+    }
+}
+
 }  // namespace
