@@ -228,6 +228,7 @@ TEST_F(PveLoad, HostileFilesAreRefusedWithoutLeavingNodes)
         EXPECT_EQ(0u, PVNODE::getNumberOfNodes()) << name;
     }
     PEVRANO::setPVEPath(nullptr);
+    EXPECT_STREQ("", PEVRANO::getPVEPath());
 }
 
 }  // namespace

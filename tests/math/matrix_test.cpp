@@ -69,9 +69,10 @@ TEST(Matrix, ProductAppliesRightOperandAfterLeft)
     EXPECT_COMPONENTS_NEAR(1e-6, (child * parent).transform(K3MVECTOR3D()), 0, 1, 0, 1);
     EXPECT_COMPONENTS_NEAR(1e-6, (parent * child).transform(K3MVECTOR3D()), 1, 0, 0, 1);
 
-    // *= stores the product.
+    // *= stores the product and returns it.
     K3MMATRIX acc = a;
     EXPECT_TRUE(mathtest::nearArray((acc *= b).m, c.m, 16, 0.0));
+    EXPECT_TRUE(mathtest::nearArray(acc.m, c.m, 16, 0.0));
 }
 
 TEST(Matrix, TransposeDeterminantAndInverse)

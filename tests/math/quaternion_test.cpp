@@ -81,6 +81,9 @@ TEST(Quaternion, SetEulers)
     K3MVECTOR4D combined;
     combined.quaternionSetEulers(float(a), float(b), float(c));
     EXPECT_COMPONENTS_NEAR(1e-6, combined, expected.x, expected.y, expected.z, expected.w);
+    K3MVECTOR4D fromVector;
+    EXPECT_COMPONENTS(fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))), combined.x,
+                      combined.y, combined.z, combined.w);
     EXPECT_COMPONENTS(K3MVECTOR4D(1, 1, 1, 1).quaternionSetEulers(0.0f, 0.0f, 0.0f), 0, 0, 0, 1);
 }
 

@@ -21,6 +21,9 @@ TEST(Vector, DefaultsWideningAndReset)
     K3MVECTOR3D v3(6, 7, 8);
     EXPECT_COMPONENTS(K3MVECTOR4D(v2), 4, 5, 0, 1);
     EXPECT_COMPONENTS(K3MVECTOR4D(v3), 6, 7, 8, 1);
+    K3MVECTOR3D a3(1, 1, 1);
+    a3 = v2;
+    EXPECT_COMPONENTS(a3, 4, 5, 0);
     K3MVECTOR4D a4(2, 2, 2, 2);
     a4 = v3;
     EXPECT_COMPONENTS(a4, 6, 7, 8, 1);
