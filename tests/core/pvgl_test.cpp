@@ -122,6 +122,20 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
     expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
 }
 
+TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
+{
+    PV_glMatrixMode(GL_PROJECTION);
+    PV_glLoadIdentity();
+    EXPECT_EQ(record([] { PV_glFrustum(-1.0f, 2.0f, -1.0f, 1.0f, 2.0f, 10.0f); }),
+              Calls {"glFrustumx(-65536,131072,-65536,65536,131072,655360)"});
+
+    // Shadow: no factor n on the diagonal, off-diagonal terms in 2, 6 and 11:
+    // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
+    // -(f+n)/(f-n) = -12/8, -2fn/(f-n) = -40/8, -1 in 14.
+    const float shadowExpected[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
+    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f, "shadow");
+}
+
 TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
 {
     PV_glMatrixMode(GL_PROJECTION);
