@@ -197,6 +197,15 @@ TEST_F(Skinning, KernelsAgreeOnOutOfRangeWeights)
     EXPECT_EQ(outputs[1], outputs[3]);
 }
 
+// A skinned mesh refused a slot is the drawing tests' business (the
+// seventeenth skinned mesh); an unskinned one has nothing to compute.
+TEST_F(Skinning, UnskinnedMeshesAreLeftAloneWhateverTheSlot)
+{
+    PVMESH plain;
+    EXPECT_TRUE(plain.animate(PV_MESH_SKELETONS));
+    EXPECT_EQ("", log.text());
+}
+
 // ---------------------------------------------------------------- drawing
 
 const Rgb background {0, 0, 0};
