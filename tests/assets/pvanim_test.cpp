@@ -268,22 +268,17 @@ TEST_F(Anims, RegistryNamesFindsAndReleases)
 
 namespace {
 
-// The engine hands the settings' folder to the animations at start-up and
-// releases the animations left at shut-down.
-TEST_F(Anims, EngineSetsThePathAndReleasesAnimationsAtShutDown)
+// The engine hands the settings' folder to the animations at start-up (the
+// examples' memory balance catches animations left at shut-down).
+TEST_F(Anims, EngineSetsThePath)
 {
     PVSETTINGS settings;
     settings.setPVAPath("anims/");
     ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
     EXPECT_STREQ(PVANIM::getPVAPath(), "anims/");
-    new PVANIM;
-    new PVANIM;
     ASSERT_TRUE(PEVRANO::free());
     PVANIM::setPVAPath(nullptr);
-    EXPECT_EQ(PVANIM::getNumberOfAnims(), 0);
-    const std::string text = log.text();
-    EXPECT_NE(text.find("          PVA path    : 'anims/'\n"), std::string::npos);
-    EXPECT_NE(text.find("   2 animation(s) released\n"), std::string::npos);
+    EXPECT_NE(log.text().find("          PVA path    : 'anims/'\n"), std::string::npos);
 }
 
 }  // namespace
