@@ -12,7 +12,6 @@
 
 #include "scene/scenefixture.h"
 #include "support/glfixture.h"
-#include "support/pvewriter.h"
 #include "support/testaccess.h"
 
 using namespace pvtest;
@@ -221,19 +220,10 @@ protected:
     }
     void TearDown() override { PEVRANO::free(); }
 
-    static PveMaterial colour(const std::string& name, PveColour diffuse, float transparency = 1)
+    // A scene of tests/data/scenes (its README lists what each holds).
+    PVNODE* load(const std::string& name)
     {
-        PveMaterial m;
-        m.name = name;
-        m.ambient = {0, 0, 0, 1};
-        m.diffuse = diffuse;
-        m.transparency = transparency;
-        return m;
-    }
-    PVNODE* load(const PveWriter& file)
-    {
-        file.save("scene.pve");
-        PVNODE* root = PEVRANO::load("scene.pve");
+        PVNODE* root = PEVRANO::load((PEVRANO_TEST_DATA "/scenes/" + name).c_str());
         EXPECT_NE(nullptr, root) << log.text();
         return root;
     }
@@ -244,16 +234,7 @@ protected:
 // picking reports its id, also after particles were drawn.
 TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
 {
-    PveMesh quad = pveQuad("quad", 1, "warm");
-    quad.position = {0, 0, -5};
-    PveMesh hidden = pveQuad("hidden", 1, "cold");
-    hidden.position = {0, 0, -4};
-    hidden.hidden = true;
-    PveWriter file;
-    file.materials({colour("warm", {0.5f, 0.25f, 0, 1}), colour("cold", {0, 0, 1, 1})})
-        .node("root", {0, 0, 0}, 3);
-    file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(quad).mesh(hidden);
-    PVNODE* root = load(file);
+    PVNODE* root = load("lit-quad.pve");
     ASSERT_NE(nullptr, root);
     // Particles above the quad, drawn after it, must not colour its pick.
     PVEMITTER* sparks = new PVEMITTER();
@@ -276,12 +257,7 @@ TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
 // an opaque one once, with culling back as it was.
 TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
 {
-    PveMesh glass = pveQuad("glass", 1, "glass");
-    glass.position = {0, 0, -5};
-    PveWriter file;
-    file.materials({colour("glass", {1, 1, 1, 1}, 0.5f)}).node("root", {0, 0, 0}, 2);
-    file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(glass);
-    PVNODE* root = load(file);
+    PVNODE* root = load("glass-quad.pve");
     ASSERT_NE(nullptr, root);
     const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx"};
     record([&] { drawFrame(root, nullptr); });
@@ -306,18 +282,7 @@ TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
 // a directional light along -z lights the quad at N.L = 1 everywhere.
 TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
 {
-    PveMesh bone;
-    bone.name = "bone";
-    PveMesh skin = pveQuad("skin", 1, "warm");
-    skin.bonesPerVertex = 1;
-    skin.boneIndices = {0, 0, 0, 0};
-    skin.boneWeights = {1, 1, 1, 1};
-    skin.boneNames = {"bone"};
-    PveWriter file;
-    file.materials({colour("warm", {1, 0, 0, 1})}).node("scene", {0, 0, -5}, 2);
-    file.light("sun", 1, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1});
-    file.node(PV_MESH_SKELETON_ROOT, {0, 0, 0}, 2).mesh(bone).mesh(skin);
-    PVNODE* root = load(file);
+    PVNODE* root = load("skinned-quad.pve");
     ASSERT_NE(nullptr, root);
     EXPECT_NE(std::string::npos, log.text().find("   Building bones for skin... done\n"));
     drawFrame(root, nullptr);

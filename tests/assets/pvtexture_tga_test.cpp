@@ -26,6 +26,12 @@ const Bytes rgb1 = {3, 2, 1}, rgb2 = {6, 5, 4};
 const std::string corrupted = "   [!] File corrupted t.tga @ PVTEXTURE::loadTGA\n";
 const std::string unsupported = "   [!] Unsupported depth or sizes for t.tga @ PVTEXTURE::loadTGA\n";
 
+// A file refused with its log line: no bitmap, no size.
+TgaCase refused(const char* what, const std::string& file, const std::string& log, unsigned format = 0)
+{
+    return {what, file, false, log, {}, 0, 0, format};
+}
+
 std::vector<TgaCase> tgaCases()
 {
     return {
@@ -63,27 +69,13 @@ std::vector<TgaCase> tgaCases()
          2,
          1,
          3},
-        {"raw data short",
-         tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, {4, 5})),
-         false,
-         corrupted,
-         {},
-         0,
-         0,
-         3},
-        {"run-length data short",
-         tgaFile(TGA_RLE, 2, 1, 24, 0, joined({0x80}, bgr1)),
-         false,
-         corrupted,
-         {},
-         0,
-         0,
-         3},
-        {"repeat pixel short", tgaFile(TGA_RLE, 2, 1, 32, 0, {0x81, 1, 2, 3}), false, corrupted, {}, 0, 0, 4},
-        {"header short", tgaFile(TGA_RAW, 1, 1, 24, 0, {}).substr(0, 17), false, corrupted, {}, 0, 0, 0},
-        {"257 wide", tgaFile(TGA_RAW, 257, 1, 24, 0, {}), false, unsupported, {}, 0, 0, 0},
-        {"16-bit", tgaFile(TGA_RAW, 1, 1, 16, 0, {0, 0}), false, unsupported, {}, 0, 0, 0},
-        {"0 high", tgaFile(TGA_RAW, 1, 0, 24, 0, {}), false, unsupported, {}, 0, 0, 0},
+        refused("raw data short", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, {4, 5})), corrupted, 3),
+        refused("run-length data short", tgaFile(TGA_RLE, 2, 1, 24, 0, joined({0x80}, bgr1)), corrupted, 3),
+        refused("repeat pixel short", tgaFile(TGA_RLE, 2, 1, 32, 0, {0x81, 1, 2, 3}), corrupted, 4),
+        refused("header short", tgaFile(TGA_RAW, 1, 1, 24, 0, {}).substr(0, 17), corrupted),
+        refused("257 wide", tgaFile(TGA_RAW, 257, 1, 24, 0, {}), unsupported),
+        refused("16-bit", tgaFile(TGA_RAW, 1, 1, 16, 0, {0, 0}), unsupported),
+        refused("0 high", tgaFile(TGA_RAW, 1, 0, 24, 0, {}), unsupported),
     };
 }
 

@@ -16,25 +16,13 @@ enum TgaType : unsigned char { TGA_RAW = 2, TGA_RLE = 10 };
 inline std::string tgaFile(unsigned char type, unsigned width, unsigned height, unsigned char depth,
                            unsigned char descriptor, const Bytes& body, unsigned char idLength = 0)
 {
-    const unsigned char header[18] = {idLength,
-                                      0,
-                                      type,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      (unsigned char)(width & 255),
-                                      (unsigned char)(width >> 8),
-                                      (unsigned char)(height & 255),
-                                      (unsigned char)(height >> 8),
-                                      depth,
-                                      descriptor};
+    const unsigned char header[18] = {idLength, 0, type, 0, 0, 0, 0, 0,     0,
+                                      0,        0, 0,    0, 0, 0, 0, depth, descriptor};
     std::string file(reinterpret_cast<const char*>(header), sizeof(header));
+    for (int i = 0; i < 2; i++) {
+        file[size_t(12 + i)] = char((width >> (8 * i)) & 255);
+        file[size_t(14 + i)] = char((height >> (8 * i)) & 255);
+    }
     return file.append(body.begin(), body.end());
 }
 

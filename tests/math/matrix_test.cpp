@@ -55,11 +55,8 @@ TEST(Matrix, ProductAppliesRightOperandAfterLeft)
 {
     K3MMATRIX a = counting(1), b = counting(17);
     K3MMATRIX c = a * b;
-    // By hand: C[0] = 1*17 + 2*21 + 3*25 + 4*29, C[7] = 5*20 + 6*24 + 7*28 + 8*32,
-    // C[13] = 13*18 + 14*22 + 15*26 + 16*30.
+    // By hand: C[0] = 1*17 + 2*21 + 3*25 + 4*29.
     EXPECT_EQ(250.0f, c.m[0]);
-    EXPECT_EQ(696.0f, c.m[7]);
-    EXPECT_EQ(1412.0f, c.m[13]);
     // Whole product: B.A in GL terms.
     const Mat4 ga = Mat4::fromGl(a.m), gb = Mat4::fromGl(b.m);
     expectMatrixNear(gb * ga, c.m, "a * b", 0.0);
@@ -74,9 +71,8 @@ TEST(Matrix, ProductAppliesRightOperandAfterLeft)
 
     // *= stores the product and returns it.
     K3MMATRIX acc = a;
-    K3MMATRIX returned = (acc *= b);
+    EXPECT_TRUE(mathtest::nearArray((acc *= b).m, c.m, 16, 0.0));
     EXPECT_TRUE(mathtest::nearArray(acc.m, c.m, 16, 0.0));
-    EXPECT_TRUE(mathtest::nearArray(returned.m, c.m, 16, 0.0));
 }
 
 TEST(Matrix, TransposeDeterminantAndInverse)
@@ -134,10 +130,6 @@ TEST(Matrix, SingleAxisRotations)
     z.setRotationZ(30);
     EXPECT_COMPONENTS_NEAR(1e-6, z.m, c, s, 0, 0, -s, c, 0, 0, 0, 0, 1, 0, 1, 0, 0, 16);
 
-    K3MMATRIX zero;
-    zero.setRotationX(0);
-    EXPECT_COMPONENTS(zero.m, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 1);
-
     // Degrees are divided by 57.295776f, so that many degrees is exactly one radian.
     K3MMATRIX one;
     one.setRotationZ(57.2957763671875f);
@@ -173,11 +165,6 @@ TEST(Matrix, AxisAngleRotation)
     EXPECT_NEAR(2.0, m.m[1], 1e-6);
     EXPECT_NEAR(-2.0, m.m[4], 1e-6);
     EXPECT_NEAR(4.0, m.m[10], 1e-6);
-
-    // 180 degrees is exactly 3.1415927f radians.
-    m.setRotation(180, 1, 0, 0);
-    EXPECT_EQ(float(std::sin(double(3.1415927f))), m.m[6]);
-    EXPECT_EQ(float(std::cos(double(3.1415927f))), m.m[5]);
 }
 
 TEST(Matrix, RotateAndTransformVectors)

@@ -34,19 +34,6 @@ TEST(Vector, DefaultsWideningAndReset)
     EXPECT_COMPONENTS(r, 0, 0, 0, 0);
 }
 
-// Arrays of vectors are read by GL as plain float arrays.
-TEST(Vector, PackedArrays)
-{
-    K3MVECTOR3D positions[2] = {K3MVECTOR3D(1, 2, 3), K3MVECTOR3D(4, 5, 6)};
-    const float* flat = positions[0];
-    for (int i = 0; i < 6; i++)
-        EXPECT_EQ(float(i + 1), flat[i]);
-    K3MVECTOR2D uv[2];
-    EXPECT_EQ(static_cast<float*>(uv[1]), static_cast<float*>(uv[0]) + 2);
-    K3MVECTOR4D colours[2];
-    EXPECT_EQ(static_cast<float*>(colours[1]), static_cast<float*>(colours[0]) + 4);
-}
-
 TEST(VectorDeathTest, IndexOutOfRangeExitsWithStatusOneSilently)
 {
     K3MVECTOR2D v2;

@@ -114,26 +114,19 @@ protected:
 
 TEST_F(RenderList, InitClampsTheCapacityAndRefusesASecondInit)
 {
-    EXPECT_FALSE(PVELEMENT::isActive());
     EXPECT_FALSE(PVELEMENT::free());
-    EXPECT_TRUE(PVELEMENT::init(0));
-    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
-    EXPECT_TRUE(PVELEMENT::isActive());
-    EXPECT_FALSE(PVELEMENT::init(8));
-    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
-    EXPECT_TRUE(PVELEMENT::free());
-    EXPECT_EQ(0u, PVELEMENT::getNumberOfElements());
-    EXPECT_FALSE(PVELEMENT::isActive());
-    EXPECT_TRUE(PVELEMENT::init(5000));
-    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
-    PVELEMENT::free();
-    EXPECT_TRUE(PVELEMENT::init(7));
-    EXPECT_EQ(7u, PVELEMENT::getNumberOfElements());
-    EXPECT_EQ("   1024 elements allocated\n"
-              "   [!] Already active @ PVELEMENT::init\n"
-              "   1024 elements allocated\n"
-              "   7 elements allocated\n",
-              log.fresh());
+    std::string expected;
+    for (unsigned int asked : {0u, 5000u, 7u}) {
+        const unsigned int kept = asked == 7 ? 7u : 1024u;
+        EXPECT_TRUE(PVELEMENT::init(asked));
+        EXPECT_EQ(kept, PVELEMENT::getNumberOfElements());
+        EXPECT_FALSE(PVELEMENT::init(8));
+        EXPECT_TRUE(PVELEMENT::free());
+        EXPECT_FALSE(PVELEMENT::isActive());
+        expected +=
+            "   " + std::to_string(kept) + " elements allocated\n   [!] Already active @ PVELEMENT::init\n";
+    }
+    EXPECT_EQ(expected, log.fresh());
 }
 
 TEST_F(RenderList, AFullListStopsTheSubtree)
@@ -175,13 +168,21 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     mesh->setAuxId(4242);
     PVNODE* plain = make("plain", PV_TYPE_NODE, {0, 0, 5}, mesh);
     PVNODE* leaf = make("leaf", PV_TYPE_CAMERA, {0, 0, 0}, plain);
+    // Placed by its matrix alone, and by nothing at all.
+    K3MMATRIX shift;
+    shift.m[12] = 0.5f;
+    PVNODE* fixed = make("fixed", PV_TYPE_MESH, {9, 9, 9}, plain);
+    fixed->setMatrix(shift);
+    fixed->setPositioning(PV_POSITIONING_MATRIX);
+    PVNODE* unplaced = make("unplaced", PV_TYPE_MESH, {9, 9, 9}, plain);
+    unplaced->setPositioning(PV_NODE_POSITIONING(7));
 
     // A view as a camera would leave it.
     PV_glTranslatef(0, 0, -10);
     const Mat4 view = Mat4::translation(0, 0, -10);
     root->pass(false);
 
-    EXPECT_EQ((std::vector<PVNODE*> {mesh, leaf}), passedNodes());
+    ASSERT_EQ((std::vector<PVNODE*> {mesh, leaf, fixed, unplaced}), passedNodes());
     const Mat4 meshView = view * pvtest::localTransform(rootPos, {0, 0, 0}, rootRot) *
                           pvtest::localTransform(meshPos, meshOrigin, meshRot);
     PVELEMENT* record = PVELEMENT::getPassedElement(0);
@@ -191,6 +192,10 @@ TEST_F(RenderList, PlainNodesTransformTheirChildrenWithoutARecord)
     EXPECT_EQ(nullptr, record->getNearestLight(0));
     expectMatrixNear(meshView * Mat4::translation(0, 0, 5), PVELEMENT::getPassedElement(1)->getMatrix()->m,
                      "leaf under a plain node");
+    expectMatrixNear(meshView * Mat4::translation(0.5, 0, 5), PVELEMENT::getPassedElement(2)->getMatrix()->m,
+                     "matrix-placed node");
+    expectMatrixNear(meshView * Mat4::translation(0, 0, 5), PVELEMENT::getPassedElement(3)->getMatrix()->m,
+                     "unplaced node");
     for (PVNODE* node : {root, mesh, plain, leaf})
         EXPECT_EQ(PEVRANO::getTimeStamp(), node->getTimeStamp()) << node->getName();
 
@@ -288,7 +293,7 @@ TEST_F(RenderList, AMinimisedWindowPassesItselfAndItsFirstChildOnly)
 }
 
 // Lights are counted and sorted first, then opaque records, then see-through
-// meshes, helpers and emitters back to front.
+// meshes, helpers and emitters back to front by their far side.
 TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
 {
     start(16);
@@ -303,6 +308,7 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     PVNODE* box = make("box", PV_TYPE_BOX, {0, 0, -5}, root);
     PVNODE* emitter = make("emitter", PV_TYPE_EMITTER, {0, 0, -3}, root);
     PVNODE* helper = make("helper", PV_TYPE_HELPER, {0, 0, -2}, root);
+    pvtest::setRadius(helper, 5);  // its far side at -7 is the farthest
     root->pass(false);
     EXPECT_EQ(8u, PVELEMENT::getNumberOfPassedElements());
     ASSERT_EQ(2u, PVELEMENT::getNumberOfLights());
@@ -313,7 +319,7 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     const std::vector<PVNODE*> order = passedNodes();
     EXPECT_EQ((std::set<PVNODE*> {light1, light2}), (std::set<PVNODE*> {order[0], order[1]}));
     EXPECT_EQ((std::set<PVNODE*> {near, far, box}), (std::set<PVNODE*> {order[2], order[3], order[4]}));
-    EXPECT_EQ((std::vector<PVNODE*> {emitter, helper, glass}),
+    EXPECT_EQ((std::vector<PVNODE*> {helper, emitter, glass}),
               std::vector<PVNODE*>(order.begin() + 5, order.end()));
     EXPECT_EQ(order[0], PVELEMENT::getLight(0)->getNode());
 
@@ -321,27 +327,6 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     EXPECT_EQ(0u, PVELEMENT::getNumberOfLights());
     EXPECT_EQ(0u, PVELEMENT::getNumberOfTransparencies());
     EXPECT_EQ(nullptr, PVELEMENT::getLight(0));
-    // An all-opaque list stays in pass order, near before far.
-    near->pass(false);
-    far->pass(false);
-    EXPECT_TRUE(PVELEMENT::sort3D());
-    EXPECT_EQ((std::vector<PVNODE*> {near, far}), passedNodes());
-}
-
-TEST_F(RenderList, Sort3DDrawsTransparentElementsBackToFront)
-{
-    start(16);
-    PVNODE* root = make("root", PV_TYPE_NODE);
-    PVNODE* near = make("near", PV_TYPE_HELPER, {0, 0, -5}, root);
-    PVNODE* far = make("far", PV_TYPE_MESH, {0, 0, -20}, root);
-    pvtest::makeTransparent(far);
-    PVNODE* wide = make("wide", PV_TYPE_HELPER, {0, 0, -10}, root);
-    pvtest::setRadius(wide, 15);  // its far side at -25 is the farthest
-    PVNODE* spark = make("spark", PV_TYPE_EMITTER, {0, 0, -1}, root);
-    PVNODE* wall = make("wall", PV_TYPE_MESH, {0, 0, -100}, root);
-    root->pass(false);
-    EXPECT_TRUE(PVELEMENT::sort3D());
-    EXPECT_EQ((std::vector<PVNODE*> {wall, wide, far, near, spark}), passedNodes());
 }
 
 TEST_F(RenderList, Sort2DDrawsTheForemostLast)
@@ -369,41 +354,6 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
     EXPECT_EQ((std::vector<PVNODE*> {light, desk, top, middle, back}), passedNodes());
 }
 
-TEST_F(RenderList, SortLightsPutsExclusiveThenNearestFirst)
-{
-    start(16);
-    EXPECT_FALSE(PVELEMENT::sortLights(K3MVECTOR3D(0, 0, 0)));
-    PVNODE* root = new PVNODE();
-    PVLIGHT* far = new PVLIGHT();
-    PVLIGHT* near = new PVLIGHT();
-    PVLIGHT* exclusive = new PVLIGHT();
-    far->setPosition(10, 0, 0);
-    near->setPosition(0, 2, 0);
-    exclusive->setPosition(0, 0, 50);
-    exclusive->setExclusive(true);
-    for (PVNODE* light :
-         {static_cast<PVNODE*>(far), static_cast<PVNODE*>(near), static_cast<PVNODE*>(exclusive)})
-        light->link(root);
-    make("mesh", PV_TYPE_MESH, {}, root);
-    root->pass(false);
-    PVELEMENT::sort3D();
-    EXPECT_TRUE(PVELEMENT::sortLights(K3MVECTOR3D(0, 0, 1)));
-    ASSERT_EQ(3u, PVELEMENT::getNumberOfLights());
-    EXPECT_EQ(exclusive, PVELEMENT::getLight(0)->getNode());
-    EXPECT_EQ(near, PVELEMENT::getLight(1)->getNode());
-    EXPECT_EQ(far, PVELEMENT::getLight(2)->getNode());
-    EXPECT_FLOAT_EQ(49.0f, PVELEMENT::getLight(0)->getDistance());
-    EXPECT_FLOAT_EQ(std::sqrt(5.0f), PVELEMENT::getLight(1)->getDistance());
-    EXPECT_FLOAT_EQ(std::sqrt(101.0f), PVELEMENT::getLight(2)->getDistance());
-    EXPECT_EQ(nullptr, PVELEMENT::getLight(3));
-
-    PVELEMENT* mesh = PVELEMENT::getPassedElement(3);
-    mesh->setNearestLight(0, PVELEMENT::getLight(1));
-    mesh->setNearestLight(4, PVELEMENT::getLight(0));  // no such slot
-    EXPECT_EQ(PVELEMENT::getLight(1), mesh->getNearestLight(0));
-    EXPECT_EQ(nullptr, mesh->getNearestLight(4));
-}
-
 // A frame of several hundred records, well past the size at which the C
 // library's qsort takes a heap buffer: passing and the three sorts must not
 // allocate (the orders themselves are the sort tests' business).
@@ -413,40 +363,38 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
     const int count = 300;
     PVNODE* scene = make("scene", PV_TYPE_NODE);
     PVNODE* desk = make("desk", PV_TYPE_NODE);
+    std::vector<PVBOX*> widgets;
     for (int i = 0; i < count; i++) {
         // Scattered depths and stamps, so that no order comes out by chance.
-        const float x = float(i % 5), z = -float((i * 97) % count);
-        PVNODE* placed = nullptr;
-        if (i % 6 == 1) {
+        const Vec3 at {double(i % 5), 0, -double((i * 97) % count)};
+        if (i % 4 == 1) {
             PVLIGHT* light = new PVLIGHT();
-            light->setExclusive(i % 4 == 1);
-            placed = light;
+            light->setExclusive(i % 8 == 1);
+            light->setPosition(float(at.x), 0, float(at.z));
+            light->link(scene);
         } else {
-            const PV_NODE_TYPE kinds[] = {PV_TYPE_MESH, PV_TYPE_LIGHT,   PV_TYPE_HELPER,
-                                          PV_TYPE_MESH, PV_TYPE_EMITTER, PV_TYPE_NODE};
-            PVNODE* node = pvtest::makeOfType("n", kinds[i % 6]);
-            if (kinds[i % 6] == PV_TYPE_MESH && (i / 6) % 2 == 0)
+            PVNODE* node = make("n", i % 4 == 3 ? PV_TYPE_HELPER : PV_TYPE_MESH, at, scene);
+            pvtest::setRadius(node, float(i % 4));
+            if (i % 8 == 0)
                 pvtest::makeTransparent(node);
-            if (kinds[i % 6] == PV_TYPE_MESH || kinds[i % 6] == PV_TYPE_HELPER)
-                pvtest::setRadius(node, float(i % 4));
-            placed = node;
         }
-        placed->setPosition(x, 0, z);
-        placed->link(scene);
-        PVBOX* widget = new PVBOX();
-        widget->setPosition(x, 0, 0);
-        widget->link(desk);
+        widgets.push_back(new PVBOX());
+        widgets.back()->link(desk);
     }
     for (int i = 0; i < count; i++)
-        static_cast<PVBOX*>(desk->getChild(unsigned((i * 131) % count)))->setForemost(0);
+        widgets[size_t((i * 131) % count)]->setForemost(0);
     PVELEMENT::clippingOn();
     PVELEMENT::setClippingRadius(10000.0f);
-    const K3MVECTOR3D eye(2, 0, -150);
+    auto allocationsOf = [](auto frame) {
+        AllocationCount counted;
+        frame();
+        return counted.value();
+    };
     auto frame3D = [&] {
         PVELEMENT::reset();
         scene->pass(false);
         PVELEMENT::sort3D();
-        PVELEMENT::sortLights(eye);
+        PVELEMENT::sortLights(K3MVECTOR3D(2, 0, -150));
     };
     auto frame2D = [&] {
         PVELEMENT::reset();
@@ -454,37 +402,16 @@ TEST_F(RenderList, AFrameOfSeveralHundredElementsAllocatesNothing)
         PVELEMENT::sort2D();
     };
     // The first frame resolves GL entry points and lets the driver size its
-    // matrix stacks.
+    // matrix stacks; the count must see a malloc.
     frame3D();
     frame2D();
-
-    int allocations = -1;
-    {
-        AllocationCount counted;  // first, check that the count sees a malloc
-        void* volatile probe = std::malloc(64);
-        std::free(probe);
-        allocations = counted.value();
-    }
-    ASSERT_EQ(1, allocations);
-    {
-        AllocationCount counted;
-        frame3D();
-        allocations = counted.value();
-    }
-    EXPECT_EQ(0, allocations);
-    {
-        AllocationCount counted;
-        frame2D();
-        allocations = counted.value();
-    }
-    EXPECT_EQ(0, allocations);
-    const std::vector<PVNODE*> order = passedNodes();
-    ASSERT_EQ(size_t(count), order.size());
-    for (size_t i = 1; i < order.size(); i++)
-        ASSERT_LT(static_cast<PVBOX*>(order[i - 1])->getForemostTimeStamp(),
-                  static_cast<PVBOX*>(order[i])->getForemostTimeStamp())
-            << "at " << i;
-    EXPECT_EQ("", log.fresh());
+    ASSERT_EQ(1, allocationsOf([] {
+                  void* volatile probe = std::malloc(64);
+                  std::free(probe);
+              }));
+    EXPECT_EQ(0, allocationsOf(frame3D));
+    EXPECT_EQ(0, allocationsOf(frame2D));
+    EXPECT_EQ(size_t(count), passedNodes().size());
 }
 
 // A depth that is not a number (here a broken radius) leaves the sorts
@@ -510,34 +437,6 @@ TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
     ASSERT_EQ(38u, order.size());
     for (size_t i = 1; i < order.size(); i++)
         EXPECT_LT(order[i - 1]->getPosition().z, order[i]->getPosition().z) << "at " << i;
-}
-
-TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
-{
-    start(16);
-    PVNODE* root = make("root", PV_TYPE_NODE, {1, 2, 3});
-    root->setRotation(90, 0, -45);
-    PVNODE* child = make("child", PV_TYPE_MESH, {}, root);
-    K3MMATRIX m;
-    m.m[12] = 0.5f;
-    child->setMatrix(m);
-    child->setPositioning(PV_POSITIONING_MATRIX);
-    make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
-
-    EXPECT_EQ((pvtest::Calls {
-                  "glPushMatrix()",
-                  "glTranslatex(65536,131072,196608)",
-                  "glRotatex(5898240,65536,0,0)",
-                  "glRotatex(0,0,65536,0)",
-                  "glRotatex(-2949120,0,0,65536)",
-                  "glPushMatrix()",
-                  "glMultMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,32768,0,0,65536})",
-                  "glPopMatrix()",
-                  "glPushMatrix()",
-                  "glPopMatrix()",
-                  "glPopMatrix()",
-              }),
-              record([&] { root->pass(false); }));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 // the log lines of the error paths.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <initializer_list>
 #include <string>
@@ -30,43 +29,28 @@ std::string list(std::initializer_list<double> values)
 
 std::string slotName(int slot) { return "GL_LIGHT" + std::to_string(slot); }
 
-std::string identityMatrix() { return list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}); }
-
-// What a light programs into its slot, in the order GL receives it.
+// What a light programs into its slot, in the order GL receives it: here a
+// light at the origin of an identity record.
 struct SlotSetUp {
     int slot = 0;
-    std::string ambient = list({0.2, 0.2, 0.2, 1});
-    std::string diffuse = list({0.7, 0.7, 0.7, 1});
-    std::string specular = list({0.2, 0.2, 0.2, 1});
     double cutOff = 180;
     double exponent = 0;
-    std::array<double, 3> attenuation = {1, 0, 0};
-    std::string matrix = identityMatrix();
-    std::array<double, 3> rotation = {0, 0, 0};
-    std::string position = list({0, 0, 0, 1});
-    std::string spotDirection = list({0, 0, 0});
 
     Calls calls() const
     {
         const std::string s = slotName(slot);
-        Calls c = {"glEnable(" + s + ")",
-                   "glLightxv(" + s + ",GL_AMBIENT," + ambient + ")",
-                   "glLightxv(" + s + ",GL_DIFFUSE," + diffuse + ")",
-                   "glLightxv(" + s + ",GL_SPECULAR," + specular + ")",
-                   "glLightx(" + s + ",GL_SPOT_CUTOFF," + fx(cutOff) + ")",
-                   "glLightx(" + s + ",GL_SPOT_EXPONENT," + fx(exponent) + ")",
-                   "glLightx(" + s + ",GL_CONSTANT_ATTENUATION," + fx(attenuation[0]) + ")",
-                   "glLightx(" + s + ",GL_LINEAR_ATTENUATION," + fx(attenuation[1]) + ")",
-                   "glLightx(" + s + ",GL_QUADRATIC_ATTENUATION," + fx(attenuation[2]) + ")",
-                   "glLoadMatrixx(" + matrix + ")"};
-        // Rotations by zero degrees make no call.
-        const char* axes[3] = {",65536,0,0)", ",0,65536,0)", ",0,0,65536)"};
-        for (int i = 0; i < 3; i++)
-            if (rotation[i] != 0)
-                c.push_back("glRotatex(" + fx(rotation[i]) + axes[i]);
-        c.push_back("glLightxv(" + s + ",GL_POSITION," + position + ")");
-        c.push_back("glLightxv(" + s + ",GL_SPOT_DIRECTION," + spotDirection + ")");
-        return c;
+        return {"glEnable(" + s + ")",
+                "glLightxv(" + s + ",GL_AMBIENT," + list({0.2, 0.2, 0.2, 1}) + ")",
+                "glLightxv(" + s + ",GL_DIFFUSE," + list({0.7, 0.7, 0.7, 1}) + ")",
+                "glLightxv(" + s + ",GL_SPECULAR," + list({0.2, 0.2, 0.2, 1}) + ")",
+                "glLightx(" + s + ",GL_SPOT_CUTOFF," + fx(cutOff) + ")",
+                "glLightx(" + s + ",GL_SPOT_EXPONENT," + fx(exponent) + ")",
+                "glLightx(" + s + ",GL_CONSTANT_ATTENUATION,65536)",
+                "glLightx(" + s + ",GL_LINEAR_ATTENUATION,0)",
+                "glLightx(" + s + ",GL_QUADRATIC_ATTENUATION,0)",
+                "glLoadMatrixx(" + list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}) + ")",
+                "glLightxv(" + s + ",GL_POSITION," + list({0, 0, 0, 1}) + ")",
+                "glLightxv(" + s + ",GL_SPOT_DIRECTION," + list({0, 0, 0}) + ")"};
     }
 };
 
@@ -111,57 +95,19 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     EXPECT_EQ("", log.text());
 }
 
-TEST_F(Light, DirectionalLightShinesAlongItsDirection)
-{
-    PVLIGHT light;
-    light.setLightType(PV_LIGHT_DIRECTIONAL);
-    // Oblique, so that every component and its sign shows in the position.
-    light.setDirection(0.6f, -0.64f, -0.48f);
-    light.setAmbient(0.1f, 0.25f, 0.5f, 1.0f);
-    light.setDiffuse(K3MVECTOR4D(0.9f, 0.8f, 0.3f, 0.5f));
-    light.setSpecular(0.0f, 0.0f, 1.0f, 1.0f);
-    light.setCutOff(20);  // a directional light has no cone
-    light.setRotation(90, -45, 30);
-
-    PVELEMENT record;
-    record.setParam1(3);
-    record.getMatrix()->setTranslation(1.5f, -2.0f, -8.25f);
-    SlotSetUp expected;
-    expected.slot = 3;
-    expected.ambient = list({0.1, 0.25, 0.5, 1});
-    expected.diffuse = list({0.9, 0.8, 0.3, 0.5});
-    expected.specular = list({0, 0, 1, 1});
-    expected.matrix = list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1.5, -2, -8.25, 1});
-    expected.rotation = {90, -45, 30};
-    expected.position = list({-0.6, 0.64, 0.48, 0});
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
-}
-
-TEST_F(Light, SpotLightAimedAtItsTarget)
+// Placed by its matrix at (3, 0, 4) and aimed at the origin: direction
+// (-3, 0, -4) / 5, in the slot's call.
+TEST_F(Light, SpotLightAimedAtItsTargetFromItsMatrix)
 {
     PVLIGHT light;
     light.setLightType(PV_LIGHT_SPOT);
     light.setTargetNode(&light);
-    light.setTarget(0, 0, -10);
-    light.setCutOff(30);
-    light.setExponent(12.5f);
-    light.setAttenuation(0.5f, 0.125f, 0.03f);
-    PVELEMENT record;
-    SlotSetUp expected;
-    expected.cutOff = 30;
-    expected.exponent = 12.5;
-    expected.attenuation = {0.5, 0.125, 0.03};
-    expected.spotDirection = list({0, 0, -1});
-    EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
-    EXPECT_EQ(K3MVECTOR3D(0.0f, 0.0f, -1.0f), light.getDirection());
-
-    // From (3, 0, 4), with its matrix as the transform, towards (0, 0, 0):
-    // direction (-3, 0, -4) / 5.
     K3MMATRIX own;
     own.setTranslation(3.0f, 0.0f, 4.0f);
     light.setPositioning(PV_POSITIONING_MATRIX);
     light.setMatrix(own);
     light.setTarget(0, 0, 0);
+    PVELEMENT record;
     renderCalls(light, record);
     EXPECT_EQ(1u, recorder.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({-0.6, 0, -0.8}) + ")"))
         << recorder.text();
@@ -179,7 +125,6 @@ TEST_F(Light, UnknownTypeIsReportedAndLitAsOmni)
     SlotSetUp expected;
     expected.slot = 2;
     expected.cutOff = 42;
-    expected.spotDirection = list({0, 0, 0});
     EXPECT_EQ(withLightingSwitchedOn(expected.calls()), renderCalls(light, record));
     EXPECT_EQ("   [!] Consistency broken: unknow type for lamp @ PVLIGHT::render\n", log.text());
 }
@@ -284,6 +229,8 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
         recorder.filter("glEnable"));
     for (unsigned int i = 0; i < 4; i++)
         EXPECT_EQ(i, record->getNearestLight(i)->getParam1()) << "slot " << i;
+    record->setNearestLight(4, PVELEMENT::getLight(0));  // no such slot
+    EXPECT_EQ(nullptr, record->getNearestLight(4));
     // Each slot is placed with its light's own model-view matrix.
     Calls placements;
     for (double x : {-20.0, 2.5, 4.5, 1.0})

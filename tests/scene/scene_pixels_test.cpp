@@ -90,34 +90,22 @@ protected:
     PVNODE* root = nullptr;
 };
 
-TEST_F(ScenePixels, QuadLandsWhereEachCameraLooks)
+// The camera's matrices are the camera tests' business: a camera following
+// a quad under a moved parent shows it where the projection puts it; world
+// centre (2, -1, -3).
+TEST_F(ScenePixels, QuadLandsWhereTheCameraLooks)
 {
-    const Rgb orange = {1.0, 0.5, 0.0};
-    QuadNode* quad = addQuad(1.5f, {-1, 0.5, 0}, root);
-    quad->setColour(K3MVECTOR4D(1.0f, 0.5f, 0.0f, 1.0f));
-    PVCAMERA* camera = new PVCAMERA();
-
-    camera->setPosition(1, 0.5, 12);
-    camera->setRotation(0, 10, 0);
-    drawFrame(root, camera);
-    expectQuadOnScreen(Mat4::rotationY(-10) * Mat4::translation(-1, -0.5, -12), {-1, 0.5, 0}, 1.5, orange,
-                       "free camera");
-
-    // The other aiming modes build their matrices as the camera tests check;
-    // following a quad under a moved parent shows one on screen: world centre
-    // (2, -1, -3). The first quad would stand in the way: it leaves the scene.
-    quad->unlink();
     PVNODE* carrier = new PVNODE();
     carrier->setPosition(3, -2, -3);
     carrier->link(root);
     QuadNode* followed = addQuad(1.0f, {-1, 1, 0}, carrier);
     followed->setColour(K3MVECTOR4D(0.0f, 1.0f, 1.0f, 1.0f));
+    PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(-5, 2, 8);
     camera->setTargetNode(followed);
     drawFrame(root, camera);
     const Mat4 following = Mat4::lookAt({-5, 2, 8}, {2, -1, -3}, {0, 1, 0});
     expectQuadOnScreen(following, {2, -1, -3}, 1.0, {0.0, 1.0, 1.0}, "follow camera");
-    expectColour({0.0, 1.0, 1.0}, {windowWidth / 2.0, windowHeight / 2.0}, "follow camera, screen centre");
 }
 
 TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)

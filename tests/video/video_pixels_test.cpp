@@ -143,16 +143,4 @@ TEST_F(VideoPixels, FramesShowInTheirOrder)
     }
 }
 
-TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
-{
-    new PVVIDEO();
-    PVVIDEO* playing = new PVVIDEO();
-    ASSERT_TRUE(playing->load("bands.mpg"));
-    playing->play();
-    EXPECT_TRUE(playing->update(3));
-    PEVRANO::free();
-    EXPECT_EQ(0u, PVVIDEO::getNumberOfVideos());
-    EXPECT_EQ(nullptr, PVVIDEO::findByFilename("bands.mpg"));
-}
-
 }  // namespace
