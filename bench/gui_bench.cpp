@@ -1,7 +1,9 @@
 // Interface costs: a frame of text (25 strings of 40 characters in the demo's
 // font and size) drawn one draw call per string, against the same glyphs
-// drawn one draw call each (the peer in the same run); and the CPU cost of a 2D frame of 50 widgets (bevelled
-// boxes and captioned buttons). Draw calls are counted at the GL entry point.
+// drawn one draw call each (the peer in the same run); the CPU cost of a 2D
+// frame of 50 widgets (bevelled boxes and captioned buttons); and a frame of
+// 1,000 bevelled boxes against the same boxes drawn one draw call per piece
+// (the floor in the same run). Draw calls are counted at the GL entry point.
 #include <benchmark/benchmark.h>
 
 #include <dlfcn.h>
@@ -175,6 +177,68 @@ void BM_WidgetFrame50(benchmark::State& state)
     PVNODE::cleanUp();
 }
 BENCHMARK(BM_WidgetFrame50)->Unit(benchmark::kMicrosecond);
+
+// The floor: a box drawn the way boxes were drawn before their pieces were
+// batched, one draw call for the fill and one for each border piece.
+class OneDrawPerPieceBox : public PVBOX {
+public:
+    bool render(void* element) override
+    {
+        if (!displayStatus)
+            return false;
+        beginDrawing(element, isTransparent());
+        drawQuad(0, 0, sizeX, sizeY, fillColor(), &boxCoord);
+        PVTEXTURE::texturingOff(0);
+        PVOPENGL::blendingOn();
+        for (int ring = 0; ring < int(thickness); ring++)
+            for (int piece = 0; piece < PV_BOX_RING_PIECES; piece++) {
+                const PVBOXQUAD quad = borderQuad(ring, piece);
+                drawQuad(quad.left, quad.top, quad.right, quad.bottom, quad.color, nullptr);
+            }
+        if (scissorStatus)
+            PVOPENGL::scissorOff();
+        return true;
+    }
+};
+
+// 1,000 bevelled boxes (3-pixel borders) in a 40 x 25 grid filling the
+// screen, a quarter of them translucent and a quarter pressed; each
+// iteration is one 2D frame drawn to the end.
+template <typename Box> void boxFrame(benchmark::State& state)
+{
+    if (!engineStarted()) {
+        state.SkipWithError("engine did not start");
+        return;
+    }
+    PVBOX* root = new PVBOX();
+    root->setDisplayStatus(false);
+    for (int i = 0; i < 1000; i++) {
+        PVBOX* box = new Box();
+        box->setPosition(float((i % 40) * 16), float((i / 40) * 19));
+        box->setSizes(15, 18);
+        box->setColor(0.2f + 0.6f * float(i % 7) / 7.0f, 0.5f, 0.3f, i % 4 == 1 ? 0.6f : 1.0f);
+        box->setClickedStatus(i % 4 == 2);
+        box->link(root);
+    }
+    drawCalls = 0;
+    const double processStart = pvbench::processSeconds();
+    for (auto _ : state) {
+        PEVRANO::begin2D();
+        root->pass(false);
+        PEVRANO::end2D();
+        glFinish();
+    }
+    const double frames = double(state.iterations());
+    state.counters["process_cpu_ms/frame"] = (pvbench::processSeconds() - processStart) * 1000.0 / frames;
+    state.counters["draws/frame"] = double(drawCalls) / frames;
+    PVNODE::cleanUp();
+}
+
+void BM_BoxFrame1000(benchmark::State& state) { boxFrame<PVBOX>(state); }
+BENCHMARK(BM_BoxFrame1000)->Unit(benchmark::kMillisecond);
+
+void BM_BoxFrame1000OneDrawPerPiece(benchmark::State& state) { boxFrame<OneDrawPerPieceBox>(state); }
+BENCHMARK(BM_BoxFrame1000OneDrawPerPiece)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -83,6 +83,8 @@ namespace {
             PV_ENUM(GL_ONE_MINUS_SRC_COLOR),
             PV_ENUM(GL_SRC_ALPHA),
             PV_ENUM(GL_ONE_MINUS_SRC_ALPHA),
+            PV_ENUM(GL_BLEND_SRC),
+            PV_ENUM(GL_BLEND_DST),
             PV_ENUM(GL_DST_ALPHA),
             PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
             PV_ENUM(GL_DST_COLOR),
