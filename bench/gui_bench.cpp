@@ -158,8 +158,8 @@ void BM_WidgetFrame50(benchmark::State& state)
     root->setDisplayStatus(false);
     for (int i = 0; i < 50; i++) {
         PVBOX* widget = i % 2 ? new PVBUTTON() : new PVBOX();
-        widget->setPosition(float((i % 10) * 20), float((i / 10) * 20));
-        widget->setSizes(18, 18);
+        widget->setPosition(float((i % 10) * 42), float((i / 10) * 20));
+        widget->setSizes(40, 18);  // room for a caption in the demo's font
         if (i % 2) {
             static_cast<PVBUTTON*>(widget)->setFont(demoFont());
             static_cast<PVBUTTON*>(widget)->setCaption("Ok");

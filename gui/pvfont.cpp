@@ -16,6 +16,7 @@
 #include "foundation/kvfmemory.h"
 #include "foundation/kvfparser.h"
 #include "gui/pvbox.h"
+#include "gui/pvtextcache.h"
 
 #define PV_FONT_CACHE_VERTICES (PV_FONT_CACHE_GLYPHS * 6)
 
@@ -28,6 +29,7 @@ GLushort* PVFONT::fontCachedIndex = nullptr;
 unsigned int PVFONT::fontCachedCurrent = 0;
 bool PVFONT::overflow = false;
 GLubyte PVFONT::currentColor[24];
+unsigned int PVFONT::layoutCounter = 0;
 
 namespace {
 
@@ -81,7 +83,8 @@ PVFONT::PVFONT() :
     charSizeX(16),
     charSizeY(16),
     previous(nullptr),
-    next(nullptr)
+    next(nullptr),
+    layout(++layoutCounter)
 {
     snprintf(name, sizeof(name), "[font %d]", int(id));
     Registry::append(this);
@@ -93,6 +96,25 @@ PVFONT::~PVFONT()
         texture->decReferences();
     kvfReleaseId(id);
     Registry::remove(this);
+    PVTEXTCACHE::forget(layout);
+}
+
+void PVFONT::relayout()
+{
+    PVTEXTCACHE::forget(layout);
+    layout = ++layoutCounter;
+}
+
+void PVFONT::setCharSizeX(unsigned int value)
+{
+    charSizeX = value;
+    relayout();
+}
+
+void PVFONT::setCharSizeY(unsigned int value)
+{
+    charSizeY = value;
+    relayout();
 }
 
 void PVFONT::setName(const char* newName)
@@ -123,6 +145,7 @@ bool PVFONT::setKerning(char c, char value)
         return false;
     }
     kerning[code - PV_FONT_FIRST_CODE] = static_cast<signed char>(value);
+    relayout();
     return true;
 }
 
@@ -170,6 +193,7 @@ bool PVFONT::loadKerning(const char* file)
         if (kvfGetInt(&parser, entry.key, &value))
             kerning[entry.code - PV_FONT_FIRST_CODE] = static_cast<signed char>(value);
     kvfCloseParser(&parser);
+    relayout();
     return true;
 }
 
@@ -306,17 +330,48 @@ bool PVFONT::putText(int x, int y, const char* text)
     return drawFormatted(x, y, formatted);
 }
 
+// A string drawn before by the same layout at the same place is drawn from
+// its buffer; a new one is laid out, kept in a buffer when it fits the text
+// cache, and drawn. Either way one draw call.
 bool PVFONT::drawFormatted(int x, int y, const char* text)
 {
     PVBOX::bindTexture(texture);
     PVOPENGL::blendingOn();
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    // Glyphs queued by putChar are dropped by the next string, as when the
+    // string is laid out; cached strings stand alone.
+    const bool cacheable = fontCachedCurrent == 0;
+    if (cacheable) {
+        if (const PVTEXTCACHEENTRY* cached = PVTEXTCACHE::find(layout, x, y, text)) {
+            for (int v = 0; v < 6; v++)
+                memcpy(currentColor + v * 4, PVTEXTCACHE::lastColor(cached), 4);
+            overflow = false;
+            PVTEXTCACHE::draw(cached);
+            return true;
+        }
+    }
+    const unsigned int start = fontCachedCurrent;
+    if (!layOut(x, y, text))
+        return false;
+    const PVGLYPHARRAYS glyphs = {fontCachedVertex, fontCachedTexCoord, fontCachedColor, fontCachedCurrent};
+    const PVTEXTCACHEENTRY* stored =
+        cacheable && !overflow ? PVTEXTCACHE::store(layout, x, y, text, glyphs, currentColor) : nullptr;
+    if (stored)
+        PVTEXTCACHE::draw(stored);
+    else if (overflow && fontCachedCurrent > 0)
+        flushCache(0, fontCachedCurrent);  // a flush in the middle drew what came before
+    else if (!overflow && fontCachedCurrent > start)
+        flushCache(start, fontCachedCurrent - start);
+    fontCachedCurrent = 0;
+    return true;
+}
+
+bool PVFONT::layOut(int x, int y, const char* text)
+{
     memset(currentColor, 255, sizeof(currentColor));
     overflow = false;
-    unsigned int start = fontCachedCurrent;
     int dx = 0;
     int dy = 0;
-
     const size_t length = strlen(text);
     for (size_t i = 0; i < length; i++) {
         const char c = text[i];
@@ -347,12 +402,6 @@ bool PVFONT::drawFormatted(int x, int y, const char* text)
         putChar(x + dx, y + dy, c, false);
         dx += advance(c);
     }
-    // A flush in the middle of the string drew everything queued before it.
-    if (overflow)
-        start = 0;
-    if (fontCachedCurrent > start)
-        flushCache(start, fontCachedCurrent - start);
-    fontCachedCurrent = 0;
     return true;
 }
 
@@ -426,6 +475,11 @@ bool PVFONT::init()
     for (unsigned int i = 0; i < PV_FONT_CACHE_VERTICES; i++)
         fontCachedIndex[i] = GLushort(i);
     fontCachedCurrent = 0;
+    if (!PVTEXTCACHE::init()) {
+        free();
+        kvfLog("   [!] Out of memory @ PVFONT::init\n");
+        return false;
+    }
     return true;
 }
 
@@ -444,6 +498,7 @@ bool PVFONT::free()
     releaseArray(fontCachedColor);
     releaseArray(fontCachedIndex);
     fontCachedCurrent = 0;
+    PVTEXTCACHE::free();
     return true;
 }
 
@@ -456,7 +511,11 @@ bool PVFONT::cleanUp()
     return true;
 }
 
-void PVFONT::reset() { fontCachedCurrent = 0; }
+void PVFONT::reset()
+{
+    fontCachedCurrent = 0;
+    PVTEXTCACHE::newPass();
+}
 
 int PVFONT::getNumberOfFonts() { return int(Registry::count()); }
 

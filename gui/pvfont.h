@@ -30,8 +30,8 @@ public:
     void setName(const char* newName);
     const char* getName() const { return name; }
     unsigned int getId() const { return id; }
-    void setCharSizeX(unsigned int value) { charSizeX = value; }
-    void setCharSizeY(unsigned int value) { charSizeY = value; }
+    void setCharSizeX(unsigned int value);
+    void setCharSizeY(unsigned int value);
     unsigned int getCharSizeX() const { return charSizeX; }
     unsigned int getCharSizeY() const { return charSizeY; }
     PVFONT* getNext() const { return next; }
@@ -78,6 +78,12 @@ private:
     bool drawFormatted(int x, int y, const char* text);
     static void pointArraysAt(unsigned int slot);
     void writeGlyph(unsigned int slot, int x, int y, char c) const;
+    // Lays the glyphs of text out in the cache arrays; false for a cut
+    // escape (the glyphs before it stay queued).
+    bool layOut(int x, int y, const char* text);
+    // A new layout stamp after a change of cell size or kerning: strings
+    // cached with the old one are no longer drawn.
+    void relayout();
 
     unsigned int id;
     PVTEXTURE* texture;
@@ -87,6 +93,8 @@ private:
     char name[PV_FONT_NAME_SIZE];
     PVFONT* previous;
     PVFONT* next;
+    // Identifies the cell sizes and kerning the font lays text out with.
+    unsigned int layout;
 
     static PVFONT* firstFont;
     static char fontPath[256];
@@ -97,6 +105,7 @@ private:
     static unsigned int fontCachedCurrent;
     static bool overflow;
     static GLubyte currentColor[24];
+    static unsigned int layoutCounter;
 
     using Registry = PVREGISTRY<PVFONT, &PVFONT::firstFont, &PVFONT::previous, &PVFONT::next>;
 };

@@ -153,6 +153,9 @@ namespace {
             PV_ENUM(GL_TRIANGLES),
             PV_ENUM(GL_FIXED),
             PV_ENUM(GL_UNSIGNED_SHORT),
+            // Buffer objects.
+            PV_ENUM(GL_ARRAY_BUFFER),
+            PV_ENUM(GL_STATIC_DRAW),
         };
 #undef PV_ENUM
         return names;
@@ -402,6 +405,17 @@ PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, 
              (size, type, stride, pointer), .num(size).en(type).num(stride))
 PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
              (mode, count, type, indices), .raw(pvtest::primitiveText(mode)).num(count).en(type))
+
+// Buffer objects (names and data pointers are left out, bound names kept
+// as 0 or not).
+PV_INTERPOSE(void, glGenBuffers, (GLsizei n, GLuint* buffers), (n, buffers), .num(n))
+PV_INTERPOSE(void, glDeleteBuffers, (GLsizei n, const GLuint* buffers), (n, buffers), .num(n))
+PV_INTERPOSE(void, glBindBuffer, (GLenum target, GLuint buffer), (target, buffer),
+             .en(target).raw(buffer ? "buffer" : "0"))
+PV_INTERPOSE(void, glBufferData, (GLenum target, GLsizeiptr size, const void* data, GLenum usage),
+             (target, size, data, usage), .en(target).num(int(size)).en(usage))
+PV_INTERPOSE(void, glBufferSubData, (GLenum target, GLintptr offset, GLsizeiptr size, const void* data),
+             (target, offset, size, data), .en(target).num(int(offset)).num(int(size)))
 
 // Matrices.
 PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
