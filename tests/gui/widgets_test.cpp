@@ -137,19 +137,64 @@ TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
     struct Case {
         char key;
         const char* caption;
+        PV_TEXTFIELD_KEY outcome;
     };
     // The test adds the key's kerning, not its advance: a fourth glyph still
     // goes in when three fill the room.
-    const Case cases[] = {{8, ""},       {'a', "a"}, {'b', "ab"}, {'c', "abc"},  {'d', "abcd"},
-                          {'e', "abcd"}, {8, "abc"}, {0, "abc"},  {'\t', "abc"}, {char(200), "abc"}};
+    const Case cases[] = {
+        {8, "", PV_TEXTFIELD_KEY_NONE},
+        {'a', "a", PV_TEXTFIELD_KEY_INSERTED},
+        {'b', "ab", PV_TEXTFIELD_KEY_INSERTED},
+        {'c', "abc", PV_TEXTFIELD_KEY_INSERTED},
+        {'d', "abcd", PV_TEXTFIELD_KEY_INSERTED},
+        {'e', "abcd", PV_TEXTFIELD_KEY_FULL},
+        {8, "abc", PV_TEXTFIELD_KEY_ERASED},
+        {0, "abc", PV_TEXTFIELD_KEY_NONE},
+        {'\t', "abc", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+        {char(200), "abc", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+    };
     for (const Case& c : cases) {
         EXPECT_TRUE(field.manageKey(c.key)) << int(c.key);
         EXPECT_STREQ(c.caption, field.getCaption()) << int(c.key);
+        EXPECT_EQ(c.outcome, field.getLastKey()) << int(c.key);
     }
     EXPECT_TRUE(field.isEditing());
     font->setKerning('z', -20);  // a negative kerning wraps the unsigned sum
     EXPECT_TRUE(field.manageKey('z'));
     EXPECT_STREQ("abcz", field.getCaption());
+}
+
+// Characters typed by their code are never cut to 8 bits: codes the font
+// sheet holds go in while the text and the caret still show; others, and
+// characters a full field has no room for, are refused and the caret stays.
+TEST_F(Widgets, TypedCharactersGoInOnlyWhenTheyCanBeDrawnAndShown)
+{
+    PVTEXTFIELD field;
+    field.setSizeX(80);  // room: 80 - 16 = 64, the text and the caret below it
+    EXPECT_EQ(PV_TEXTFIELD_KEY_NO_FONT, field.typeCharacter('a'));
+    field.setFont(font);
+    field.clear();
+    struct Case {
+        unsigned int code;
+        const char* caption;
+        PV_TEXTFIELD_KEY outcome;
+    };
+    const Case cases[] = {
+        {'a', "a", PV_TEXTFIELD_KEY_INSERTED},
+        {0xE9, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},  // e acute: not 'i'
+        {0x141, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},  // L stroke: not 'A'
+        {13, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+        {'b', "ab", PV_TEXTFIELD_KEY_INSERTED},
+        {'c', "ab", PV_TEXTFIELD_KEY_FULL},  // with the caret: 64, not below 64
+        {0, "ab", PV_TEXTFIELD_KEY_NONE},
+        {8, "a", PV_TEXTFIELD_KEY_ERASED},
+        {127, "a\x7f", PV_TEXTFIELD_KEY_INSERTED},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.outcome, field.typeCharacter(c.code)) << c.code;
+        EXPECT_STREQ(c.caption, field.getCaption()) << c.code;
+        EXPECT_EQ(c.outcome, field.getLastKey()) << c.code;
+    }
 }
 
 TEST_F(Widgets, ATextFieldDrawsASunkenFrameOfLines)
