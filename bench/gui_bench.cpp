@@ -148,14 +148,24 @@ void BM_TextFrameGlyphByGlyph(benchmark::State& state)
 }
 BENCHMARK(BM_TextFrameGlyphByGlyph)->Unit(benchmark::kMillisecond);
 
-void BM_WidgetFrame50(benchmark::State& state)
+// An undrawn box to hang a frame's widgets under, once the engine runs;
+// null (the benchmark skipped) when it does not start.
+PVBOX* widgetRoot(benchmark::State& state)
 {
     if (!engineStarted()) {
         state.SkipWithError("engine did not start");
-        return;
+        return nullptr;
     }
     PVBOX* root = new PVBOX();
     root->setDisplayStatus(false);
+    return root;
+}
+
+void BM_WidgetFrame50(benchmark::State& state)
+{
+    PVBOX* root = widgetRoot(state);
+    if (!root)
+        return;
     for (int i = 0; i < 50; i++) {
         PVBOX* widget = i % 2 ? new PVBUTTON() : new PVBOX();
         widget->setPosition(float((i % 10) * 42), float((i / 10) * 20));
@@ -206,12 +216,9 @@ public:
 // iteration is one 2D frame drawn to the end.
 template <typename Box> void boxFrame(benchmark::State& state)
 {
-    if (!engineStarted()) {
-        state.SkipWithError("engine did not start");
+    PVBOX* root = widgetRoot(state);
+    if (!root)
         return;
-    }
-    PVBOX* root = new PVBOX();
-    root->setDisplayStatus(false);
     for (int i = 0; i < 1000; i++) {
         PVBOX* box = new Box();
         box->setPosition(float((i % 40) * 16), float((i / 40) * 19));
