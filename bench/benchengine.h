@@ -4,6 +4,8 @@
 #ifndef PEVRANO_BENCH_BENCHENGINE_H
 #define PEVRANO_BENCH_BENCHENGINE_H
 
+#include <time.h>
+
 #include <pevrano.h>
 
 namespace pvbench {
@@ -20,6 +22,14 @@ inline bool engineStarted()
         return PEVRANO::isActive() || PEVRANO::init(&settings);
     }();
     return started;
+}
+
+// Processor time of the whole process, every thread (llvmpipe's included).
+inline double processSeconds()
+{
+    timespec now;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
 }  // namespace pvbench

@@ -1,5 +1,8 @@
 #include "gui/pvbox.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
 #include "core/pvgl.h"
@@ -186,10 +189,8 @@ void PVBOX::applyScissor()
         glScissor(0, 0, PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY());
 }
 
-bool PVBOX::render(void* element)
+void PVBOX::beginDrawing(void* element, bool blended)
 {
-    if (!displayStatus)
-        return false;
     PV_glLoadMatrixf(static_cast<PVELEMENT*>(element)->getMatrix()->m);
     applyScissor();
     if (shader)
@@ -200,21 +201,19 @@ bool PVBOX::render(void* element)
         bindTexture(texture);
     else
         PVTEXTURE::texturingOff(0);
-    if (isTransparent())
+    if (blended)
         PVOPENGL::blendingOn();
     else
         PVOPENGL::blendingOff();
-    K3MVECTOR4D fill = color;
-    if (clickedStatus) {
-        fill = color * 0.9f;
-        fill.w = color.w;
-    }
-    drawQuad(0, 0, sizeX, sizeY, fill, &boxCoord);
-    if (thickness > 0)
-        drawBorder(color);
-    if (scissorStatus)
-        PVOPENGL::scissorOff();
-    return true;
+}
+
+K3MVECTOR4D PVBOX::fillColor() const
+{
+    if (!clickedStatus)
+        return color;
+    K3MVECTOR4D darker = color * 0.9f;
+    darker.w = color.w;
+    return darker;
 }
 
 namespace {
@@ -230,7 +229,7 @@ struct BorderPiece {
 
 // Per ring i, in drawing order: top, left, bottom and right edges, then the
 // corners top-left, bottom-left, top-right and bottom-right.
-const BorderPiece borderPieces[8] = {
+const BorderPiece borderPieces[PV_BOX_RING_PIECES] = {
     {1, 0, -1, 1, false, false, true, false, 1.3f, 0.7f},
     {0, 1, 1, -1, false, false, false, true, 1.3f, 0.7f},
     {1, 0, -1, -1, false, true, true, true, 0.7f, 1.3f},
@@ -247,20 +246,195 @@ int ringCoordinate(int i, int offset, bool fromFar, int far)
     return fromFar ? far - i + offset : i + offset;
 }
 
+// Untextured quads gathered for one indexed draw: the fill and the border
+// pieces of a box. A border of more rings than fit is drawn in several.
+class QuadBatch {
+public:
+    // Corners in the order of a strip: top-left, top-right, bottom-left,
+    // bottom-right, as (x, y) in 16.16.
+    void add(const GLfixed corners[8], const K3MVECTOR4D& color)
+    {
+        if (count == capacity)
+            flush();
+        memcpy(vertices + count * 8, corners, 8 * sizeof(GLfixed));
+        GLfixed shade[4];
+        for (int c = 0; c < 4; c++)
+            shade[c] = PV_floatToFixed(color[c]);
+        for (int corner = 0; corner < 4; corner++)
+            memcpy(colors + count * 16 + corner * 4, shade, sizeof(shade));
+        count++;
+    }
+
+    void add(const PVBOXQUAD& quad)
+    {
+        const GLfixed left = PV_floatToFixed(float(quad.left));
+        const GLfixed top = PV_floatToFixed(float(quad.top));
+        const GLfixed right = PV_floatToFixed(float(quad.right));
+        const GLfixed bottom = PV_floatToFixed(float(quad.bottom));
+        const GLfixed corners[8] = {left, top, right, top, left, bottom, right, bottom};
+        add(corners, quad.color);
+    }
+
+    void flush()
+    {
+        if (count == 0)
+            return;
+        glVertexPointer(2, GL_FIXED, 0, vertices);
+        glColorPointer(4, GL_FIXED, 0, colors);
+        glTexCoordPointer(2, GL_FIXED, 0, texCoords);
+        glDrawElements(GL_TRIANGLES, GLsizei(count * 6), GL_UNSIGNED_SHORT, indices());
+        count = 0;
+    }
+
+private:
+    // The fill and 16 rings of border.
+    static const unsigned int capacity = 1 + 16 * PV_BOX_RING_PIECES;
+
+    // Each quad as the two triangles of its strip, in the strip's winding.
+    static const GLushort* indices()
+    {
+        static GLushort table[capacity * 6];
+        static const bool filled = [] {
+            static const GLushort strip[6] = {0, 1, 2, 2, 1, 3};
+            for (unsigned int quad = 0; quad < capacity; quad++)
+                for (int i = 0; i < 6; i++)
+                    table[quad * 6 + i] = GLushort(quad * 4 + strip[i]);
+            return true;
+        }();
+        (void)filled;
+        return table;
+    }
+
+    unsigned int count = 0;
+    GLfixed vertices[capacity * 8];
+    GLfixed colors[capacity * 16];
+    // Texturing is off for these quads; the array is read all the same.
+    GLfixed texCoords[capacity * 8] = {};
+};
+
+QuadBatch batch;
+
+// The pieces of every ring joined: piece p of all t rings covers exactly the
+// pixels of the t separate quads when the rings do not meet (each side at
+// least 2t + 2 long). An edge's rings form a band whose slanted ends pass a
+// quarter pixel outside the first and last pixel centre of each row; a
+// corner's rings form a thin slanted strip through their pixel centres. Both
+// are drawn for the top-left sides and mirrored or turned for the others.
+// Quarter pixels are exact in 16.16.
+struct JoinedPiece {
+    bool band;  // an edge's band, else a corner's strip
+    bool turned;  // x and y exchanged (the left and right sides)
+    bool mirrorX;
+    bool mirrorY;
+};
+
+// In the order of the pieces: top, left, bottom and right edges, then the
+// top-left, bottom-left, top-right and bottom-right corners.
+const JoinedPiece joinedPieces[PV_BOX_RING_PIECES] = {
+    {true, false, false, false}, {true, true, false, false},   {true, false, false, true},
+    {true, true, true, false},   {false, false, false, false}, {false, false, false, true},
+    {false, false, true, false}, {false, false, true, true},
+};
+
+// Corners of a top band along an edge of the given length, or of the
+// top-left corner strip, in quarter pixels.
+void joinedShape(bool band, int length, int rings, int quarters[8])
+{
+    const int l = length * 4;
+    const int t = rings * 4;
+    const int bandCorners[8] = {3, 0, l - 3, 0, t + 3, t, l - t - 3, t};
+    const int stripCorners[8] = {-1, 0, 1, 0, t - 1, t, t + 1, t};
+    memcpy(quarters, band ? bandCorners : stripCorners, sizeof(bandCorners));
+}
+
 }  // namespace
 
-void PVBOX::drawBorder(const K3MVECTOR4D& baseColor)
+bool PVBOX::ringsJoinable() const
+{
+    const int shortest = 2 * int(thickness) + 2;
+    return thickness <= PV_BOX_JOINED_RINGS && sizeX >= shortest && sizeY >= shortest &&
+           sizeX <= PV_BOX_JOINED_SIZE && sizeY <= PV_BOX_JOINED_SIZE;
+}
+
+void PVBOX::addJoinedPiece(int piece)
+{
+    const JoinedPiece& joined = joinedPieces[piece];
+    int quarters[8];
+    joinedShape(joined.band, joined.turned ? sizeY : sizeX, int(thickness), quarters);
+    GLfixed corners[8];
+    for (int corner = 0; corner < 4; corner++) {
+        int x = quarters[corner * 2];
+        int y = quarters[corner * 2 + 1];
+        if (joined.turned)
+            std::swap(x, y);
+        if (joined.mirrorX)
+            x = sizeX * 4 - x;
+        if (joined.mirrorY)
+            y = sizeY * 4 - y;
+        corners[corner * 2] = GLfixed(x) * 16384;
+        corners[corner * 2 + 1] = GLfixed(y) * 16384;
+    }
+    batch.add(corners, borderQuad(0, piece).color);
+}
+
+namespace {
+
+// Under the usual blend function an opaque colour covers what is beneath
+// exactly as with blending off, so the fill can join the blended border.
+bool opaqueCoversWhenBlended()
+{
+    GLint source = 0;
+    GLint destination = 0;
+    glGetIntegerv(GL_BLEND_SRC, &source);
+    glGetIntegerv(GL_BLEND_DST, &destination);
+    return source == GL_SRC_ALPHA && destination == GL_ONE_MINUS_SRC_ALPHA;
+}
+
+}  // namespace
+
+PVBOXQUAD PVBOX::borderQuad(int ring, int piece) const
+{
+    const BorderPiece& shape = borderPieces[piece];
+    K3MVECTOR4D shade = color * (clickedStatus ? shape.pressed : shape.released);
+    shade.w = 0.5f;
+    return {ringCoordinate(ring, shape.left, shape.farLeft, sizeX),
+            ringCoordinate(ring, shape.top, shape.farTop, sizeY),
+            ringCoordinate(ring, shape.right, shape.farRight, sizeX),
+            ringCoordinate(ring, shape.bottom, shape.farBottom, sizeY), shade};
+}
+
+// The fill and every border piece in one indexed draw when they share their
+// state (no texture, no shader, and blending that leaves an opaque fill as
+// it is); otherwise the fill on its own, then the border in one draw.
+bool PVBOX::render(void* element)
+{
+    if (!displayStatus)
+        return false;
+    const bool fillJoinsBorder =
+        thickness > 0 && !texture && !shader && (isTransparent() || opaqueCoversWhenBlended());
+    beginDrawing(element, isTransparent() || fillJoinsBorder);
+    if (fillJoinsBorder)
+        batch.add({0, 0, sizeX, sizeY, fillColor()});
+    else
+        drawQuad(0, 0, sizeX, sizeY, fillColor(), &boxCoord);
+    if (thickness > 0)
+        drawBorder();
+    if (scissorStatus)
+        PVOPENGL::scissorOff();
+    return true;
+}
+
+void PVBOX::drawBorder()
 {
     PVTEXTURE::texturingOff(0);
     PVOPENGL::blendingOn();
-    for (int i = 0; i < int(thickness); i++) {
-        for (const BorderPiece& piece : borderPieces) {
-            K3MVECTOR4D shade = baseColor * (clickedStatus ? piece.pressed : piece.released);
-            shade.w = 0.5f;
-            drawQuad(ringCoordinate(i, piece.left, piece.farLeft, sizeX),
-                     ringCoordinate(i, piece.top, piece.farTop, sizeY),
-                     ringCoordinate(i, piece.right, piece.farRight, sizeX),
-                     ringCoordinate(i, piece.bottom, piece.farBottom, sizeY), shade, nullptr);
-        }
+    if (ringsJoinable()) {
+        for (int piece = 0; piece < PV_BOX_RING_PIECES; piece++)
+            addJoinedPiece(piece);
+    } else {
+        for (int ring = 0; ring < int(thickness); ring++)
+            for (int piece = 0; piece < PV_BOX_RING_PIECES; piece++)
+                batch.add(borderQuad(ring, piece));
     }
+    batch.flush();
 }

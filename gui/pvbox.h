@@ -26,6 +26,19 @@ public:
     float coord[8];
 };
 
+// One untextured quad of a box's drawing, in the box's own pixels.
+struct PVBOXQUAD {
+    int left, top, right, bottom;
+    K3MVECTOR4D color;
+};
+
+// Pieces of each ring of the bevelled border: four edges, four corners.
+#define PV_BOX_RING_PIECES 8
+// Limits within which the rings of a border are drawn as one shape per piece
+// (coordinates in quarter pixels stay inside 16.16).
+#define PV_BOX_JOINED_RINGS 1024
+#define PV_BOX_JOINED_SIZE 16384
+
 class PVBOX : public PVNODE {
 public:
     PVBOX();
@@ -104,7 +117,19 @@ protected:
     // Clips to the enclosing window (or the whole display) when scissorStatus
     // is set.
     void applyScissor();
-    void drawBorder(const K3MVECTOR4D& baseColor);
+    // The element's matrix, the scissor, shader, texture, and blending on or
+    // off.
+    void beginDrawing(void* element, bool blended);
+    // The colour, darker while pressed (alpha kept).
+    K3MVECTOR4D fillColor() const;
+    // Piece (0 to 7, in drawing order) of border ring i.
+    PVBOXQUAD borderQuad(int ring, int piece) const;
+    // Every ring of the border, in one draw where they fit.
+    void drawBorder();
+    // Whether the rings can be joined: they do not meet and stay in range.
+    bool ringsJoinable() const;
+    // Piece p of every ring as one shape, into the batch.
+    void addJoinedPiece(int piece);
 
     int sizeX;
     int sizeY;

@@ -1,5 +1,6 @@
 #include "gui/pvfont.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdarg>
 #include <cstdint>
@@ -17,6 +18,7 @@
 #include "foundation/kvfparser.h"
 #include "foundation/kvfstring.h"
 #include "gui/pvbox.h"
+#include "gui/pvtextcache.h"
 
 #define PV_FONT_CACHE_VERTICES (PV_FONT_CACHE_GLYPHS * 6)
 
@@ -29,6 +31,7 @@ GLushort* PVFONT::fontCachedIndex = nullptr;
 unsigned int PVFONT::fontCachedCurrent = 0;
 bool PVFONT::overflow = false;
 GLubyte PVFONT::currentColor[24];
+unsigned int PVFONT::layoutCounter = 0;
 
 namespace {
 
@@ -82,7 +85,10 @@ PVFONT::PVFONT() :
     charSizeX(16),
     charSizeY(16),
     previous(nullptr),
-    next(nullptr)
+    next(nullptr),
+    layout(++layoutCounter),
+    inkSheet(nullptr),
+    ink()
 {
     snprintf(name, sizeof(name), "[font %d]", int(id));
     Registry::append(this);
@@ -94,6 +100,31 @@ PVFONT::~PVFONT()
         texture->decReferences();
     kvfReleaseId(id);
     Registry::remove(this);
+    forgetCachedText();
+}
+
+void PVFONT::forgetCachedText()
+{
+    PVTEXTCACHE::forget(layout * 2);
+    PVTEXTCACHE::forget(layout * 2 + 1);
+}
+
+void PVFONT::relayout()
+{
+    forgetCachedText();
+    layout = ++layoutCounter;
+}
+
+void PVFONT::setCharSizeX(unsigned int value)
+{
+    charSizeX = value;
+    relayout();
+}
+
+void PVFONT::setCharSizeY(unsigned int value)
+{
+    charSizeY = value;
+    relayout();
 }
 
 void PVFONT::setName(const char* newName) { kvfCopyIfFits(name, sizeof name, newName); }
@@ -108,8 +139,41 @@ bool PVFONT::setTexture(PVTEXTURE* newTexture)
         texture->decReferences();
     texture = newTexture;
     texture->incReferences();
+    measureInk(texture);
+    relayout();
     return true;
 }
+
+void PVFONT::measureInk(PVTEXTURE* sheet)
+{
+    inkSheet = nullptr;
+    const unsigned char* pixels = sheet->getBitmap();
+    if (!pixels || sheet->getFormat() != 4 || sheet->getSizeX() != 256 || sheet->getSizeY() != 256 ||
+        strcmp(sheet->getFilename(), "[dynamic]") == 0)
+        return;
+    for (int index = 0; index <= PV_FONT_LAST_CODE - PV_FONT_FIRST_CODE; index++) {
+        PVGLYPHINK box = {16, 16, 0, 0};
+        // The sheet is stored bottom-up: glyph row 0 is the image's top.
+        const int cellLeft = (index % 16) * 16;
+        const int cellTopRow = 255 - (index / 16) * 16;
+        for (int y = 0; y < 16; y++)
+            for (int x = 0; x < 16; x++)
+                if (pixels[((cellTopRow - y) * 256 + cellLeft + x) * 4 + 3] != 0)
+                    box = {std::min(box.left, (unsigned char)x), std::min(box.top, (unsigned char)y),
+                           std::max(box.right, (unsigned char)(x + 1)),
+                           std::max(box.bottom, (unsigned char)(y + 1))};
+        ink[index] = box.right > box.left ? box : PVGLYPHINK {0, 0, 0, 0};
+    }
+    inkSheet = sheet;
+}
+
+bool PVFONT::trimsGlyphs() const
+{
+    return inkSheet && inkSheet == texture && charSizeX == 16 && charSizeY == 16 && !texture->isMipmapped() &&
+           !texture->isTrilinear();
+}
+
+unsigned int PVFONT::cacheLayout() const { return layout * 2 + (trimsGlyphs() ? 1 : 0); }
 
 bool PVFONT::setKerning(char c, char value)
 {
@@ -119,6 +183,7 @@ bool PVFONT::setKerning(char c, char value)
         return false;
     }
     kerning[code - PV_FONT_FIRST_CODE] = static_cast<signed char>(value);
+    relayout();
     return true;
 }
 
@@ -166,6 +231,7 @@ bool PVFONT::loadKerning(const char* file)
         if (kvfGetInt(&parser, entry.key, &value))
             kerning[entry.code - PV_FONT_FIRST_CODE] = static_cast<signed char>(value);
     kvfCloseParser(&parser);
+    relayout();
     return true;
 }
 
@@ -202,16 +268,24 @@ void PVFONT::writeGlyph(unsigned int slot, int x, int y, char c) const
     const int index = static_cast<unsigned char>(c) - PV_FONT_FIRST_CODE;
     const int row = index / 16;
     const int column = index - row * int(charSizeX);
-    // In 16.16 fixed point a sixteenth of the sheet is 4096: every corner
-    // is exact in integers.
-    const GLfixed u0 = GLfixed(column * 4096);
-    const GLfixed u1 = u0 + 4096;
-    const GLfixed vt = GLfixed((16 - row) * 4096);
-    const GLfixed vb = vt - 4096;
-    const GLfixed left = toFixed(x);
-    const GLfixed right = toFixed(int64_t(x) + charSizeX);
-    const GLfixed top = toFixed(y);
-    const GLfixed bottom = toFixed(int64_t(y) + charSizeY);
+    // The whole cell, or its ink: in 16.16 fixed point a sixteenth of the
+    // sheet is 4096 and a texel 256, so every corner is exact in integers.
+    PVGLYPHINK box = {0, 0, 16, 16};
+    int64_t width = charSizeX;
+    int64_t height = charSizeY;
+    if (index >= 0 && trimsGlyphs()) {
+        box = ink[index];
+        width = box.right;
+        height = box.bottom;
+    }
+    const GLfixed u0 = GLfixed(column * 4096 + box.left * 256);
+    const GLfixed u1 = GLfixed(column * 4096 + box.right * 256);
+    const GLfixed vt = GLfixed((16 - row) * 4096 - box.top * 256);
+    const GLfixed vb = GLfixed((16 - row) * 4096 - box.bottom * 256);
+    const GLfixed left = toFixed(int64_t(x) + box.left);
+    const GLfixed right = toFixed(int64_t(x) + width);
+    const GLfixed top = toFixed(int64_t(y) + box.top);
+    const GLfixed bottom = toFixed(int64_t(y) + height);
     const GLfixed positions[12] = {left,  bottom, right, bottom, left, top,
                                    right, bottom, right, top,    left, top};
     const GLfixed uv[12] = {u0, vb, u1, vb, u0, vt, u1, vb, u1, vt, u0, vt};
@@ -302,17 +376,49 @@ bool PVFONT::putText(int x, int y, const char* text)
     return drawFormatted(x, y, formatted);
 }
 
+// A string drawn before by the same layout at the same place is drawn from
+// its buffer; a new one is laid out, kept in a buffer when it fits the text
+// cache, and drawn. Either way one draw call.
 bool PVFONT::drawFormatted(int x, int y, const char* text)
 {
     PVBOX::bindTexture(texture);
     PVOPENGL::blendingOn();
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    // Glyphs queued by putChar are dropped by the next string, as when the
+    // string is laid out; cached strings stand alone.
+    const bool cacheable = fontCachedCurrent == 0;
+    if (cacheable) {
+        if (const PVTEXTCACHEENTRY* cached = PVTEXTCACHE::find(cacheLayout(), x, y, text)) {
+            for (int v = 0; v < 6; v++)
+                memcpy(currentColor + v * 4, PVTEXTCACHE::lastColor(cached), 4);
+            overflow = false;
+            PVTEXTCACHE::draw(cached);
+            return true;
+        }
+    }
+    const unsigned int start = fontCachedCurrent;
+    if (!layOut(x, y, text))
+        return false;
+    const PVGLYPHARRAYS glyphs = {fontCachedVertex, fontCachedTexCoord, fontCachedColor, fontCachedCurrent};
+    const PVTEXTCACHEENTRY* stored = cacheable && !overflow
+                                         ? PVTEXTCACHE::store(cacheLayout(), x, y, text, glyphs, currentColor)
+                                         : nullptr;
+    if (stored)
+        PVTEXTCACHE::draw(stored);
+    else if (overflow && fontCachedCurrent > 0)
+        flushCache(0, fontCachedCurrent);  // a flush in the middle drew what came before
+    else if (!overflow && fontCachedCurrent > start)
+        flushCache(start, fontCachedCurrent - start);
+    fontCachedCurrent = 0;
+    return true;
+}
+
+bool PVFONT::layOut(int x, int y, const char* text)
+{
     memset(currentColor, 255, sizeof(currentColor));
     overflow = false;
-    unsigned int start = fontCachedCurrent;
     int dx = 0;
     int dy = 0;
-
     const size_t length = strlen(text);
     for (size_t i = 0; i < length; i++) {
         const char c = text[i];
@@ -343,12 +449,6 @@ bool PVFONT::drawFormatted(int x, int y, const char* text)
         putChar(x + dx, y + dy, c, false);
         dx += advance(c);
     }
-    // A flush in the middle of the string drew everything queued before it.
-    if (overflow)
-        start = 0;
-    if (fontCachedCurrent > start)
-        flushCache(start, fontCachedCurrent - start);
-    fontCachedCurrent = 0;
     return true;
 }
 
@@ -422,6 +522,11 @@ bool PVFONT::init()
     for (unsigned int i = 0; i < PV_FONT_CACHE_VERTICES; i++)
         fontCachedIndex[i] = GLushort(i);
     fontCachedCurrent = 0;
+    if (!PVTEXTCACHE::init()) {
+        free();
+        kvfLog("   [!] Out of memory @ PVFONT::init\n");
+        return false;
+    }
     return true;
 }
 
@@ -440,6 +545,7 @@ bool PVFONT::free()
     releaseArray(fontCachedColor);
     releaseArray(fontCachedIndex);
     fontCachedCurrent = 0;
+    PVTEXTCACHE::free();
     return true;
 }
 
@@ -452,7 +558,11 @@ bool PVFONT::cleanUp()
     return true;
 }
 
-void PVFONT::reset() { fontCachedCurrent = 0; }
+void PVFONT::reset()
+{
+    fontCachedCurrent = 0;
+    PVTEXTCACHE::newPass();
+}
 
 int PVFONT::getNumberOfFonts() { return int(Registry::count()); }
 

@@ -11,6 +11,12 @@
 
 class PVTEXTURE;
 
+// Where a glyph's ink lies in its cell: pixels from the cell's top-left,
+// right and bottom excluded; all zero for a blank glyph.
+struct PVGLYPHINK {
+    unsigned char left, top, right, bottom;
+};
+
 #define PV_FONT_NAME_SIZE 256
 #define PV_FONT_CACHE_GLYPHS 1024
 #define PV_FONT_STRING_SIZE 4096
@@ -30,8 +36,8 @@ public:
     void setName(const char* newName);
     const char* getName() const { return name; }
     unsigned int getId() const { return id; }
-    void setCharSizeX(unsigned int value) { charSizeX = value; }
-    void setCharSizeY(unsigned int value) { charSizeY = value; }
+    void setCharSizeX(unsigned int value);
+    void setCharSizeY(unsigned int value);
     unsigned int getCharSizeX() const { return charSizeX; }
     unsigned int getCharSizeY() const { return charSizeY; }
     PVFONT* getNext() const { return next; }
@@ -78,6 +84,24 @@ private:
     bool drawFormatted(int x, int y, const char* text);
     static void pointArraysAt(unsigned int slot);
     void writeGlyph(unsigned int slot, int x, int y, char c) const;
+    // Lays the glyphs of text out in the cache arrays; false for a cut
+    // escape (the glyphs before it stay queued).
+    bool layOut(int x, int y, const char* text);
+    // Measures the ink of every glyph of a sheet read from a file, 256 x 256
+    // texels of RGBA; other sheets are drawn whole.
+    void measureInk(PVTEXTURE* sheet);
+    // Whether glyphs are drawn trimmed to their ink: the measured sheet at
+    // one texel per pixel, sampled nearest. Pixels outside the ink have
+    // alpha 0 and leave the screen as it is, so trimming draws the same
+    // pixels with a fifth of the fill.
+    bool trimsGlyphs() const;
+    // The layout and whether glyphs are trimmed, as the text cache keys it.
+    unsigned int cacheLayout() const;
+    // A new layout stamp after a change of cell size or kerning: strings
+    // cached with the old one are no longer drawn.
+    void relayout();
+    // Deletes the cached strings of the current layout.
+    void forgetCachedText();
 
     unsigned int id;
     PVTEXTURE* texture;
@@ -87,6 +111,10 @@ private:
     char name[PV_FONT_NAME_SIZE];
     PVFONT* previous;
     PVFONT* next;
+    // Identifies the cell sizes and kerning the font lays text out with.
+    unsigned int layout;
+    PVTEXTURE* inkSheet;
+    PVGLYPHINK ink[PV_FONT_LAST_CODE - PV_FONT_FIRST_CODE + 1];
 
     static PVFONT* firstFont;
     static char fontPath[256];
@@ -97,6 +125,7 @@ private:
     static unsigned int fontCachedCurrent;
     static bool overflow;
     static GLubyte currentColor[24];
+    static unsigned int layoutCounter;
 
     using Registry = PVREGISTRY<PVFONT, &PVFONT::firstFont, &PVFONT::previous, &PVFONT::next>;
 };

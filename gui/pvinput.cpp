@@ -134,11 +134,16 @@ unsigned int PVINPUT::release(PVBOX* widget, int x, int y)
     return static_cast<PVBUTTON*>(widget)->getEventType() == PV_BUTTON_ON_RELEASE ? widget->getId() : 0;
 }
 
-void PVINPUT::feedFocus(char key)
+PVTEXTFIELD* PVINPUT::getFocus()
 {
     PVBOX* focus = passedWidget(focusId);
-    if (focus && focus->getType() == PV_TYPE_TEXTFIELD)
-        static_cast<PVTEXTFIELD*>(focus)->manageKey(key);
+    return focus && focus->getType() == PV_TYPE_TEXTFIELD ? static_cast<PVTEXTFIELD*>(focus) : nullptr;
+}
+
+void PVINPUT::feedFocus(char key)
+{
+    if (PVTEXTFIELD* focus = getFocus())
+        focus->manageKey(key);
 }
 
 bool PVINPUT::manage(char key, int x, int y, int pointerDown, unsigned int* clickedId)

@@ -8,6 +8,7 @@
 
 class PVBOX;
 class PVBUTTON;
+class PVTEXTFIELD;
 
 class PVINPUT {
 public:
@@ -18,6 +19,9 @@ public:
     static bool manage(char key, int x, int y, int pointerDown, unsigned int* clickedId);
     // Forgets the pointer state, the pressed widget and the focus.
     static void reset();
+    // The text field with the keyboard focus, if it was drawn in the last
+    // 2D pass.
+    static PVTEXTFIELD* getFocus();
 
 private:
     // The displayed widget under (x, y) with the highest foremost stamp.

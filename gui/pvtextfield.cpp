@@ -1,5 +1,6 @@
 #include "gui/pvtextfield.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "assets/pvtexture.h"
@@ -7,13 +8,14 @@
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "gui/pvfont.h"
+#include "gui/pvinput.h"
 
 // The caret is the glyph of code 127, shown for the last 70% of each second.
 #define PV_CARET_CODE 127
 #define PV_CARET_SHOWN_AFTER 0.3f
 #define PV_KEY_BACKSPACE 8
 
-PVTEXTFIELD::PVTEXTFIELD() : editing(false), caretTimer(0.0f)
+PVTEXTFIELD::PVTEXTFIELD() : editing(false), caretTimer(0.0f), lastKey(PV_TEXTFIELD_KEY_NONE)
 {
     type = PV_TYPE_TEXTFIELD;
     setDefaultName("[textfield %d]");
@@ -21,26 +23,69 @@ PVTEXTFIELD::PVTEXTFIELD() : editing(false), caretTimer(0.0f)
     checkStatus = true;
 }
 
+void PVTEXTFIELD::append(char c)
+{
+    const size_t length = strlen(caption);
+    caption[length] = c;
+    caption[length + 1] = '\0';
+}
+
+PV_TEXTFIELD_KEY PVTEXTFIELD::eraseLast()
+{
+    const size_t length = strlen(caption);
+    if (length == 0)
+        return PV_TEXTFIELD_KEY_NONE;
+    caption[length - 1] = '\0';
+    return PV_TEXTFIELD_KEY_ERASED;
+}
+
 bool PVTEXTFIELD::manageKey(char key)
 {
-    if (!font)
+    if (!font) {
+        lastKey = PV_TEXTFIELD_KEY_NO_FONT;
         return false;
+    }
     editing = true;
     const int code = static_cast<unsigned char>(key);
-    const size_t length = strlen(caption);
-    if (code >= 32 && code <= 127) {
+    if (code >= PV_FONT_FIRST_CODE && code <= PV_FONT_LAST_CODE) {
         // The kerning is added here, not the advance: kept as it is.
         const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
-        if (font->stringLength(caption) + unsigned(font->getKerning(key)) <= room &&
-            length < PV_CAPTION_SIZE - 1) {
-            caption[length] = key;
-            caption[length + 1] = '\0';
-        }
-    } else if (code == PV_KEY_BACKSPACE && length > 0) {
-        caption[length - 1] = '\0';
+        const bool fits = font->stringLength(caption) + unsigned(font->getKerning(key)) <= room &&
+                          strlen(caption) < PV_CAPTION_SIZE - 1;
+        if (fits)
+            append(key);
+        lastKey = fits ? PV_TEXTFIELD_KEY_INSERTED : PV_TEXTFIELD_KEY_FULL;
+    } else if (code == PV_KEY_BACKSPACE) {
+        lastKey = eraseLast();
+    } else {
+        lastKey = code == 0 ? PV_TEXTFIELD_KEY_NONE : PV_TEXTFIELD_KEY_NOT_DRAWABLE;
     }
     return true;
 }
+
+PV_TEXTFIELD_KEY PVTEXTFIELD::typeCharacter(unsigned int code)
+{
+    if (!font)
+        return lastKey = PV_TEXTFIELD_KEY_NO_FONT;
+    editing = true;
+    if (code == 0)
+        return lastKey = PV_TEXTFIELD_KEY_NONE;
+    if (code == PV_KEY_BACKSPACE)
+        return lastKey = eraseLast();
+    if (code < PV_FONT_FIRST_CODE || code > PV_FONT_LAST_CODE)
+        return lastKey = PV_TEXTFIELD_KEY_NOT_DRAWABLE;
+    // The text is drawn only while it and the caret are narrower than the
+    // room: a character that would hide it is refused.
+    char typed[PV_CAPTION_SIZE + 2];
+    snprintf(typed, sizeof(typed), "%s%c\x7f", caption, char(code));
+    const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
+    if (strlen(caption) >= PV_CAPTION_SIZE - 1 || font->stringLength(typed) >= room)
+        return lastKey = PV_TEXTFIELD_KEY_FULL;
+    append(char(code));
+    return lastKey = PV_TEXTFIELD_KEY_INSERTED;
+}
+
+PVTEXTFIELD* PVTEXTFIELD::getFocus() { return PVINPUT::getFocus(); }
 
 bool PVTEXTFIELD::render(void* element)
 {

@@ -88,4 +88,36 @@ TEST_F(MadeFont, TextAdvancesAsTheTypefaceDoes)
     EXPECT_EQ(4u + 8u + 13u + 4u, font->stringLength("ioW "));
 }
 
+// Glyphs of a sheet read from a file are drawn trimmed to their ink; every
+// pixel is the one the whole cells give, drawn here from a copy of the sheet
+// made in memory (drawn whole).
+TEST_F(MadeFont, TrimmedGlyphsLightThePixelsOfWholeCells)
+{
+    std::string text;
+    for (int c = 32; c < 127; c++)
+        text += c == '%' || c == '^' ? ' ' : char(c);
+    auto screenOf = [&](PVFONT* drawing) {
+        PVOPENGL::setBackgroundColor(0.2f, 0.1f, 0.3f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin2D();
+        for (size_t line = 0; line * 16 < text.size(); line++)
+            drawing->putString(int(line), int(line * 16), "^c8538%s", text.substr(line * 16, 16).c_str());
+        PEVRANO::end2D();
+        std::vector<unsigned char> pixels(windowWidth * windowHeight * 4);
+        glReadPixels(0, 0, windowWidth, windowHeight, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        return pixels;
+    };
+    font->getTexture()->setFilter(false, false, false);  // as the interface file reads a font
+    PVTEXTURE* copy = new PVTEXTURE();
+    copy->setFilter(false, false, false);
+    ASSERT_TRUE(copy->create(256, 256, 4));
+    ASSERT_TRUE(copy->modify(reinterpret_cast<const char*>(font->getTexture()->getBitmap()), false));
+    PVFONT* whole = new PVFONT();
+    whole->setTexture(copy);
+    ASSERT_TRUE(whole->loadKerning("dejavu.txt"));
+    const std::vector<unsigned char> trimmed = screenOf(font);
+    EXPECT_TRUE(trimmed == screenOf(whole));
+    EXPECT_TRUE(trimmed != screenOf(new PVFONT()));  // no sheet, no text
+}
+
 }  // namespace

@@ -158,7 +158,9 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     }
     second->setPosition(0, 30);
     send(5, 5, false, 'x');  // no focus yet
+    EXPECT_EQ(nullptr, PVTEXTFIELD::getFocus());
     send(5, 5, true);
+    EXPECT_EQ(first, PVTEXTFIELD::getFocus());
     send(5, 5, false, 'h');
     send(90, 90, false, 'i');
     EXPECT_STREQ("hi", first->getCaption());

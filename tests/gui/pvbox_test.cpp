@@ -1,5 +1,7 @@
 // Boxes: texture corners, hit tests, move limits, foremost stamps, the
 // quad primitive and the bevelled border as GL calls and as pixels.
+#include <functional>
+
 #include "gui/guifixture.h"
 
 using namespace pvtest;
@@ -180,6 +182,109 @@ TEST_F(BoxPixels, APressedBoxIsDarkerAndSunken)
     expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), fill), screen(40, 58), "bottom");
     expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), fill), screen(21, 31), "top-left");
     expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), fill), screen(58, 58), "bottom-right");
+}
+
+// A box is one indexed draw of its fill and border pieces when they share
+// their state; a texture, a shader or a blend function under which an
+// opaque fill would change draws the fill apart first.
+TEST_F(BoxPixels, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
+{
+    const std::string fillStrip = "glDrawArrays(GL_TRIANGLE_STRIP,0,4)";
+    auto quads = [](int count) {
+        return "glDrawElements(GL_TRIANGLES," + std::to_string(count * 6) + ",GL_UNSIGNED_SHORT)";
+    };
+    struct Case {
+        const char* what;
+        std::function<void()> set;
+        Calls draws;
+    };
+    // The rings of each border piece are one shape while they do not meet;
+    // then the pieces are drawn ring by ring.
+    const Case cases[] = {
+        {"opaque", [] {}, {quads(9)}},
+        {"transparent", [&] { box->setColor(0.5f, 0.25f, 0.75f, 0.5f); }, {quads(9)}},
+        {"no border", [&] { box->setThickness(0); }, {fillStrip}},
+        {"textured", [&] { box->setTexture(solidSheet()); }, {fillStrip, quads(8)}},
+        {"rings that meet", [&] { box->setThickness(15); }, {quads(121)}},
+        {"20 rings that meet", [&] { box->setThickness(20); }, {quads(129), quads(32)}},
+        {"additive blending", [] { glBlendFunc(GL_SRC_ALPHA, GL_ONE); }, {fillStrip, quads(8)}},
+    };
+    for (const Case& c : cases) {
+        box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
+        box->setThickness(3);
+        box->setTexture(nullptr);
+        c.set();
+        PEVRANO::begin2D();
+        box->pass(false);
+        record([&] { box->render(PVELEMENT::getPassedElement(0)); });
+        PEVRANO::end2D();
+        EXPECT_EQ(c.draws, recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements"}))
+            << c.what;
+        EXPECT_LE(recorder.countCall("glEnable(GL_BLEND)"), 1u) << c.what;
+    }
+}
+
+// Every pixel of boxes whose rings are joined into one shape per piece, or
+// meet and are drawn ring by ring, against the border drawn quad by quad
+// and blended here: the fill, then per ring the top, left, bottom and right
+// edges and the four corners.
+TEST_F(Box, EveryBorderPixelIsThatOfTheQuadsRingByRing)
+{
+    struct Quad {
+        int left, top, right, bottom;
+        double released, pressed;
+    };
+    auto ringQuads = [](int i, int w, int h) {
+        return std::vector<Quad> {{i + 1, i, w - i - 1, i + 1, 1.3, 0.7},
+                                  {i, i + 1, i + 1, h - i - 1, 1.3, 0.7},
+                                  {i + 1, h - i, w - i - 1, h - i - 1, 0.7, 1.3},
+                                  {w - i, i + 1, w - i - 1, h - i - 1, 0.7, 1.3},
+                                  {i, i, i + 1, i + 1, 1.6, 0.4},
+                                  {i, h - i, i + 1, h - i - 1, 1.0, 1.0},
+                                  {w - i, i, w - i - 1, i + 1, 1.0, 1.0},
+                                  {w - i, h - i, w - i - 1, h - i - 1, 0.4, 1.6}};
+    };
+    struct Case {
+        int x, y, w, h, thickness;
+        bool pressed;
+    };
+    const Case cases[] = {
+        {2, 2, 40, 30, 3, false},    {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
+        {120, 2, 9, 9, 4, false},    {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
+        {110, 40, 20, 50, 10, true},
+    };
+    const Rgb base {0.3, 0.6, 0.7};
+    PVNODE* root = new PVNODE();
+    for (const Case& c : cases) {
+        PVBOX* box = new PVBOX();
+        box->setPosition(float(c.x), float(c.y));
+        box->setSizes(c.w, c.h);
+        box->setThickness(unsigned(c.thickness));
+        box->setColor(float(base.r), float(base.g), float(base.b), 1.0f);
+        box->setClickedStatus(c.pressed);
+        box->link(root);
+    }
+    drawFrame2D(root);
+    for (const Case& c : cases) {
+        const double shade = c.pressed ? 0.9 : 1.0;
+        std::vector<Rgb> expected(size_t(c.w * c.h), Rgb {base.r * shade, base.g * shade, base.b * shade});
+        for (int i = 0; i < c.thickness; i++)
+            for (const Quad& q : ringQuads(i, c.w, c.h)) {
+                const double f = c.pressed ? q.pressed : q.released;
+                const Rgb over = clamped(base.r * f, base.g * f, base.b * f);
+                for (int y = std::min(q.top, q.bottom); y < std::max(q.top, q.bottom); y++)
+                    for (int x = std::min(q.left, q.right); x < std::max(q.left, q.right); x++) {
+                        Rgb& pixel = expected[size_t(y * c.w + x)];
+                        pixel = halfAndHalf(over, pixel);
+                    }
+            }
+        int wrong = 0;
+        for (int y = 0; y < c.h; y++)
+            for (int x = 0; x < c.w; x++)
+                wrong += !colourNear(expected[size_t(y * c.w + x)], screen(c.x + x, c.y + y));
+        EXPECT_EQ(0, wrong) << c.w << " x " << c.h << ", " << c.thickness << " rings at " << c.x << ", "
+                            << c.y;
+    }
 }
 
 TEST_F(BoxPixels, AWindowClipsTheWidgetsInside)

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "gui/guifixture.h"
+#include "gui/pvtextcache.h"
 
 using namespace pvtest;
 
@@ -155,41 +156,90 @@ protected:
     PVFONT* font = nullptr;
 };
 
-// Glyphs are batched into one indexed draw of up to 1024 glyphs, each batch
-// after its arrays; a full batch is drawn and finished before the next one.
-// An immediate glyph is drawn at once. Nothing stays queued.
-TEST_F(FontDrawing, GlyphBatchesAreIndexedDraws)
+// A string is one draw. One that fits the text cache is drawn from a buffer
+// filled the first time it is drawn by a font layout at a place; a longer
+// one is an indexed draw of up to 1024 glyphs from the arrays, a full batch
+// drawn and finished before the next. An immediate glyph is drawn at once.
+// Nothing stays queued, and the array buffer is left unbound.
+TEST_F(FontDrawing, StringsAreOneDrawAndUploadedOnlyWhenNew)
 {
     const std::string eleven(1100, 'a');
+    const std::string arraysDraw = "glDrawElements(GL_TRIANGLES,";
     struct Case {
         const char* what;
         std::function<bool()> draw;
         Calls draws;
+        size_t uploads;
     };
     const Case cases[] = {
-        {"a string",
+        {"a new string",
          [&] { return font->putString(3, 4, "%s=%d", "Hi", 42); },
-         {"glDrawElements(GL_TRIANGLES,30,GL_UNSIGNED_SHORT)"}},
+         {"glDrawArrays(GL_TRIANGLES,0,30)"},
+         1},
+        {"the same again",
+         [&] { return font->putString(3, 4, "Hi=42"); },
+         {"glDrawArrays(GL_TRIANGLES,0,30)"},
+         0},
+        {"the same elsewhere",
+         [&] { return font->putString(3, 5, "Hi=42"); },
+         {"glDrawArrays(GL_TRIANGLES,0,30)"},
+         1},
+        {"after a kerning change",
+         [&] { return font->setKerning('H', 1) && font->putString(3, 4, "Hi=42"); },
+         {"glDrawArrays(GL_TRIANGLES,0,30)"},
+         1},
         {"1100 characters",
          [&] { return font->putString(0, 0, eleven.c_str()); },
-         {"glDrawElements(GL_TRIANGLES,6144,GL_UNSIGNED_SHORT)", "glFinish()",
-          "glDrawElements(GL_TRIANGLES,456,GL_UNSIGNED_SHORT)"}},
+         {arraysDraw + "6144,GL_UNSIGNED_SHORT)", "glFinish()", arraysDraw + "456,GL_UNSIGNED_SHORT)"},
+         0},
         {"an immediate glyph",
          [&] { return font->putChar(0, 0, 'A', true); },
-         {"glDrawArrays(GL_TRIANGLES,0,6)"}},
+         {"glDrawArrays(GL_TRIANGLES,0,6)"},
+         0},
     };
     for (const Case& c : cases) {
-        Calls expected = {"glBlendFunc(GL_SRC_ALPHA,GL_ONE_MINUS_SRC_ALPHA)"};
-        for (const std::string& draw : c.draws) {
-            if (draw != "glFinish()")
-                expected.insert(expected.end(),
-                                {"glColorPointer(4,GL_UNSIGNED_BYTE,0)", "glVertexPointer(2,GL_FIXED,0)",
-                                 "glTexCoordPointer(2,GL_FIXED,0)"});
-            expected.push_back(draw);
+        record([&] { EXPECT_TRUE(c.draw()) << c.what; });
+        EXPECT_EQ(c.draws,
+                  recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements", "glFinish"}))
+            << c.what;
+        EXPECT_EQ(c.uploads, recorder.count("glBufferData")) << c.what;
+        const Calls binds = recorder.filter("glBindBuffer");
+        if (!binds.empty()) {
+            EXPECT_EQ("glBindBuffer(GL_ARRAY_BUFFER,0)", binds.back()) << c.what;
         }
-        EXPECT_EQ(expected, record([&] { EXPECT_TRUE(c.draw()) << c.what; })) << c.what;
         EXPECT_EQ(0u, PVFONT::getCachedGlyphs()) << c.what;
     }
+}
+
+// Buffers go with the font that filled them, with strings left undrawn for
+// 64 to 128 2D passes, and with the engine; the texture collector leaves
+// them be.
+TEST_F(FontDrawing, TextBuffersAreFreedAndSurviveTheTextureCollector)
+{
+    PVFONT* other = solidFont();
+    PVOPENGL::setBackgroundColor(0, 0, 0, 1);
+    PEVRANO::clear(true, true, false);
+    other->putString(0, 0, "kept");
+    font->putString(0, 20, "drawn once");
+    font->putString(0, 40, "gone");
+    EXPECT_EQ(3u, PVTEXTCACHE::getNumberOfBuffers());
+    delete other;
+    EXPECT_EQ(2u, PVTEXTCACHE::getNumberOfBuffers());
+
+    PVTEXTURE::garbageCollect(0);  // unloads the font's sheet
+    PEVRANO::clear(true, true, false);
+    record([&] { font->putString(0, 20, "drawn once"); });
+    EXPECT_EQ(0u, recorder.count("glBufferData"));
+    expectColour({1, 1, 1}, screen(150, 35), "the string's last glyph");
+    expectColour({0, 0, 0}, screen(160, 35), "after it");
+
+    for (int pass = 0; pass < 2 * PV_TEXT_CACHE_IDLE_PASSES; pass++) {
+        PEVRANO::begin2D();
+        font->putString(0, 20, "drawn once");
+    }
+    EXPECT_EQ(1u, PVTEXTCACHE::getNumberOfBuffers());
+    record([&] { PEVRANO::free(); });
+    EXPECT_EQ(1u, recorder.count("glDeleteBuffers"));
 }
 
 TEST_F(FontDrawing, CutEscapesStopTheStringAndKeepWhatWasQueued)

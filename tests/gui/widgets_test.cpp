@@ -16,18 +16,23 @@ protected:
         ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
         font = solidFont();
     }
-    // The glyph draws of one 2D frame of root.
+    // The glyph draws of one 2D frame of root (the boxes' draws are strips
+    // or indexed).
     Calls textDraws(PVNODE* root)
     {
         record([&] { drawFrame2D(root); });
-        return recorder.filter("glDrawElements");
+        Calls glyphs;
+        for (const std::string& draw : recorder.filter("glDrawArrays"))
+            if (draw.rfind("glDrawArrays(GL_TRIANGLES,", 0) == 0)
+                glyphs.push_back(draw);
+        return glyphs;
     }
     PVFONT* font = nullptr;
 };
 
 std::string glyphDraw(int glyphs)
 {
-    return "glDrawElements(GL_TRIANGLES," + std::to_string(glyphs * 6) + ",GL_UNSIGNED_SHORT)";
+    return "glDrawArrays(GL_TRIANGLES,0," + std::to_string(glyphs * 6) + ")";
 }
 
 // A caption that does not fit is replaced by "[...]"; captions are formats
@@ -55,6 +60,7 @@ TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
         PVBUTTON* button = new PVBUTTON();
         button->setFont(font);
         button->setSizeX(c.width);
+        button->setThickness(0);  // the box alone is a strip
         button->setCaption(c.caption);
         EXPECT_EQ(c.draws, textDraws(button)) << c.caption;
         delete button;
@@ -117,7 +123,7 @@ TEST_F(Widgets, LabelsCopyTheirTextOnceAndDrawOnlyIt)
     EXPECT_STREQ("12 apples ^c8000red", label->getText());
     label->setDisplayStatus(false);  // not looked at
     EXPECT_EQ((Calls {glyphDraw(13)}), textDraws(label));
-    EXPECT_EQ(0u, recorder.count("glDrawArrays"));
+    EXPECT_EQ(1u, recorder.count("glDrawArrays"));  // nothing but the text
 }
 
 TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
@@ -130,19 +136,64 @@ TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
     struct Case {
         char key;
         const char* caption;
+        PV_TEXTFIELD_KEY outcome;
     };
     // The test adds the key's kerning, not its advance: a fourth glyph still
     // goes in when three fill the room.
-    const Case cases[] = {{8, ""},       {'a', "a"}, {'b', "ab"}, {'c', "abc"},  {'d', "abcd"},
-                          {'e', "abcd"}, {8, "abc"}, {0, "abc"},  {'\t', "abc"}, {char(200), "abc"}};
+    const Case cases[] = {
+        {8, "", PV_TEXTFIELD_KEY_NONE},
+        {'a', "a", PV_TEXTFIELD_KEY_INSERTED},
+        {'b', "ab", PV_TEXTFIELD_KEY_INSERTED},
+        {'c', "abc", PV_TEXTFIELD_KEY_INSERTED},
+        {'d', "abcd", PV_TEXTFIELD_KEY_INSERTED},
+        {'e', "abcd", PV_TEXTFIELD_KEY_FULL},
+        {8, "abc", PV_TEXTFIELD_KEY_ERASED},
+        {0, "abc", PV_TEXTFIELD_KEY_NONE},
+        {'\t', "abc", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+        {char(200), "abc", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+    };
     for (const Case& c : cases) {
         EXPECT_TRUE(field.manageKey(c.key)) << int(c.key);
         EXPECT_STREQ(c.caption, field.getCaption()) << int(c.key);
+        EXPECT_EQ(c.outcome, field.getLastKey()) << int(c.key);
     }
     EXPECT_TRUE(field.isEditing());
     font->setKerning('z', -20);  // a negative kerning wraps the unsigned sum
     EXPECT_TRUE(field.manageKey('z'));
     EXPECT_STREQ("abcz", field.getCaption());
+}
+
+// Characters typed by their code are never cut to 8 bits: codes the font
+// sheet holds go in while the text and the caret still show; others, and
+// characters a full field has no room for, are refused and the caret stays.
+TEST_F(Widgets, TypedCharactersGoInOnlyWhenTheyCanBeDrawnAndShown)
+{
+    PVTEXTFIELD field;
+    field.setSizeX(80);  // room: 80 - 16 = 64, the text and the caret below it
+    EXPECT_EQ(PV_TEXTFIELD_KEY_NO_FONT, field.typeCharacter('a'));
+    field.setFont(font);
+    field.clear();
+    struct Case {
+        unsigned int code;
+        const char* caption;
+        PV_TEXTFIELD_KEY outcome;
+    };
+    const Case cases[] = {
+        {'a', "a", PV_TEXTFIELD_KEY_INSERTED},
+        {0xE9, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},  // e acute: not 'i'
+        {0x141, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},  // L stroke: not 'A'
+        {13, "a", PV_TEXTFIELD_KEY_NOT_DRAWABLE},
+        {'b', "ab", PV_TEXTFIELD_KEY_INSERTED},
+        {'c', "ab", PV_TEXTFIELD_KEY_FULL},  // with the caret: 64, not below 64
+        {0, "ab", PV_TEXTFIELD_KEY_NONE},
+        {8, "a", PV_TEXTFIELD_KEY_ERASED},
+        {127, "a\x7f", PV_TEXTFIELD_KEY_INSERTED},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.outcome, field.typeCharacter(c.code)) << c.code;
+        EXPECT_STREQ(c.caption, field.getCaption()) << c.code;
+        EXPECT_EQ(c.outcome, field.getLastKey()) << c.code;
+    }
 }
 
 TEST_F(Widgets, ATextFieldDrawsASunkenFrameOfLines)
@@ -151,9 +202,10 @@ TEST_F(Widgets, ATextFieldDrawsASunkenFrameOfLines)
     field->setThickness(2);
     field->setCaption("");
     record([&] { drawFrame2D(field); });
-    const Calls lines(6, "glDrawElements(GL_LINES,4,GL_UNSIGNED_BYTE)");
-    EXPECT_EQ(lines, recorder.filter("glDrawElements"));
-    EXPECT_EQ(1u + 16u, recorder.count("glDrawArrays"));  // fill and two rings of border
+    Calls draws = {
+        "glDrawElements(GL_TRIANGLES,54,GL_UNSIGNED_SHORT)"};  // the fill and the border's 8 pieces
+    draws.insert(draws.end(), 6, "glDrawElements(GL_LINES,4,GL_UNSIGNED_BYTE)");
+    EXPECT_EQ(draws, recorder.filter("glDrawElements"));
     // The frame is drawn inside the border, after the node's own placement.
     EXPECT_EQ("glTranslatex(131072,131072,0)", recorder.filter("glTranslatex").back());
 }

@@ -56,8 +56,9 @@ namespace {
             PV_ENUM(GL_NOTEQUAL), PV_ENUM(GL_GEQUAL), PV_ENUM(GL_ALWAYS),
             // Blend factors (GL_ZERO and GL_ONE are written by blendFactorText).
             PV_ENUM(GL_SRC_COLOR), PV_ENUM(GL_ONE_MINUS_SRC_COLOR), PV_ENUM(GL_SRC_ALPHA),
-            PV_ENUM(GL_ONE_MINUS_SRC_ALPHA), PV_ENUM(GL_DST_ALPHA), PV_ENUM(GL_ONE_MINUS_DST_ALPHA),
-            PV_ENUM(GL_DST_COLOR), PV_ENUM(GL_ONE_MINUS_DST_COLOR), PV_ENUM(GL_SRC_ALPHA_SATURATE),
+            PV_ENUM(GL_ONE_MINUS_SRC_ALPHA), PV_ENUM(GL_BLEND_SRC), PV_ENUM(GL_BLEND_DST),
+            PV_ENUM(GL_DST_ALPHA), PV_ENUM(GL_ONE_MINUS_DST_ALPHA), PV_ENUM(GL_DST_COLOR),
+            PV_ENUM(GL_ONE_MINUS_DST_COLOR), PV_ENUM(GL_SRC_ALPHA_SATURATE),
             // Faces, shading, hints.
             PV_ENUM(GL_FRONT), PV_ENUM(GL_BACK), PV_ENUM(GL_FRONT_AND_BACK), PV_ENUM(GL_FLAT),
             PV_ENUM(GL_SMOOTH), PV_ENUM(GL_PERSPECTIVE_CORRECTION_HINT), PV_ENUM(GL_DONT_CARE),
@@ -82,7 +83,9 @@ namespace {
             PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE), PV_ENUM(GL_MAX_TEXTURE_UNITS),
             PV_ENUM(GL_MAX_LIGHTS),
             // Arrays and drawing.
-            PV_ENUM(GL_TRIANGLES), PV_ENUM(GL_FIXED), PV_ENUM(GL_UNSIGNED_SHORT)};
+            PV_ENUM(GL_TRIANGLES), PV_ENUM(GL_FIXED), PV_ENUM(GL_UNSIGNED_SHORT),
+            // Buffer objects.
+            PV_ENUM(GL_ARRAY_BUFFER), PV_ENUM(GL_STATIC_DRAW)};
 #undef PV_ENUM
         return names;
     }
@@ -331,6 +334,17 @@ PV_INTERPOSE(void, glTexCoordPointer, (GLint size, GLenum type, GLsizei stride, 
              (size, type, stride, pointer), .num(size).en(type).num(stride))
 PV_INTERPOSE(void, glDrawElements, (GLenum mode, GLsizei count, GLenum type, const void* indices),
              (mode, count, type, indices), .raw(pvtest::primitiveText(mode)).num(count).en(type))
+
+// Buffer objects (names and data pointers are left out, bound names kept
+// as 0 or not).
+PV_INTERPOSE(void, glGenBuffers, (GLsizei n, GLuint* buffers), (n, buffers), .num(n))
+PV_INTERPOSE(void, glDeleteBuffers, (GLsizei n, const GLuint* buffers), (n, buffers), .num(n))
+PV_INTERPOSE(void, glBindBuffer, (GLenum target, GLuint buffer), (target, buffer),
+             .en(target).raw(buffer ? "buffer" : "0"))
+PV_INTERPOSE(void, glBufferData, (GLenum target, GLsizeiptr size, const void* data, GLenum usage),
+             (target, size, data, usage), .en(target).num(int(size)).en(usage))
+PV_INTERPOSE(void, glBufferSubData, (GLenum target, GLintptr offset, GLsizeiptr size, const void* data),
+             (target, offset, size, data), .en(target).num(int(offset)).num(int(size)))
 
 // Matrices.
 PV_INTERPOSE(void, glMatrixMode, (GLenum mode), (mode), .en(mode))
