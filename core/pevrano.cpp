@@ -39,6 +39,11 @@ float PEVRANO::DOFRange = 2.0f;
 bool PEVRANO::skipShadows = false;
 bool PEVRANO::renderingOnFbo = false;
 char PEVRANO::pvePath[PEVRANO_PATH_SIZE] = "";
+
+namespace {
+// The settings hand the scene-file folder to the engine when they start.
+[[maybe_unused]] const bool pvePathReceived = (PVSETTINGS::setPVEPathReceiver(PEVRANO::setPVEPath), true);
+}  // namespace
 PVNODE* PEVRANO::skybox = nullptr;
 bool PEVRANO::timerAdjourned = false;
 

@@ -4,15 +4,13 @@
 #ifndef PEVRANO_CORE_PEVRANO_H
 #define PEVRANO_CORE_PEVRANO_H
 
-// The name the engine gives itself in the log and as the default window title.
-#define PEVRANO_VERSION_STRING "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)"
-
 #define PEVRANO_PATH_SIZE 256
 
 #include <cstddef>
 
 #include "core/pvevent.h"
 #include "core/pvframestate.h"
+#include "core/pvversion.h"
 
 class PVSETTINGS;
 class PVNODE;

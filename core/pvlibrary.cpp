@@ -1,7 +1,7 @@
 // Load and unload hooks of the engine library: the log opens as soon as the
 // library is in the process and closes when it leaves, so it covers everything
 // from before PEVRANO::init to after PEVRANO::free.
-#include "core/pevrano.h"
+#include "core/pvversion.h"
 #include "foundation/kvffoundation.h"
 #include "foundation/kvflog.h"
 

@@ -6,9 +6,9 @@
 #include "assets/pvanim.h"
 #include "assets/pvshader.h"
 #include "assets/pvtexture.h"
-#include "core/pevrano.h"
 #include "core/pvdisplay.h"
 #include "core/pvopengl.h"
+#include "core/pvversion.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfparser.h"
@@ -20,6 +20,7 @@
 
 bool PVSETTINGS::active = false;
 char PVSETTINGS::SDLTitle[PV_SETTINGS_STRING_SIZE] = "";
+void (*PVSETTINGS::pvePathReceiver)(const char*) = nullptr;
 int PVSETTINGS::SDLWindowX = 0;
 int PVSETTINGS::SDLWindowY = 0;
 int PVSETTINGS::SDLColorDepth = 0;
@@ -233,7 +234,8 @@ void PVSETTINGS::logRequestedConfiguration()
 // Each folder goes to the class that loads files from it (the video folder stays here).
 void PVSETTINGS::handPathsOn()
 {
-    PEVRANO::setPVEPath(pvePath);
+    if (pvePathReceiver)
+        pvePathReceiver(pvePath);
     kvfLog("          PVE path    : '%s'\n", pvePath);
     PVANIM::setPVAPath(pvaPath);
     kvfLog("          PVA path    : '%s'\n", pvaPath);

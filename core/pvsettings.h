@@ -102,6 +102,9 @@ public:
     static int getSDLWaterSize() { return SDLWaterSize; }
     static bool getSDLForceFBO() { return SDLForceFBO; }
     static EGLNativeWindowType getSDLWindow();
+    // Who receives the scene-file folder when the settings start: the class
+    // that loads scene files registers its path setter here.
+    static void setPVEPathReceiver(void (*receiver)(const char* path)) { pvePathReceiver = receiver; }
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
     static int getKVAAudioElements() { return KVAAudioElements; }
@@ -157,6 +160,7 @@ private:
 
     static bool active;
     static char SDLTitle[PV_SETTINGS_STRING_SIZE];
+    static void (*pvePathReceiver)(const char* path);
     static int SDLWindowX;
     static int SDLWindowY;
     static int SDLColorDepth;
