@@ -22,7 +22,22 @@ extern "C" {
 
 namespace {
 const size_t readPieceSize = 4096;
-}
+// libmpeg2 keeps at most three frame buffers (two references and one
+// bidirectional picture).
+const int trackedFrames = 3;
+// Each copy libmpeg2 asks of the converter turns one macroblock row of the
+// picture (or of the field) into RGB.
+const unsigned int linesPerCopy = 16;
+}  // namespace
+
+// The picture last converted into one of libmpeg2's frame buffers: whether
+// every line of it was converted, and into which memory.
+struct PVVIDEOFRAME {
+    const mpeg2_fbuf_t* frame;
+    const uint8_t* pixels;
+    unsigned int linesConverted;
+    unsigned int linesNeeded;
+};
 
 // Everything a playing video needs from the decoder and the file, allocated
 // apart from the video record.
@@ -36,6 +51,13 @@ struct PVVIDEODECODER {
     // the file (or on a read error).
     int lastRead;
     FILE* file;
+    // Bytes per pixel the current sequence is converted to: 3 (RGB) or 4
+    // (RGBA), after the texture set when the sequence began.
+    unsigned int pixelBytes;
+    // The frame buffers of the current sequence; forgotten when a new
+    // sequence begins, as libmpeg2 then frees them.
+    PVVIDEOFRAME frames[trackedFrames];
+    unsigned int nextFrame;
 };
 
 PVVIDEO* PVVIDEO::firstVideo = nullptr;
@@ -51,12 +73,97 @@ PVVIDEODECODER* newDecoderBlock()
     return static_cast<PVVIDEODECODER*>(block);
 }
 
+using ConvertStart = void (*)(void*, const mpeg2_fbuf_t*, const mpeg2_picture_t*, const mpeg2_gop_t*);
+using ConvertCopy = void (*)(void*, uint8_t* const*, unsigned int);
+
+// libmpeg2's RGB converter, wrapped so that the video learns which lines of
+// which frame buffer have been converted. The wrapper keeps this record at
+// the start of the converter block libmpeg2 allocates; the wrapped
+// converter's own block follows it.
+struct alignas(16) ConverterRecord {
+    PVVIDEODECODER* owner;
+    ConvertStart innerStart;
+    ConvertCopy innerCopy;
+    unsigned int height;
+    PVVIDEOFRAME* current;
+};
+
+void* innerBlock(void* block)
+{
+    return block ? static_cast<char*>(block) + sizeof(ConverterRecord) : nullptr;
+}
+
+PVVIDEOFRAME* frameRecordFor(PVVIDEODECODER* owner, const mpeg2_fbuf_t* frame)
+{
+    for (PVVIDEOFRAME& record : owner->frames)
+        if (record.frame == frame)
+            return &record;
+    PVVIDEOFRAME* record = &owner->frames[owner->nextFrame];
+    owner->nextFrame = (owner->nextFrame + 1) % trackedFrames;
+    return record;
+}
+
+// A picture (or a field of one) begins in this frame buffer: none of its
+// lines are converted yet.
+void startPicture(void* block, const mpeg2_fbuf_t* frame, const mpeg2_picture_t* picture,
+                  const mpeg2_gop_t* gop)
+{
+    ConverterRecord* record = static_cast<ConverterRecord*>(block);
+    PVVIDEOFRAME* target = frameRecordFor(record->owner, frame);
+    target->frame = frame;
+    target->pixels = frame->buf[0];
+    target->linesConverted = 0;
+    target->linesNeeded = picture->nb_fields == 1 ? record->height / 2 : record->height;
+    record->current = target;
+    record->innerStart(innerBlock(block), frame, picture, gop);
+}
+
+void copyLines(void* block, uint8_t* const* source, unsigned int lineOffset)
+{
+    ConverterRecord* record = static_cast<ConverterRecord*>(block);
+    record->innerCopy(innerBlock(block), source, lineOffset);
+    if (record->current)
+        record->current->linesConverted += linesPerCopy;
+}
+
+// The converter handed to libmpeg2: 24-bit RGB, or 32-bit with the bytes in
+// R, G, B, A order for an RGBA texture, with the wrapper's record in front.
+int trackingConverter(int stage, void* block, const mpeg2_sequence_t* sequence, int stride, uint32_t accel,
+                      void* owner, mpeg2_convert_init_t* result)
+{
+    PVVIDEODECODER* decoder = static_cast<PVVIDEODECODER*>(owner);
+    mpeg2_convert_t* inner = decoder->pixelBytes == 4 ? mpeg2convert_bgr32 : mpeg2convert_rgb24;
+    const int answer = inner(stage, innerBlock(block), sequence, stride, accel, nullptr, result);
+    if (!result)
+        return answer;
+    result->id_size += sizeof(ConverterRecord);
+    if (stage == MPEG2_CONVERT_START && block) {
+        ConverterRecord* record = static_cast<ConverterRecord*>(block);
+        record->owner = decoder;
+        record->innerStart = result->start;
+        record->innerCopy = result->copy;
+        record->height = sequence->height;
+        record->current = nullptr;
+        result->start = startPicture;
+        result->copy = copyLines;
+    }
+    return answer;
+}
+
 // Whether the path names anything at all: a directory passes here and is
 // refused when it is opened for reading.
 bool pathExists(const char* path)
 {
     struct stat status;
     return stat(path, &status) == 0;
+}
+
+// libmpeg2's 32-bit converter leaves the fourth byte of every pixel 0; the
+// texture's alpha must say opaque.
+void makeOpaque(unsigned char* pixels, size_t count)
+{
+    for (size_t i = 0; i < count; i++)
+        pixels[4 * i + 3] = 0xFF;
 }
 
 // Copies text into a fixed field, cut to fit; source and field may overlap.
@@ -120,6 +227,7 @@ void PVVIDEO::closeStream()
     decoder->decoder = nullptr;
     decoder->info = nullptr;
     decoder->sequence = nullptr;
+    forgetFrames();
 }
 
 bool PVVIDEO::load(const char* file)
@@ -184,7 +292,7 @@ void PVVIDEO::parseStep()
         readNextPiece();
         break;
     case STATE_SEQUENCE:
-        mpeg2_convert(decoder->decoder, mpeg2convert_rgb24, nullptr);
+        startSequence();
         break;
     case STATE_SLICE:
     case STATE_END:
@@ -203,25 +311,62 @@ void PVVIDEO::readNextPiece()
     mpeg2_buffer(decoder->decoder, decoder->buffer, decoder->buffer + count);
 }
 
-// The picture replaces the texture's top-left corner, its first row at
-// texture row 0. A texture that is not resident, not RGB or smaller than the
-// picture is left alone, so that GL never sees an invalid upload.
-void PVVIDEO::uploadFrame()
+// A new sequence: its pictures are converted to the layout of the texture set
+// now (RGBA for an RGBA texture, RGB otherwise). The frame buffers of the
+// sequence before are freed by libmpeg2 and forgotten here.
+void PVVIDEO::startSequence()
+{
+    decoder->pixelBytes = texture && texture->getFormat() == 4 ? 4 : 3;
+    forgetFrames();
+    mpeg2_convert(decoder->decoder, trackingConverter, decoder);
+}
+
+void PVVIDEO::forgetFrames()
+{
+    std::memset(decoder->frames, 0, sizeof(decoder->frames));
+    decoder->nextFrame = 0;
+}
+
+// The picture libmpeg2 offers for display, when every line of it was
+// converted into the frame buffer it still holds; null otherwise (a picture
+// whose slices were lost, or a buffer of an earlier sequence).
+const unsigned char* PVVIDEO::displayedPicture() const
 {
     const mpeg2_fbuf_t* frame = decoder->info->display_fbuf;
+    if (!frame)
+        return nullptr;
+    for (const PVVIDEOFRAME& record : decoder->frames)
+        if (record.frame == frame)
+            return record.pixels == frame->buf[0] && record.linesConverted >= record.linesNeeded
+                       ? record.pixels
+                       : nullptr;
+    return nullptr;
+}
+
+// The picture replaces the texture's top-left corner, its first row at
+// texture row 0. A texture that is not resident, not in the layout pictures
+// are converted to or smaller than the picture is left alone, so that GL
+// never sees an invalid upload.
+void PVVIDEO::uploadFrame()
+{
     const mpeg2_sequence_t* sequence = decoder->sequence;
-    if (!frame || !texture || !sequence)
+    if (!texture || !sequence)
         return;
-    const bool fits = texture->isLoaded() && texture->getFormat() == 3 &&
+    const bool fits = texture->isLoaded() && texture->getFormat() == decoder->pixelBytes &&
                       sequence->width <= texture->getSizeX() && sequence->height <= texture->getSizeY();
-    if (!fits)
+    const unsigned char* pixels = fits ? displayedPicture() : nullptr;
+    if (!pixels)
         return;
+    const GLsizei width = GLsizei(sequence->width);
+    const GLsizei height = GLsizei(sequence->height);
+    if (decoder->pixelBytes == 4)
+        makeOpaque(const_cast<unsigned char*>(pixels), size_t(width) * size_t(height));
     // The bind replaces whatever unit 0's cache claims is bound, so that the
     // next render of that texture binds it again.
     PVTEXTURE::channelCache[0] = nullptr;
     glBindTexture(GL_TEXTURE_2D, texture->getGLId());
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, GLsizei(sequence->width), GLsizei(sequence->height), GL_RGB,
-                    GL_UNSIGNED_BYTE, frame->buf[0]);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, decoder->pixelBytes == 4 ? GL_RGBA : GL_RGB,
+                    GL_UNSIGNED_BYTE, pixels);
 }
 
 // End of the file: the same file is opened again from its start. A looping

@@ -63,6 +63,9 @@ private:
     void closeStream();
     void parseStep();
     void readNextPiece();
+    void startSequence();
+    void forgetFrames();
+    const unsigned char* displayedPicture() const;
     void uploadFrame();
     bool restartAtEnd();
 

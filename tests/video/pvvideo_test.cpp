@@ -151,18 +151,23 @@ struct UploadCase {
     unsigned int sizeX, sizeY, format;
     bool resident;
     size_t uploads;
+    const char* layout;
 };
 
-// bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB
-// texture at least as large; any other texture is left alone, without a GL
-// error, and a video without texture decodes to the end without GL.
+// bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB or
+// RGBA texture at least as large, in the texture's own layout; any other
+// texture is left alone, without a GL error, and a video without texture
+// decodes to the end without GL.
 TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
 {
     const UploadCase cases[] = {
-        {"larger RGB texture", 64, 64, 3, true, 3}, {"exactly as large", 64, 48, 3, true, 3},
-        {"narrower", 32, 64, 3, true, 0},           {"shorter", 64, 32, 3, true, 0},
-        {"RGBA texture", 64, 64, 4, true, 0},       {"texture not resident", 64, 64, 3, false, 0},
-        {"no texture", 0, 0, 0, true, 0},
+        {"larger RGB texture", 64, 64, 3, true, 3, "GL_RGB"},
+        {"exactly as large", 64, 48, 3, true, 3, "GL_RGB"},
+        {"RGBA texture", 64, 64, 4, true, 3, "GL_RGBA"},
+        {"narrower", 32, 64, 3, true, 0, ""},
+        {"shorter", 64, 32, 4, true, 0, ""},
+        {"texture not resident", 64, 64, 3, false, 0, ""},
+        {"no texture", 0, 0, 0, true, 0, ""},
     };
     for (const UploadCase& c : cases) {
         PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;
@@ -179,11 +184,42 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
         Calls expected;
         for (size_t i = 0; i < c.uploads; i++) {
             expected.push_back(bind);
-            expected.push_back("glTexSubImage2D(GL_TEXTURE_2D,0,0,0,64,48,GL_RGB,GL_UNSIGNED_BYTE)");
+            expected.push_back("glTexSubImage2D(GL_TEXTURE_2D,0,0,0,64,48," + std::string(c.layout) +
+                               ",GL_UNSIGNED_BYTE)");
         }
         EXPECT_EQ(expected, calls) << c.what;
         EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError()) << c.what;
         delete texture;
+    }
+}
+
+struct BrokenEndCase {
+    const char* clip;
+    size_t uploads;
+};
+
+// Broken streams whose ends offer frame buffers that hold no picture: a
+// picture whose slice decoded nothing, followed by the end code or by a
+// sequence of another size, and an end that comes after a new sequence began
+// (the first sequence's buffers are gone by then). Only whole pictures the
+// decoder still holds reach GL.
+TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
+{
+    PVVIDEO::setMPGPath(PEVRANO_MPEG_CRASHES);
+    const BrokenEndCase cases[] = {
+        {"empty-picture-then-end.mpg", 0},
+        {"empty-picture-then-new-size.mpg", 0},
+        {"end-after-new-sequence.mpg", 3},  // the three pictures of bands.mpg
+    };
+    for (const BrokenEndCase& c : cases) {
+        PVTEXTURE texture;
+        ASSERT_TRUE(texture.create(64, 64, 3));
+        PVVIDEO video;
+        ASSERT_TRUE(video.load(c.clip));
+        video.setTexture(&texture);
+        video.play();
+        record([&] { EXPECT_GT(stepsToEnd(video, c.clip), 0) << c.clip; });
+        EXPECT_EQ(c.uploads, recorder.count("glTexSubImage2D")) << c.clip;
     }
 }
 

@@ -89,17 +89,26 @@ protected:
     PVBOX* screen = nullptr;
 };
 
+// In an RGB or an RGBA texture alike; the box is drawn blended, so that a
+// picture whose alpha were not opaque would not show.
 TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
 {
-    PVVIDEO video;
-    ASSERT_TRUE(video.load("bands.mpg"));
-    video.setTexture(texture);
-    video.play();
-    ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
-    drawFrame();
-    const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
-                                           nameOf(pictureAt(60, 40))};
-    EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows);
+    for (unsigned int format : {3u, 4u}) {
+        PVTEXTURE* target = new PVTEXTURE();
+        ASSERT_TRUE(target->create(64, 64, format));
+        target->setFilter(false, false, true);
+        screen->setTexture(target);
+        screen->setColor(1, 1, 1, 0.999f);
+        PVVIDEO video;
+        ASSERT_TRUE(video.load("bands.mpg"));
+        video.setTexture(target);
+        video.play();
+        ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
+        drawFrame();
+        const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
+                                               nameOf(pictureAt(60, 40))};
+        EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows) << "format " << format;
+    }
 }
 
 struct SequenceCase {
