@@ -178,6 +178,7 @@ void copyName(char (&field)[PV_VIDEO_NAME_SIZE], const char* text)
 PVVIDEO::PVVIDEO() :
     id(kvfNewId()),
     texture(nullptr),
+    textureId(0),
     previous(nullptr),
     next(nullptr),
     status(PV_VIDEO_STOP),
@@ -192,6 +193,7 @@ PVVIDEO::~PVVIDEO()
     // The stream is closed here too, so that a deleted video leaks no file
     // handle or decoder.
     closeStream();
+    releaseTexture();
     kvfReleaseId(id);
     kvfFree(decoder);
     Registry::remove(this);
@@ -214,6 +216,25 @@ PVVIDEO* PVVIDEO::findById(unsigned int wantedId) { return Registry::findByValue
 void PVVIDEO::setMPGPath(const char* path) { copyName(mpgPath, path ? path : ""); }
 
 char* PVVIDEO::getMPGPath() { return mpgPath; }
+
+void PVVIDEO::setTexture(PVTEXTURE* target)
+{
+    if (target == texture)
+        return;
+    if (target)
+        target->incReferences();
+    releaseTexture();
+    texture = target;
+    textureId = target ? target->getId() : 0;
+}
+
+void PVVIDEO::releaseTexture()
+{
+    if (texture && PVTEXTURE::findById(textureId) == texture)
+        texture->decReferences();
+    texture = nullptr;
+    textureId = 0;
+}
 
 bool PVVIDEO::isOpen() const { return decoder && decoder->file; }
 

@@ -44,9 +44,10 @@ public:
     // Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
 
-    // The texture pictures are uploaded into. It is not reference-counted
-    // here: whoever sets it keeps it alive (incReferences) while it is set.
-    void setTexture(PVTEXTURE* target) { texture = target; }
+    // The texture pictures are uploaded into. The video holds a reference
+    // on it (so the garbage collector keeps it) until another is set or the
+    // video is deleted.
+    void setTexture(PVTEXTURE* target);
     PVTEXTURE* getTexture() { return texture; }
     void play() { status = PV_VIDEO_PLAY; }
     void stop() { status = PV_VIDEO_STOP; }
@@ -59,6 +60,7 @@ public:
 private:
     friend struct PVTESTACCESS;
 
+    void releaseTexture();
     bool isOpen() const;
     void closeStream();
     void parseStep();
@@ -72,6 +74,9 @@ private:
     unsigned int id;
     char filename[PV_VIDEO_NAME_SIZE];
     PVTEXTURE* texture;
+    // The texture's id, to tell whether it still exists: textures are
+    // released before videos when the engine shuts down.
+    unsigned int textureId;
     PVVIDEO* previous;
     PVVIDEO* next;
     PV_VIDEO_STATUS status;

@@ -223,6 +223,34 @@ TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
     }
 }
 
+// The video holds a reference on the texture it plays into, so the garbage
+// collector (which deletes textures nobody holds) only evicts it; the
+// reference moves with setTexture and goes with the video.
+TEST_F(VideoGlTest, TheVideoHoldsItsTexture)
+{
+    PVTEXTURE* first = new PVTEXTURE();
+    PVTEXTURE* second = new PVTEXTURE();
+    ASSERT_TRUE(first->create(64, 64, 3));
+    ASSERT_TRUE(second->create(64, 64, 3));
+    const unsigned int firstId = first->getId();
+    PVVIDEO* video = new PVVIDEO();
+    ASSERT_TRUE(video->load("bands.mpg"));
+    video->setTexture(first);
+    video->setTexture(first);
+    second->incReferences();
+    PVTEXTURE::garbageCollect(0);
+    ASSERT_EQ(first, PVTEXTURE::findById(firstId));
+    video->play();
+    EXPECT_EQ(bandsSteps, stepsToEnd(*video, "bands.mpg")) << "evicted, not resident: nothing uploads";
+    second->decReferences();
+    video->setTexture(second);
+    EXPECT_EQ((std::vector<int> {0, 1}),
+              (std::vector<int> {first->getReferences(), second->getReferences()}));
+    delete video;
+    EXPECT_EQ(0, second->getReferences());
+    PVTEXTURE::cleanUp();
+}
+
 // A frame upload binds the video's texture behind the bind cache's back: the
 // texture that unit 0 showed before must be bound again when next rendered.
 TEST_F(VideoGlTest, UploadMakesTheNextRenderBindAgain)

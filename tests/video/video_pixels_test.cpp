@@ -157,6 +157,7 @@ TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
     new PVVIDEO();
     PVVIDEO* playing = new PVVIDEO();
     ASSERT_TRUE(playing->load("bands.mpg"));
+    playing->setTexture(texture);  // released before the video
     playing->play();
     EXPECT_TRUE(playing->update(3));
     PEVRANO::free();
