@@ -19,6 +19,7 @@ extern "C" {
 #include "foundation/kvfid.h"
 #include "foundation/kvflog.h"
 #include "foundation/kvfmemory.h"
+#include "foundation/kvfstring.h"
 
 namespace {
 const size_t readPieceSize = 4096;
@@ -150,6 +151,14 @@ int trackingConverter(int stage, void* block, const mpeg2_sequence_t* sequence, 
     return answer;
 }
 
+// The video path followed by a name that fits the video's field: both
+// together always fit twice that field.
+const char* pathOf(const char* file, char (&path)[2 * PV_VIDEO_NAME_SIZE])
+{
+    std::snprintf(path, sizeof(path), "%s%s", PVVIDEO::getMPGPath(), file);
+    return path;
+}
+
 // Whether the path names anything at all: a directory passes here and is
 // refused when it is opened for reading.
 bool pathExists(const char* path)
@@ -164,13 +173,6 @@ void makeOpaque(unsigned char* pixels, size_t count)
 {
     for (size_t i = 0; i < count; i++)
         pixels[4 * i + 3] = 0xFF;
-}
-
-// Copies text into a fixed field, cut to fit; source and field may overlap.
-void copyName(char (&field)[PV_VIDEO_NAME_SIZE], const char* text)
-{
-    std::memmove(field, text, strnlen(text, PV_VIDEO_NAME_SIZE - 1));
-    field[strnlen(text, PV_VIDEO_NAME_SIZE - 1)] = '\0';
 }
 
 }  // namespace
@@ -213,7 +215,11 @@ PVVIDEO* PVVIDEO::findByFilename(const char* name) { return Registry::findByText
 
 PVVIDEO* PVVIDEO::findById(unsigned int wantedId) { return Registry::findByValue(&PVVIDEO::id, wantedId); }
 
-void PVVIDEO::setMPGPath(const char* path) { copyName(mpgPath, path ? path : ""); }
+void PVVIDEO::setMPGPath(const char* path)
+{
+    if (!kvfCopyIfFits(mpgPath, sizeof(mpgPath), path ? path : ""))
+        kvfLog("   [!] Invalid params @ PVVIDEO::setMPGPath\n");
+}
 
 char* PVVIDEO::getMPGPath() { return mpgPath; }
 
@@ -257,10 +263,11 @@ bool PVVIDEO::load(const char* file)
         closeStream();
         status = PV_VIDEO_STOP;
     }
+    // A name longer than the video's own field is refused here: cut, it
+    // would name another file when the video reopens it.
     char path[2 * PV_VIDEO_NAME_SIZE];
-    const bool pathFits =
-        file && std::snprintf(path, sizeof(path), "%s%s", mpgPath, file) < int(sizeof(path));
-    if (!pathFits || !pathExists(path)) {
+    const bool nameFits = file && strnlen(file, sizeof(filename)) < sizeof(filename);
+    if (!nameFits || !pathExists(pathOf(file, path))) {
         kvfLog("   [!] Invalid params or file not found @ PVVIDEO::load\n");
         return false;
     }
@@ -281,7 +288,7 @@ bool PVVIDEO::load(const char* file)
     decoder->info = mpeg2_info(handle);
     decoder->sequence = nullptr;
     decoder->lastRead = -1;
-    copyName(filename, file);
+    kvfCopyIfFits(filename, sizeof(filename), file);
     status = PV_VIDEO_STOP;
     return true;
 }

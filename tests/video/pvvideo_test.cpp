@@ -60,6 +60,32 @@ TEST_F(VideoTest, LoadReportsEachOutcome)
 // code, and the read that finds nothing more.
 const int bandsSteps = 11;
 
+// A name fits the video's 255 characters or is refused where it is given, so
+// that a looping film never reopens a cut name; the same for the path.
+TEST_F(VideoTest, NamesThatDoNotFitAreRefused)
+{
+    const std::string clip = readFile(PEVRANO_VIDEO_DATA "bands.mpg");
+    const std::string folder(120, 'f');
+    ASSERT_EQ(0, mkdir(folder.c_str(), 0755));
+    PVVIDEO::setMPGPath("");
+    for (size_t length : {255u, 256u, 300u}) {
+        const std::string name = folder + "/" + std::string(length - folder.size() - 5, 'n') + ".mpg";
+        writeFile(name, clip);
+        PVVIDEO video;
+        log.fresh();
+        const bool fits = length <= 255;
+        EXPECT_EQ(fits, video.load(name.c_str())) << length;
+        EXPECT_EQ(fits ? loadingLine(name) : notFound, log.fresh()) << length;
+        video.playLoop();
+        EXPECT_EQ(fits, video.update(3 * bandsSteps)) << length;
+    }
+    const std::string path(255, '/');
+    PVVIDEO::setMPGPath(path.c_str());
+    PVVIDEO::setMPGPath((path + "/").c_str());
+    EXPECT_EQ(path, PVVIDEO::getMPGPath());
+    EXPECT_EQ("   [!] Invalid params @ PVVIDEO::setMPGPath\n", log.fresh());
+}
+
 TEST_F(VideoTest, NothingDecodesUntilPlayAndStopKeepsThePlace)
 {
     PVVIDEO video;
