@@ -205,7 +205,7 @@ bool PVVIDEO::cleanUp()
 {
     if (!firstVideo)
         return false;
-    Registry::deleteAll();
+    kvfLog("   %d video(s) released\n", Registry::deleteAll());
     return true;
 }
 

@@ -29,7 +29,8 @@ public:
     // Copies the whole record as it stands: links and decoder block included.
     PVVIDEO& operator=(const PVVIDEO&) = default;
 
-    // Deletes every registered video; false when there was none.
+    // Deletes every registered video and logs how many; false (and no line)
+    // when there was none.
     static bool cleanUp();
     static unsigned int getNumberOfVideos();
     // First video loaded from this name (as given to load); null for null.

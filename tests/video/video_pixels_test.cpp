@@ -160,9 +160,16 @@ TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
     playing->setTexture(texture);  // released before the video
     playing->play();
     EXPECT_TRUE(playing->update(3));
+    log.fresh();
     PEVRANO::free();
+    const std::string shutdown = log.fresh();
     EXPECT_EQ(0u, PVVIDEO::getNumberOfVideos());
     EXPECT_EQ(nullptr, PVVIDEO::findByFilename("bands.mpg"));
+    // Counted like every other class, after the textures; none left, no line.
+    EXPECT_EQ(1u, occurrences(shutdown, "\n   2 video(s) released\n"));
+    EXPECT_LT(shutdown.find(" texture(s) released\n"), shutdown.find(" video(s) released\n"));
+    EXPECT_FALSE(PVVIDEO::cleanUp());
+    EXPECT_EQ("", log.fresh());
 }
 
 }  // namespace
