@@ -31,11 +31,15 @@ const int trackedFrames = 3;
 const unsigned int linesPerCopy = 16;
 }  // namespace
 
-// The picture last converted into one of libmpeg2's frame buffers: whether
-// every line of it was converted, and into which memory.
+// The picture last converted into one of libmpeg2's frame buffers: into
+// which memory, in which size and layout, and whether every line of it was
+// converted.
 struct PVVIDEOFRAME {
     const mpeg2_fbuf_t* frame;
-    const uint8_t* pixels;
+    uint8_t* pixels;
+    unsigned int width;
+    unsigned int height;
+    unsigned int pixelBytes;
     unsigned int linesConverted;
     unsigned int linesNeeded;
 };
@@ -85,7 +89,9 @@ struct alignas(16) ConverterRecord {
     PVVIDEODECODER* owner;
     ConvertStart innerStart;
     ConvertCopy innerCopy;
+    unsigned int width;
     unsigned int height;
+    unsigned int pixelBytes;
     PVVIDEOFRAME* current;
 };
 
@@ -113,10 +119,14 @@ void startPicture(void* block, const mpeg2_fbuf_t* frame, const mpeg2_picture_t*
     PVVIDEOFRAME* target = frameRecordFor(record->owner, frame);
     target->frame = frame;
     target->pixels = frame->buf[0];
+    target->width = record->width;
+    target->height = record->height;
+    target->pixelBytes = record->pixelBytes;
     target->linesConverted = 0;
     target->linesNeeded = picture->nb_fields == 1 ? record->height / 2 : record->height;
     record->current = target;
-    record->innerStart(innerBlock(block), frame, picture, gop);
+    if (record->innerStart)
+        record->innerStart(innerBlock(block), frame, picture, gop);
 }
 
 void copyLines(void* block, uint8_t* const* source, unsigned int lineOffset)
@@ -143,7 +153,9 @@ int trackingConverter(int stage, void* block, const mpeg2_sequence_t* sequence, 
         record->owner = decoder;
         record->innerStart = result->start;
         record->innerCopy = result->copy;
+        record->width = sequence->width;
         record->height = sequence->height;
+        record->pixelBytes = decoder->pixelBytes;
         record->current = nullptr;
         result->start = startPicture;
         result->copy = copyLines;
@@ -358,43 +370,38 @@ void PVVIDEO::forgetFrames()
 // The picture libmpeg2 offers for display, when every line of it was
 // converted into the frame buffer it still holds; null otherwise (a picture
 // whose slices were lost, or a buffer of an earlier sequence).
-const unsigned char* PVVIDEO::displayedPicture() const
+const PVVIDEOFRAME* PVVIDEO::displayedPicture() const
 {
     const mpeg2_fbuf_t* frame = decoder->info->display_fbuf;
     if (!frame)
         return nullptr;
     for (const PVVIDEOFRAME& record : decoder->frames)
         if (record.frame == frame)
-            return record.pixels == frame->buf[0] && record.linesConverted >= record.linesNeeded
-                       ? record.pixels
-                       : nullptr;
+            return record.pixels == frame->buf[0] && record.linesConverted >= record.linesNeeded ? &record
+                                                                                                 : nullptr;
     return nullptr;
 }
 
 // The picture replaces the texture's top-left corner, its first row at
-// texture row 0. A texture that is not resident, not in the layout pictures
-// are converted to or smaller than the picture is left alone, so that GL
-// never sees an invalid upload.
+// texture row 0. A texture that is not resident, not in the layout the
+// picture was converted to or smaller than the picture is left alone, so
+// that GL never sees an invalid upload.
 void PVVIDEO::uploadFrame()
 {
-    const mpeg2_sequence_t* sequence = decoder->sequence;
-    if (!texture || !sequence)
+    const PVVIDEOFRAME* picture = texture ? displayedPicture() : nullptr;
+    const bool fits = picture && texture->isLoaded() && texture->getFormat() == picture->pixelBytes &&
+                      picture->width <= texture->getSizeX() && picture->height <= texture->getSizeY();
+    if (!fits)
         return;
-    const bool fits = texture->isLoaded() && texture->getFormat() == decoder->pixelBytes &&
-                      sequence->width <= texture->getSizeX() && sequence->height <= texture->getSizeY();
-    const unsigned char* pixels = fits ? displayedPicture() : nullptr;
-    if (!pixels)
-        return;
-    const GLsizei width = GLsizei(sequence->width);
-    const GLsizei height = GLsizei(sequence->height);
-    if (decoder->pixelBytes == 4)
-        makeOpaque(const_cast<unsigned char*>(pixels), size_t(width) * size_t(height));
+    const bool rgba = picture->pixelBytes == 4;
+    if (rgba)
+        makeOpaque(picture->pixels, size_t(picture->width) * picture->height);
     // The bind replaces whatever unit 0's cache claims is bound, so that the
     // next render of that texture binds it again.
     PVTEXTURE::channelCache[0] = nullptr;
     glBindTexture(GL_TEXTURE_2D, texture->getGLId());
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, decoder->pixelBytes == 4 ? GL_RGBA : GL_RGB,
-                    GL_UNSIGNED_BYTE, pixels);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, GLsizei(picture->width), GLsizei(picture->height),
+                    rgba ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, picture->pixels);
 }
 
 // End of the file: the same file is opened again from its start. A looping

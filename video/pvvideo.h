@@ -12,6 +12,7 @@
 
 class PVTEXTURE;
 struct PVVIDEODECODER;
+struct PVVIDEOFRAME;
 
 enum PV_VIDEO_STATUS {
     PV_VIDEO_STOP = 0,
@@ -68,7 +69,7 @@ private:
     void readNextPiece();
     void startSequence();
     void forgetFrames();
-    const unsigned char* displayedPicture() const;
+    const PVVIDEOFRAME* displayedPicture() const;
     void uploadFrame();
     bool restartAtEnd();
 
