@@ -256,7 +256,7 @@ struct BrokenEndCase {
 // picture whose slice decoded nothing, followed by the end code or by a
 // sequence of another size, and an end that comes after a new sequence began
 // (the first sequence's buffers are gone by then). Only whole pictures the
-// decoder still holds reach GL.
+// decoder still holds reach GL, in RGB and RGBA alike.
 TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
 {
     PVVIDEO::setMPGPath(PEVRANO_MPEG_CRASHES);
@@ -265,16 +265,17 @@ TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
         {"empty-picture-then-new-size.mpg", 0},
         {"end-after-new-sequence.mpg", 3},  // the three pictures of bands.mpg
     };
-    for (const BrokenEndCase& c : cases) {
-        PVTEXTURE texture;
-        ASSERT_TRUE(texture.create(64, 64, 3));
-        PVVIDEO video;
-        ASSERT_TRUE(video.load(c.clip));
-        video.setTexture(&texture);
-        video.play();
-        record([&] { EXPECT_GT(stepsToEnd(video, c.clip), 0) << c.clip; });
-        EXPECT_EQ(c.uploads, recorder.count("glTexSubImage2D")) << c.clip;
-    }
+    for (unsigned int format : {3u, 4u})
+        for (const BrokenEndCase& c : cases) {
+            PVTEXTURE texture;
+            ASSERT_TRUE(texture.create(64, 64, format));
+            PVVIDEO video;
+            ASSERT_TRUE(video.load(c.clip));
+            video.setTexture(&texture);
+            video.play();
+            record([&] { EXPECT_GT(stepsToEnd(video, c.clip), 0) << c.clip; });
+            EXPECT_EQ(c.uploads, recorder.count("glTexSubImage2D")) << c.clip << " format " << format;
+        }
 }
 
 // The video holds a reference on the texture it plays into, so the garbage
