@@ -1,8 +1,9 @@
 // Video texture: plays an MPEG-1/2 video file into an existing texture. Each
 // update runs a number of decoder steps, reading the file in 4096-byte pieces;
-// every decoded picture is converted to 24-bit RGB and replaces the top-left
-// corner of the texture. There is no audio and no clock: the application
-// chooses how many steps to run per frame.
+// every whole decoded picture is converted to the texture's layout (24-bit
+// RGB, or RGBA for an RGBA texture) and replaces its top-left corner. There
+// is no audio and no clock: the application chooses how many steps to run
+// per frame.
 #ifndef PEVRANO_VIDEO_PVVIDEO_H
 #define PEVRANO_VIDEO_PVVIDEO_H
 
@@ -37,11 +38,13 @@ public:
     // First video loaded from this name (as given to load); null for null.
     static PVVIDEO* findByFilename(const char* name);
     static PVVIDEO* findById(unsigned int wantedId);
-    // Folder put before every name that load opens (null sets "").
+    // Folder put before every name that load opens (null sets ""); a path
+    // longer than 255 characters is refused and the old one kept.
     static void setMPGPath(const char* path);
     static char* getMPGPath();
 
     // Opens the file (after the path prefix) and a decoder; the video stops.
+    // A name longer than 255 characters is refused.
     bool load(const char* file);
     // Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
