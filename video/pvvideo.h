@@ -1,8 +1,9 @@
 // Video texture: plays an MPEG-1/2 video file into an existing texture. Each
 // update runs a number of decoder steps, reading the file in 4096-byte pieces;
-// every decoded picture is converted to 24-bit RGB and replaces the top-left
-// corner of the texture. There is no audio and no clock: the application
-// chooses how many steps to run per frame.
+// every whole decoded picture is converted to the texture's layout (24-bit
+// RGB, or RGBA for an RGBA texture) and replaces its top-left corner. There
+// is no audio and no clock: the application chooses how many steps to run
+// per frame.
 #ifndef PEVRANO_VIDEO_PVVIDEO_H
 #define PEVRANO_VIDEO_PVVIDEO_H
 
@@ -12,6 +13,7 @@
 
 class PVTEXTURE;
 struct PVVIDEODECODER;
+struct PVVIDEOFRAME;
 
 enum PV_VIDEO_STATUS {
     PV_VIDEO_STOP = 0,
@@ -29,24 +31,28 @@ public:
     // Copies the whole record as it stands: links and decoder block included.
     PVVIDEO& operator=(const PVVIDEO&) = default;
 
-    // Deletes every registered video; false when there was none.
+    // Deletes every registered video and logs how many; false (and no line)
+    // when there was none.
     static bool cleanUp();
     static unsigned int getNumberOfVideos();
     // First video loaded from this name (as given to load); null for null.
     static PVVIDEO* findByFilename(const char* name);
     static PVVIDEO* findById(unsigned int wantedId);
-    // Folder put before every name that load opens (null sets "").
+    // Folder put before every name that load opens (null sets ""); a path
+    // longer than 255 characters is refused and the old one kept.
     static void setMPGPath(const char* path);
     static char* getMPGPath();
 
     // Opens the file (after the path prefix) and a decoder; the video stops.
+    // A name longer than 255 characters is refused.
     bool load(const char* file);
     // Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
 
-    // The texture pictures are uploaded into. It is not reference-counted
-    // here: whoever sets it keeps it alive (incReferences) while it is set.
-    void setTexture(PVTEXTURE* target) { texture = target; }
+    // The texture pictures are uploaded into. The video holds a reference
+    // on it (so the garbage collector keeps it) until another is set or the
+    // video is deleted.
+    void setTexture(PVTEXTURE* target);
     PVTEXTURE* getTexture() { return texture; }
     void play() { status = PV_VIDEO_PLAY; }
     void stop() { status = PV_VIDEO_STOP; }
@@ -59,16 +65,23 @@ public:
 private:
     friend struct PVTESTACCESS;
 
+    void releaseTexture();
     bool isOpen() const;
     void closeStream();
     void parseStep();
     void readNextPiece();
+    void startSequence();
+    void forgetFrames();
+    const PVVIDEOFRAME* displayedPicture() const;
     void uploadFrame();
     bool restartAtEnd();
 
     unsigned int id;
     char filename[PV_VIDEO_NAME_SIZE];
     PVTEXTURE* texture;
+    // The texture's id, to tell whether it still exists: textures are
+    // released before videos when the engine shuts down.
+    unsigned int textureId;
     PVVIDEO* previous;
     PVVIDEO* next;
     PV_VIDEO_STATUS status;

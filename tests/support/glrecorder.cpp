@@ -90,6 +90,23 @@ namespace {
         return names;
     }
 
+    // Bytes of one pixel of an upload's source, 0 for a kind not known here.
+    size_t sourcePixelBytes(GLenum format, GLenum type)
+    {
+        if (type != GL_UNSIGNED_BYTE)
+            return 2;  // the packed 16-bit kinds
+        switch (format) {
+        case GL_RGBA:
+            return 4;
+        case GL_RGB:
+            return 3;
+        case GL_LUMINANCE_ALPHA:
+            return 2;
+        default:
+            return 1;
+        }
+    }
+
     std::string hex(unsigned int value)
     {
         char text[16];
@@ -234,6 +251,32 @@ size_t GlRecorder::countCall(const std::string& call) const
     return count;
 }
 
+namespace {
+
+    volatile unsigned int uploadSourceSum = 0;
+
+    // Mesa is not built with the sanitizers, so a bad read inside it goes
+    // unseen; reading every source byte here first puts it under their eyes.
+    void readUploadSource(GLsizei width, GLsizei height, GLenum format, GLenum type, const void* pixels)
+    {
+        if (!pixels || width <= 0 || height <= 0)
+            return;
+        static const auto getIntegerv =
+            reinterpret_cast<decltype(&::glGetIntegerv)>(realSymbol("glGetIntegerv"));
+        GLint alignment = 4;
+        getIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
+        const size_t lineBytes = size_t(width) * sourcePixelBytes(format, type);
+        const size_t rowStride = (lineBytes + size_t(alignment) - 1) / size_t(alignment) * size_t(alignment);
+        const size_t total = rowStride * size_t(height - 1) + lineBytes;
+        const volatile unsigned char* bytes = static_cast<const unsigned char*>(pixels);
+        unsigned int sum = 0;
+        for (size_t i = 0; i < total; i++)
+            sum += bytes[i];
+        uploadSourceSum = sum;
+    }
+
+}  // namespace
+
 std::string GlRecorder::text() const
 {
     std::string all;
@@ -252,10 +295,14 @@ using pvtest::CallText;
 // written by the CallText chain `recorded`), then it forwards `arguments` to
 // the real entry point.
 #define PV_INTERPOSE(result, function, parameters, arguments, recorded)                                      \
+    PV_INTERPOSE_CHECKED(result, function, parameters, arguments, recorded, )
+// The same, running `check` before the call is forwarded.
+#define PV_INTERPOSE_CHECKED(result, function, parameters, arguments, recorded, check)                       \
     result function parameters                                                                               \
     {                                                                                                        \
         if (activeRecorder)                                                                                  \
             activeRecorder->append(CallText(#function) recorded.done());                                     \
+        check;                                                                                               \
         static const auto real = reinterpret_cast<decltype(&::function)>(pvtest::realSymbol(#function));     \
         return real arguments;                                                                               \
     }
@@ -312,17 +359,20 @@ PV_INTERPOSE(void, glBindTexture, (GLenum target, GLuint texture), (target, text
 PV_INTERPOSE(void, glTexParameterx, (GLenum target, GLenum pname, GLfixed param), (target, pname, param),
              .en(target).en(pname).en(GLenum(param)))
 PV_INTERPOSE(void, glPixelStorei, (GLenum pname, GLint param), (pname, param), .en(pname).num(param))
-PV_INTERPOSE(
+PV_INTERPOSE_CHECKED(
     void, glTexImage2D,
     (GLenum target, GLint level, GLint internalformat, GLsizei width, GLsizei height, GLint border,
      GLenum format, GLenum type, const void* pixels),
     (target, level, internalformat, width, height, border, format, type, pixels),
-    .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type))
-PV_INTERPOSE(void, glTexSubImage2D,
-             (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height,
-              GLenum format, GLenum type, const void* pixels),
-             (target, level, xoffset, yoffset, width, height, format, type, pixels),
-             .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type))
+    .en(target).num(level).en(GLenum(internalformat)).num(width).num(height).num(border).en(format).en(type),
+    pvtest::readUploadSource(width, height, format, type, pixels))
+PV_INTERPOSE_CHECKED(
+    void, glTexSubImage2D,
+    (GLenum target, GLint level, GLint xoffset, GLint yoffset, GLsizei width, GLsizei height, GLenum format,
+     GLenum type, const void* pixels),
+    (target, level, xoffset, yoffset, width, height, format, type, pixels),
+    .en(target).num(level).num(xoffset).num(yoffset).num(width).num(height).en(format).en(type),
+    pvtest::readUploadSource(width, height, format, type, pixels))
 
 // Depth writes, client arrays (data pointers are left out), indexed triangles.
 PV_INTERPOSE(void, glDepthMask, (GLboolean flag), (flag), .num(flag))

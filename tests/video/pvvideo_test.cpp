@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,17 @@
 using namespace pvtest;
 
 namespace {
+
+size_t openFileCount()
+{
+    DIR* folder = opendir("/proc/self/fd");
+    size_t count = 0;
+    while (folder && readdir(folder))
+        count++;
+    if (folder)
+        closedir(folder);
+    return count;
+}
 
 using VideoTest = VideoFixture<RecordingTest>;
 using VideoGlTest = VideoFixture<GlContextTest>;
@@ -60,6 +72,32 @@ TEST_F(VideoTest, LoadReportsEachOutcome)
 // code, and the read that finds nothing more.
 const int bandsSteps = 11;
 
+// A name fits the video's 255 characters or is refused where it is given, so
+// that a looping film never reopens a cut name; the same for the path.
+TEST_F(VideoTest, NamesThatDoNotFitAreRefused)
+{
+    const std::string clip = readFile(PEVRANO_VIDEO_DATA "bands.mpg");
+    const std::string folder(120, 'f');
+    ASSERT_EQ(0, mkdir(folder.c_str(), 0755));
+    PVVIDEO::setMPGPath("");
+    for (size_t length : {255u, 256u, 300u}) {
+        const std::string name = folder + "/" + std::string(length - folder.size() - 5, 'n') + ".mpg";
+        writeFile(name, clip);
+        PVVIDEO video;
+        log.fresh();
+        const bool fits = length <= 255;
+        EXPECT_EQ(fits, video.load(name.c_str())) << length;
+        EXPECT_EQ(fits ? loadingLine(name) : notFound, log.fresh()) << length;
+        video.playLoop();
+        EXPECT_EQ(fits, video.update(3 * bandsSteps)) << length;
+    }
+    const std::string path(255, '/');
+    PVVIDEO::setMPGPath(path.c_str());
+    PVVIDEO::setMPGPath((path + "/").c_str());
+    EXPECT_EQ(path, PVVIDEO::getMPGPath());
+    EXPECT_EQ("   [!] Invalid params @ PVVIDEO::setMPGPath\n", log.fresh());
+}
+
 TEST_F(VideoTest, NothingDecodesUntilPlayAndStopKeepsThePlace)
 {
     PVVIDEO video;
@@ -74,6 +112,22 @@ TEST_F(VideoTest, NothingDecodesUntilPlayAndStopKeepsThePlace)
     EXPECT_FALSE(video.update(100)) << "stopped";
     video.play();
     EXPECT_EQ(bandsSteps - 4, stepsToEnd(video, "bands.mpg"));
+}
+
+// Deleting a video closes its file (and with it its decoder), wherever it was
+// in its clip.
+TEST_F(VideoTest, DeletingAVideoClosesItsFileAndDecoder)
+{
+    const size_t filesBefore = openFileCount();
+    for (int steps : {0, 4, bandsSteps + 2}) {
+        PVVIDEO* video = new PVVIDEO();
+        ASSERT_TRUE(video->load("bands.mpg"));
+        video->play();
+        video->update(steps);
+        EXPECT_EQ(filesBefore + 1, openFileCount()) << steps;
+        delete video;
+        EXPECT_EQ(filesBefore, openFileCount()) << steps;
+    }
 }
 
 struct EndCase {
@@ -145,18 +199,23 @@ struct UploadCase {
     unsigned int sizeX, sizeY, format;
     bool resident;
     size_t uploads;
+    const char* layout;
 };
 
-// bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB
-// texture at least as large; any other texture is left alone, without a GL
-// error, and a video without texture decodes to the end without GL.
+// bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB or
+// RGBA texture at least as large, in the texture's own layout; any other
+// texture is left alone, without a GL error, and a video without texture
+// decodes to the end without GL.
 TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
 {
     const UploadCase cases[] = {
-        {"larger RGB texture", 64, 64, 3, true, 3}, {"exactly as large", 64, 48, 3, true, 3},
-        {"narrower", 32, 64, 3, true, 0},           {"shorter", 64, 32, 3, true, 0},
-        {"RGBA texture", 64, 64, 4, true, 0},       {"texture not resident", 64, 64, 3, false, 0},
-        {"no texture", 0, 0, 0, true, 0},
+        {"larger RGB texture", 64, 64, 3, true, 3, "GL_RGB"},
+        {"exactly as large", 64, 48, 3, true, 3, "GL_RGB"},
+        {"RGBA texture", 64, 64, 4, true, 3, "GL_RGBA"},
+        {"narrower", 32, 64, 3, true, 0, ""},
+        {"shorter", 64, 32, 4, true, 0, ""},
+        {"texture not resident", 64, 64, 3, false, 0, ""},
+        {"no texture", 0, 0, 0, true, 0, ""},
     };
     for (const UploadCase& c : cases) {
         PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;
@@ -173,12 +232,72 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
         Calls expected;
         for (size_t i = 0; i < c.uploads; i++) {
             expected.push_back(bind);
-            expected.push_back("glTexSubImage2D(GL_TEXTURE_2D,0,0,0,64,48,GL_RGB,GL_UNSIGNED_BYTE)");
+            expected.push_back("glTexSubImage2D(GL_TEXTURE_2D,0,0,0,64,48," + std::string(c.layout) +
+                               ",GL_UNSIGNED_BYTE)");
         }
         EXPECT_EQ(expected, calls) << c.what;
         EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError()) << c.what;
         delete texture;
     }
+}
+
+struct BrokenEndCase {
+    const char* clip;
+    size_t uploads;
+};
+
+// Broken streams whose ends offer frame buffers that hold no picture: a
+// picture whose slice decoded nothing, followed by the end code or by a
+// sequence of another size, and an end that comes after a new sequence began
+// (the first sequence's buffers are gone by then). Only whole pictures the
+// decoder still holds reach GL, in RGB and RGBA alike.
+TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
+{
+    PVVIDEO::setMPGPath(PEVRANO_MPEG_CRASHES);
+    const BrokenEndCase cases[] = {
+        {"empty-picture-then-end.mpg", 0},
+        {"empty-picture-then-new-size.mpg", 0},
+        {"end-after-new-sequence.mpg", 3},  // the three pictures of bands.mpg
+    };
+    for (unsigned int format : {3u, 4u})
+        for (const BrokenEndCase& c : cases) {
+            PVTEXTURE texture;
+            ASSERT_TRUE(texture.create(64, 64, format));
+            PVVIDEO video;
+            ASSERT_TRUE(video.load(c.clip));
+            video.setTexture(&texture);
+            video.play();
+            record([&] { EXPECT_GT(stepsToEnd(video, c.clip), 0) << c.clip; });
+            EXPECT_EQ(c.uploads, recorder.count("glTexSubImage2D")) << c.clip << " format " << format;
+        }
+}
+
+// The video holds a reference on the texture it plays into, so the garbage
+// collector (which deletes textures nobody holds) only evicts it; the
+// reference moves with setTexture and goes with the video.
+TEST_F(VideoGlTest, TheVideoHoldsItsTexture)
+{
+    PVTEXTURE* first = new PVTEXTURE();
+    PVTEXTURE* second = new PVTEXTURE();
+    ASSERT_TRUE(first->create(64, 64, 3));
+    ASSERT_TRUE(second->create(64, 64, 3));
+    const unsigned int firstId = first->getId();
+    PVVIDEO* video = new PVVIDEO();
+    ASSERT_TRUE(video->load("bands.mpg"));
+    video->setTexture(first);
+    video->setTexture(first);
+    second->incReferences();
+    PVTEXTURE::garbageCollect(0);
+    ASSERT_EQ(first, PVTEXTURE::findById(firstId));
+    video->play();
+    EXPECT_EQ(bandsSteps, stepsToEnd(*video, "bands.mpg")) << "evicted, not resident: nothing uploads";
+    second->decReferences();
+    video->setTexture(second);
+    EXPECT_EQ((std::vector<int> {0, 1}),
+              (std::vector<int> {first->getReferences(), second->getReferences()}));
+    delete video;
+    EXPECT_EQ(0, second->getReferences());
+    PVTEXTURE::cleanUp();
 }
 
 // A frame upload binds the video's texture behind the bind cache's back: the

@@ -89,17 +89,26 @@ protected:
     PVBOX* screen = nullptr;
 };
 
+// In an RGB or an RGBA texture alike; the box is drawn blended, so that a
+// picture whose alpha were not opaque would not show.
 TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
 {
-    PVVIDEO video;
-    ASSERT_TRUE(video.load("bands.mpg"));
-    video.setTexture(texture);
-    video.play();
-    ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
-    drawFrame();
-    const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
-                                           nameOf(pictureAt(60, 40))};
-    EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows);
+    for (unsigned int format : {3u, 4u}) {
+        PVTEXTURE* target = new PVTEXTURE();
+        ASSERT_TRUE(target->create(64, 64, format));
+        target->setFilter(false, false, true);
+        screen->setTexture(target);
+        screen->setColor(1, 1, 1, 0.999f);
+        PVVIDEO video;
+        ASSERT_TRUE(video.load("bands.mpg"));
+        video.setTexture(target);
+        video.play();
+        ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
+        drawFrame();
+        const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
+                                               nameOf(pictureAt(60, 40))};
+        EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows) << "format " << format;
+    }
 }
 
 struct SequenceCase {
@@ -141,6 +150,26 @@ TEST_F(VideoPixels, FramesShowInTheirOrder)
         recorder.stop();
         EXPECT_EQ(c.colours, seen) << c.clip;
     }
+}
+
+TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
+{
+    new PVVIDEO();
+    PVVIDEO* playing = new PVVIDEO();
+    ASSERT_TRUE(playing->load("bands.mpg"));
+    playing->setTexture(texture);  // released before the video
+    playing->play();
+    EXPECT_TRUE(playing->update(3));
+    log.fresh();
+    PEVRANO::free();
+    const std::string shutdown = log.fresh();
+    EXPECT_EQ(0u, PVVIDEO::getNumberOfVideos());
+    EXPECT_EQ(nullptr, PVVIDEO::findByFilename("bands.mpg"));
+    // Counted like every other class, after the textures; none left, no line.
+    EXPECT_EQ(1u, occurrences(shutdown, "\n   2 video(s) released\n"));
+    EXPECT_LT(shutdown.find(" texture(s) released\n"), shutdown.find(" video(s) released\n"));
+    EXPECT_FALSE(PVVIDEO::cleanUp());
+    EXPECT_EQ("", log.fresh());
 }
 
 }  // namespace
