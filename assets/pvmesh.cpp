@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 #include "assets/pvmaterial.h"
 #include "assets/pvshader.h"
@@ -29,6 +30,28 @@ namespace {
 size_t geometrySize(size_t vertexCount, size_t uvCount, size_t faceCount)
 {
     return vertexCount * 24 + uvCount * 8 + faceCount * 12 + faceCount * sizeof(PVFACE);
+}
+
+// A zero-filled counted block of count elements of T, or null when the
+// allocator fails or the size does not fit the counter's 32 bits.
+template <typename T> T* countedZeroed(size_t count)
+{
+    const size_t bytes = count * sizeof(T);
+    if (bytes > 0xFFFFFFFFu)
+        return nullptr;
+    void* block = kvfMalloc(static_cast<unsigned int>(bytes));
+    if (block)
+        std::memset(block, 0, bytes);
+    return static_cast<T*>(block);
+}
+
+static_assert(std::is_trivially_destructible<PVBONE>::value, "bone records are freed without destructors");
+
+template <typename T> void releaseCounted(T*& block)
+{
+    if (block)
+        kvfFree(block);
+    block = nullptr;
 }
 
 }  // namespace
@@ -148,9 +171,7 @@ bool PVMESH::allocateGeometry(unsigned int vertexCount, unsigned int uvCount, un
 
 void PVMESH::releaseGeometry()
 {
-    if (geometry)
-        kvfFree(geometry);
-    geometry = nullptr;
+    releaseCounted(geometry);
     vertices = normals = uvs = nullptr;
     faceNormals = nullptr;
     faces = nullptr;
@@ -163,14 +184,14 @@ bool PVMESH::allocateInfluences(unsigned int perVertex)
 {
     releaseSkin();
     const size_t influences = size_t(nbVertices) * perVertex + 1;
-    boneIndex = new (std::nothrow) uint8_t[influences]();
-    boneWeight = new (std::nothrow) float[influences]();
-    boneIndexFloat = new (std::nothrow) float[influences]();
+    boneIndex = countedZeroed<uint8_t>(influences);
+    boneWeight = countedZeroed<float>(influences);
+    boneIndexFloat = countedZeroed<float>(influences);
     const bool cpuSkinning = !PVSHADER::useSkinning();
     if (cpuSkinning) {
         // One spare element: the vector kernel writes four values at a time.
-        skinnedVertices = new (std::nothrow) GLfixed[size_t(nbVertices) * 3 + 1]();
-        skinnedNormals = new (std::nothrow) GLfixed[size_t(nbVertices) * 3 + 1]();
+        skinnedVertices = countedZeroed<GLfixed>(size_t(nbVertices) * 3 + 1);
+        skinnedNormals = countedZeroed<GLfixed>(size_t(nbVertices) * 3 + 1);
     }
     bonesPerVertex = static_cast<uint16_t>(perVertex);
     if (boneIndex && boneWeight && boneIndexFloat && (!cpuSkinning || (skinnedVertices && skinnedNormals)))
@@ -181,24 +202,22 @@ bool PVMESH::allocateInfluences(unsigned int perVertex)
 
 bool PVMESH::allocateBones(unsigned int boneCount)
 {
-    delete[] bones;
-    bones = new (std::nothrow) PVBONE[boneCount + 1]();
+    releaseCounted(bones);
+    bones = countedZeroed<PVBONE>(boneCount + 1);
+    for (unsigned int b = 0; bones && b <= boneCount; b++)
+        new (&bones[b]) PVBONE();
     nbBones = bones ? static_cast<uint16_t>(boneCount) : 0;
     return bones != nullptr;
 }
 
 void PVMESH::releaseSkin()
 {
-    delete[] boneIndex;
-    delete[] boneWeight;
-    delete[] boneIndexFloat;
-    delete[] bones;
-    delete[] skinnedVertices;
-    delete[] skinnedNormals;
-    boneIndex = nullptr;
-    boneWeight = boneIndexFloat = nullptr;
-    bones = nullptr;
-    skinnedVertices = skinnedNormals = nullptr;
+    releaseCounted(boneIndex);
+    releaseCounted(boneWeight);
+    releaseCounted(boneIndexFloat);
+    releaseCounted(bones);
+    releaseCounted(skinnedVertices);
+    releaseCounted(skinnedNormals);
     bonesPerVertex = nbBones = 0;
 }
 

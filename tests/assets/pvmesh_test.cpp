@@ -207,6 +207,24 @@ TEST_F(Skinning, UnskinnedMeshesAreLeftAloneWhateverTheSlot)
     EXPECT_EQ("", log.text());
 }
 
+// The skin's six tables (influence indices, weights, indices as floats,
+// bone records, skinned positions and normals) are counted memory, given
+// back with the mesh.
+TEST_F(Skinning, SkinTablesAreCountedAndGivenBack)
+{
+    const kvfMemoryStats before = kvfGetMemoryStats();
+    PVMESH* mesh = new PVMESH();
+    const GLfixed vertex[9] = {0, 0, 0, 65536, 0, 0, 0, 65536, 0};
+    ASSERT_TRUE(mesh->setGeometry(3, vertex, vertex, nullptr, 0, nullptr));
+    const unsigned int geometryBlocks = kvfGetMemoryStats().allocations - before.allocations;
+    const uint8_t indices[3] = {0, 0, 1};
+    const float weights[3] = {1, 1, 1};
+    ASSERT_TRUE(mesh->setSkin(1, indices, weights, 2, nullptr));
+    EXPECT_EQ(geometryBlocks + 6, kvfGetMemoryStats().allocations - before.allocations);
+    delete mesh;
+    EXPECT_EQ(before.ratio, kvfGetMemoryStats().ratio);
+}
+
 // ---------------------------------------------------------------- drawing
 
 const Rgb background {0, 0, 0};
