@@ -225,6 +225,39 @@ TEST_F(Skinning, SkinTablesAreCountedAndGivenBack)
     EXPECT_EQ(before.ratio, kvfGetMemoryStats().ratio);
 }
 
+// Binding names each missing bone on its own line inside the progress line;
+// the missing bone keeps no node and the identity matrix, the found one its
+// node.
+TEST_F(Skinning, MissingBonesAreNamedWhenBinding)
+{
+    PVNODE* root = new PVNODE();
+    PVNODE* arm = new PVNODE();
+    arm->setName((char*)"arm");
+    arm->setPosition(0, 2, 0);
+    arm->link(root);
+    PVMESH* mesh = new PVMESH();
+    mesh->setName((char*)"body");
+    mesh->link(root);
+    const GLfixed vertex[3] = {0, 0, 0};
+    ASSERT_TRUE(mesh->setGeometry(1, vertex, vertex, nullptr, 0, nullptr));
+    const uint8_t indices[1] = {0};
+    const float weights[1] = {1};
+    const char* names[] = {"leg", "arm", "tail"};
+    ASSERT_TRUE(mesh->setSkin(1, indices, weights, 3, names));
+    mesh->getBone(0)->inverseBind.m[12] = 5;
+    EXPECT_TRUE(mesh->resetBones(root));
+    EXPECT_EQ("   Building bones for body...    [!] Bone leg not found @ PVMESH::recursiveLoadKVE\n"
+              "   [!] Bone tail not found @ PVMESH::recursiveLoadKVE\n"
+              "done\n",
+              log.text());
+    EXPECT_EQ(nullptr, mesh->getBone(0)->node);
+    const K3MMATRIX identity;
+    EXPECT_EQ(std::vector<float>(identity.m, identity.m + 16),
+              std::vector<float>(mesh->getBone(0)->inverseBind.m, mesh->getBone(0)->inverseBind.m + 16));
+    EXPECT_EQ(arm, mesh->getBone(1)->node);
+    EXPECT_FLOAT_EQ(-2, mesh->getBone(1)->inverseBind.m[13]);
+}
+
 // ---------------------------------------------------------------- drawing
 
 const Rgb background {0, 0, 0};
