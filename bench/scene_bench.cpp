@@ -1,5 +1,6 @@
 // Scene graph costs: one frame of the render list (reset, pass, sort3D; no
-// drawing) over 1024 nodes in a three-level tree, and a world matrix at depth 8.
+// drawing) over 1024 nodes in a three-level tree, a world matrix at depth 8,
+// and filling the registry and a parent's children.
 #include <benchmark/benchmark.h>
 
 #include <pevrano.h>
@@ -100,5 +101,27 @@ void BM_NodeRegistryFill(benchmark::State& state)
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_NodeRegistryFill)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+
+// Linking n siblings under one parent, as a loaded interface of n boxes
+// does (the nodes are made and deleted in the same iteration, within the
+// 65535 ids the identifier table gives): the fitted
+// complexity must stay O(n), not O(n^2).
+void BM_LinkSiblings(benchmark::State& state)
+{
+    std::vector<PVNODE*> nodes(static_cast<size_t>(state.range(0)));
+    for (auto _ : state) {
+        PVNODE* parent = new PVNODE();
+        for (PVNODE*& node : nodes) {
+            node = new PVNODE();
+            node->link(parent);
+        }
+        benchmark::DoNotOptimize(parent->getChild(parent->getNumberOfChildren() - 1));
+        for (PVNODE* node : nodes)
+            delete node;
+        delete parent;
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_LinkSiblings)->RangeMultiplier(4)->Range(1024, 32768)->Complexity();
 
 }  // namespace

@@ -193,7 +193,11 @@ protected:
     PVNODE* nextNode;
     unsigned int numberOfChildren;
     PVNODE* parent;
+    // The first numberOfChildren entries are the children; the storage holds
+    // childCapacity and grows geometrically, so linking many siblings takes
+    // linear time.
     PVNODE** children;
+    unsigned int childCapacity;
 
     static PVNODE* firstNode;
 
@@ -211,7 +215,8 @@ private:
         vector.y = y;
     }
     int findChildIndex(const PVNODE* child) const;
-    bool replaceChildren(PVNODE** newChildren, unsigned int count);
+    void releaseChildren();
+    bool reserveChildren(unsigned int count);
 };
 
 #endif
