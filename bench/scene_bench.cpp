@@ -6,6 +6,8 @@
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace {
@@ -123,5 +125,50 @@ void BM_LinkSiblings(benchmark::State& state)
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_LinkSiblings)->RangeMultiplier(4)->Range(1024, 32768)->Complexity();
+
+// A scene file in memory: a root node with eight plain children and no
+// material.
+std::string smallSceneFile()
+{
+    std::string bytes("PVE file v1.6a", 15);
+    bytes.append(2, '\0');  // no material
+    const auto node = [&bytes](uint16_t children) {
+        const float place[6] = {1, 2, 3, 0, 0, 0};
+        bytes += '\0';  // plain node
+        bytes.append(4, '\0');  // auxiliary id
+        bytes.append("node", 5);
+        bytes.append(reinterpret_cast<const char*>(place), sizeof place);
+        bytes.append(reinterpret_cast<const char*>(&children), 2);
+    };
+    node(8);
+    for (int i = 0; i < 8; i++)
+        node(0);
+    return bytes;
+}
+
+// Loading a small scene while n other nodes are alive, as an application
+// that keeps loading does: the fitted complexity must be O(1), the load
+// never walking the nodes already there.
+void BM_LoadSceneBehindNodes(benchmark::State& state)
+{
+    if (!engineStarted()) {
+        state.SkipWithError("engine did not start");
+        return;
+    }
+    std::vector<PVNODE*> resident(static_cast<size_t>(state.range(0)));
+    for (PVNODE*& node : resident)
+        node = new PVNODE();
+    const std::string file = smallSceneFile();
+    for (auto _ : state) {
+        PVNODE* root = PEVRANO::loadBuffer(file.data(), file.size(), "small.pve");
+        for (unsigned int i = 0; root && i < root->getNumberOfChildren(); i++)
+            delete root->getChild(i);
+        delete root;
+    }
+    for (PVNODE* node : resident)
+        delete node;
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_LoadSceneBehindNodes)->RangeMultiplier(8)->Range(64, 32768)->Complexity();
 
 }  // namespace

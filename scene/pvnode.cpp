@@ -56,6 +56,8 @@ PVNODE::~PVNODE()
 
 bool PVNODE::render(void*) { return false; }
 
+PVNODE* PVNODE::getLastNode() { return Registry::last(); }
+
 void PVNODE::setDefaultName(const char* format)
 {
     snprintf(name, sizeof(name), format, static_cast<int>(id));

@@ -142,6 +142,8 @@ public:
 
     // Registry.
     static PVNODE* getFirstNode() { return firstNode; }
+    // The most recently constructed live node, null when there is none.
+    static PVNODE* getLastNode();
     static unsigned int getNumberOfNodes();
     static PVNODE* findByName(const char* wanted);
     static PVNODE* findById(unsigned int wanted);
