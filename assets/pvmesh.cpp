@@ -22,6 +22,7 @@
 PVMESH::SKELETON* PVMESH::skeletons = nullptr;
 unsigned int PVMESH::numberOfSkeletons = 0;
 bool PVMESH::normalsShown = false;
+PVMESH::BOUNDARRAYS PVMESH::bound = {nullptr, nullptr, nullptr};
 
 namespace {
 
@@ -372,24 +373,34 @@ void PVMESH::setSelectionColour(const void* element)
     }
 }
 
+void PVMESH::setArray(const void*& current, const void* pointer, void (*set)(const void*))
+{
+    if (current == pointer)
+        return;
+    set(pointer);
+    current = pointer;
+}
+
 void PVMESH::drawArrays(bool textured)
 {
     const bool skinned = bonesPerVertex != 0 && skinnedVertices;
     if (vertices) {
         PVOPENGL::vertexArrayOn();
-        glVertexPointer(3, GL_FIXED, 0, skinned ? skinnedVertices : vertices);
+        setArray(bound.vertices, skinned ? skinnedVertices : vertices,
+                 [](const void* p) { glVertexPointer(3, GL_FIXED, 0, p); });
     } else {
         PVOPENGL::vertexArrayOff();
     }
     if (normals) {
         PVOPENGL::normalArrayOn();
-        glNormalPointer(GL_FIXED, 0, skinned ? skinnedNormals : normals);
+        setArray(bound.normals, skinned ? skinnedNormals : normals,
+                 [](const void* p) { glNormalPointer(GL_FIXED, 0, p); });
     } else {
         PVOPENGL::normalArrayOff();
     }
     if (uvs && textured) {
         PVOPENGL::textureArrayOn();
-        glTexCoordPointer(2, GL_FIXED, 0, uvs);
+        setArray(bound.uvs, uvs, [](const void* p) { glTexCoordPointer(2, GL_FIXED, 0, p); });
     } else {
         PVOPENGL::textureArrayOff();
     }
@@ -449,6 +460,7 @@ bool PVMESH::render(void* element)
     else
         PVOPENGL::twoSideOff();
     const bool textured = profile != PV_OPENGL_PROFILE_SELECTION;
+    bound = {nullptr, nullptr, nullptr};
     if (transparent) {
         PVOPENGL::cullingOn();
         glCullFace(GL_FRONT);

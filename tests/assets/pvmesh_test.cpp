@@ -4,7 +4,9 @@
 // bone moves).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "support/glfixture.h"
 #include "support/pvewriter.h"
 #include "support/testaccess.h"
+#include "tgafile.h"
 
 using namespace pvtest;
 
@@ -343,11 +346,13 @@ TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
     file.light("eye", 0, {0, 0, 0}, {0, 0, -1}, 180, {1, 1, 1}).mesh(glass);
     PVNODE* root = load(file);
     ASSERT_NE(nullptr, root);
-    const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx"};
+    const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx",
+                                              "glVertexPointer"};
     record([&] { drawFrame(root, nullptr); });
+    // The arrays are set once for both draws.
     EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glCullFace(GL_FRONT)",
-                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)", "glCullFace(GL_BACK)",
-                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
+                      "glVertexPointer(3,GL_FIXED,0)", "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)",
+                      "glCullFace(GL_BACK)", "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
               recorder.filter(drawing));
     EXPECT_TRUE(PVOPENGL::isCulled());
 
@@ -355,7 +360,7 @@ TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
     root->getChild(0)->unlink();
     PVLIGHT::lightingOff();
     record([&] { drawFrame(root, nullptr); });
-    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
+    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)", "glVertexPointer(3,GL_FIXED,0)",
                       "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
               recorder.filter(drawing));
 }
@@ -387,6 +392,60 @@ TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
     drawFrame(root, nullptr);
     expectColour(background, pixelOf(0, 0, -5), "where the skin was");
     expectColour({1, 0, 0}, pixelOf(2, 0, -5), "skin moved with its bone");
+}
+
+// A grid of quads sharing one textured material, none overlapping, under
+// four point lights: after the first quad, each draws with its matrix and
+// its draw call alone (lights keep their slots, material, texture and
+// arrays stay set), and every quad shows the same lit texture.
+TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
+{
+    std::string texel;
+    for (int i = 0; i < 4; i++)
+        texel += std::string("\xC0\x80\x40", 3);
+    writeFile("grey.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, Bytes(texel.begin(), texel.end())));
+    PveMaterial textured = colour("textured", {1, 1, 1, 1});
+    textured.texture = "grey.tga";
+    PveWriter file;
+    const int side = 3;
+    file.materials({textured}).node("root", {0, 0, 0}, side * side + 4);
+    const PveVec lights[4] = {{-3, 3, -4}, {3, 3, -4}, {-3, -3, -4}, {3, -3, -4}};
+    for (const PveVec& at : lights)
+        file.light("lamp", 0, at, {0, 0, -1}, 180, {0.25f, 0.25f, 0.25f});
+    for (int i = 0; i < side * side; i++) {
+        PveMesh quad = pveQuad("quad", 0.4f, "textured");
+        quad.position = {float(i % side) - 1, float(i / side) - 1, -6};
+        file.mesh(quad);
+    }
+    PVNODE* root = load(file);
+    ASSERT_NE(nullptr, root);
+    record([&] { drawFrame(root, nullptr); });
+    const Calls& calls = recorder.calls();
+    const auto firstDraw = std::find_if(calls.begin(), calls.end(), [](const std::string& call) {
+        return GlRecorder::functionOf(call) == "glDrawElements";
+    });
+    std::map<std::string, size_t> after;
+    for (auto call = firstDraw + 1; call < calls.end(); ++call)
+        after[GlRecorder::functionOf(*call)]++;
+    const size_t others = size_t(side * side - 1);
+    // Each loaded quad has arrays of its own: three pointers per quad.
+    EXPECT_EQ((std::map<std::string, size_t> {{"glDrawElements", others},
+                                              {"glLoadMatrixx", others},
+                                              {"glNormalPointer", others},
+                                              {"glTexCoordPointer", others},
+                                              {"glVertexPointer", others}}),
+              after)
+        << recorder.text();
+    // Texel (0.25, 0.5, 0.75) under four lights of diffuse 0.25 at N.L =
+    // 2 / sqrt(22) for the middle quad; mirror images show the same colour
+    // whichever slots their lights took.
+    const double lit = 4 * 0.25 * 2 / std::sqrt(22.0);
+    expectColour({0.25 * lit, 0.5 * lit, 0.75 * lit}, pixelOf(0, 0, -6), "middle quad");
+    for (int corner = 0; corner < 4; corner++) {
+        const double x = corner % 2 ? 1 : -1, y = corner / 2 ? 1 : -1;
+        expectColour(pixelOf(-1, -1, -6), pixelOf(x, y, -6), "corner quad");
+        expectColour(pixelOf(0, -1, -6), pixelOf(corner % 2 ? 0 : x, corner % 2 ? y : 0, -6), "edge quad");
+    }
 }
 
 // Seventeen skinned meshes in one frame: the last finds the cache full, is
