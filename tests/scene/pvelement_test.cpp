@@ -512,7 +512,10 @@ TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
         EXPECT_LT(order[i - 1]->getPosition().z, order[i]->getPosition().z) << "at " << i;
 }
 
-TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
+// A pass works every node's matrix out on the CPU: it makes no GL call, its
+// records hold each node's transform after its parents', and the current
+// matrix is as before.
+TEST_F(RenderList, APassWorksOutMatricesWithoutGLCalls)
 {
     start(16);
     PVNODE* root = make("root", PV_TYPE_NODE, {1, 2, 3});
@@ -523,21 +526,18 @@ TEST_F(RenderList, APassMakesOnePushAndPopPerNodeAroundItsTransform)
     child->setMatrix(m);
     child->setPositioning(PV_POSITIONING_MATRIX);
     make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
+    PV_glTranslatef(0, 0, -4);
 
-    EXPECT_EQ((pvtest::Calls {
-                  "glPushMatrix()",
-                  "glTranslatex(65536,131072,196608)",
-                  "glRotatex(5898240,65536,0,0)",
-                  "glRotatex(0,0,65536,0)",
-                  "glRotatex(-2949120,0,0,65536)",
-                  "glPushMatrix()",
-                  "glMultMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,32768,0,0,65536})",
-                  "glPopMatrix()",
-                  "glPushMatrix()",
-                  "glPopMatrix()",
-                  "glPopMatrix()",
-              }),
-              record([&] { root->pass(false); }));
+    EXPECT_EQ(pvtest::Calls {}, record([&] { root->pass(false); }));
+    using pvtest::Mat4;
+    const Mat4 parent =
+        Mat4::translation(0, 0, -4) * Mat4::translation(1, 2, 3) * Mat4::rotationX(90) * Mat4::rotationZ(-45);
+    expectMatrixNear(parent * Mat4::translation(0.5, 0, 0), PVELEMENT::getPassedElement(0)->getMatrix()->m,
+                     "matrix positioning");
+    expectMatrixNear(parent, PVELEMENT::getPassedElement(1)->getMatrix()->m, "no positioning");
+    K3MMATRIX current;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, current.m);
+    expectMatrixNear(Mat4::translation(0, 0, -4), current.m, "after the pass");
 }
 
 }  // namespace
