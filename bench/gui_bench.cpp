@@ -4,18 +4,17 @@
 // captioned buttons). Draw calls are counted at the GL entry point.
 #include <benchmark/benchmark.h>
 
-#include <dlfcn.h>
-
 #include <string>
 #include <vector>
 
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include "glcalls.h"
 
 namespace {
 
-long drawCalls = 0;
+long& drawCalls = pvbench::glCalls().draws;
 
 using pvbench::engineStarted;
 
@@ -119,20 +118,3 @@ void BM_WidgetFrame50(benchmark::State& state)
 BENCHMARK(BM_WidgetFrame50)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-// Counts the engine's draw calls on their way to GL.
-extern "C" void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
-{
-    static const auto real =
-        reinterpret_cast<void (*)(GLenum, GLsizei, GLenum, const void*)>(dlsym(RTLD_NEXT, "glDrawElements"));
-    drawCalls++;
-    real(mode, count, type, indices);
-}
-
-extern "C" void glDrawArrays(GLenum mode, GLint first, GLsizei count)
-{
-    static const auto real =
-        reinterpret_cast<void (*)(GLenum, GLint, GLsizei)>(dlsym(RTLD_NEXT, "glDrawArrays"));
-    drawCalls++;
-    real(mode, first, count);
-}
