@@ -242,10 +242,11 @@ void floorFrame(const FLOOR& floor, const CUBE& cube)
 // Each iteration draws one engine frame of the scene under root and one
 // floor frame, so that both see the same machine load; the counters give
 // their rates, their ratios and their GL calls per cube.
-void runCubeFrames(benchmark::State& state, PVNODE* root, GLuint texture, const CUBE& cube)
+void runCubeFrames(benchmark::State& state, PVNODE* root, PVTEXTURE* texture, const CUBE& cube)
 {
+    // The texture is uploaded by the first frame that draws it.
     engineFrame(root);
-    const FLOOR floor = floorFromEngineFrame(texture);
+    const FLOOR floor = floorFromEngineFrame(texture->getGLId());
     double engineWall = 0, engineCpu = 0, floorWall = 0, floorCpu = 0;
     long engineCalls = 0, floorCalls = 0;
     pvbench::GLCALLCOUNTS& calls = pvbench::glCalls();
@@ -287,7 +288,7 @@ void BM_CubeFrame(benchmark::State& state)
     }
     const CUBE cube = cubeGeometry(0.4f);
     CUBESCENE scene = buildCubeScene(int(state.range(0)), cube);
-    runCubeFrames(state, scene.root, scene.texture->getGLId(), cube);
+    runCubeFrames(state, scene.root, scene.texture, cube);
 }
 // 1020 cubes and 4 lights fill the largest render list (1024 records); with
 // more, the lights, passed last, would be left out.
@@ -353,7 +354,7 @@ void BM_CubeFrameSpreadFromFile(benchmark::State& state)
         state.SkipWithError("scene did not load");
         return;
     }
-    runCubeFrames(state, root, texture->getGLId(), cube);
+    runCubeFrames(state, root, texture, cube);
 }
 BENCHMARK(BM_CubeFrameSpreadFromFile)
     ->Arg(64)
