@@ -105,23 +105,25 @@ void BM_NodeRegistryFill(benchmark::State& state)
 BENCHMARK(BM_NodeRegistryFill)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
 
 // Linking n siblings under one parent, as a loaded interface of n boxes
-// does (the nodes are made and deleted in the same iteration, within the
-// 65535 ids the identifier table gives): the fitted
+// does, then unlinking them newest first (the nodes themselves are made
+// once, within the 65535 ids the identifier table gives): the fitted
 // complexity must stay O(n), not O(n^2).
 void BM_LinkSiblings(benchmark::State& state)
 {
+    PVNODE* parent = new PVNODE();
     std::vector<PVNODE*> nodes(static_cast<size_t>(state.range(0)));
+    for (PVNODE*& node : nodes)
+        node = new PVNODE();
     for (auto _ : state) {
-        PVNODE* parent = new PVNODE();
-        for (PVNODE*& node : nodes) {
-            node = new PVNODE();
-            node->link(parent);
-        }
-        benchmark::DoNotOptimize(parent->getChild(parent->getNumberOfChildren() - 1));
         for (PVNODE* node : nodes)
-            delete node;
-        delete parent;
+            node->link(parent);
+        benchmark::DoNotOptimize(parent->getChild(parent->getNumberOfChildren() - 1));
+        for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+            (*node)->unlink();
     }
+    for (PVNODE* node : nodes)
+        delete node;
+    delete parent;
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_LinkSiblings)->RangeMultiplier(4)->Range(1024, 32768)->Complexity();

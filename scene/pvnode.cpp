@@ -130,9 +130,10 @@ bool PVNODE::reserveChildren(unsigned int count)
     return true;
 }
 
+// From the last child back: the newest children are the likeliest to go.
 int PVNODE::findChildIndex(const PVNODE* child) const
 {
-    for (unsigned int i = 0; children && i < numberOfChildren; i++)
+    for (unsigned int i = numberOfChildren; children && i-- > 0;)
         if (children[i] == child)
             return static_cast<int>(i);
     return -1;
