@@ -129,14 +129,6 @@ bool readMaterials(KVFREADER& reader, const char* fileName)
     return true;
 }
 
-PVNODE* lastNode()
-{
-    PVNODE* last = PVNODE::getFirstNode();
-    while (last && last->getNextNode())
-        last = last->getNextNode();
-    return last;
-}
-
 // Deletes every node registered after `last` (all of them when it is null).
 void deleteNodesAfter(PVNODE* last)
 {
@@ -221,7 +213,7 @@ PVNODE* PEVRANO::loadBuffer(const char* buffer, size_t size, const char* fileNam
     KVFREADER reader(buffer, size);
     if (!readHeader(reader, fileName))
         return nullptr;
-    PVNODE* lastBefore = lastNode();
+    PVNODE* lastBefore = PVNODE::getLastNode();
     PVNODE* root = nullptr;
     if (readMaterials(reader, fileName)) {
         loadedNodes = 0;

@@ -6,7 +6,6 @@
 // (the floor in the same run). Draw calls are counted at the GL entry point.
 #include <benchmark/benchmark.h>
 
-#include <dlfcn.h>
 #include <sys/resource.h>
 
 #include <string>
@@ -15,10 +14,11 @@
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include "glcalls.h"
 
 namespace {
 
-long drawCalls = 0;
+long& drawCalls = pvbench::glCalls().draws;
 
 // Minor page faults of the process so far (a fault each time a freed page
 // comes back into use).
@@ -248,20 +248,3 @@ void BM_BoxFrame1000OneDrawPerPiece(benchmark::State& state) { boxFrame<OneDrawP
 BENCHMARK(BM_BoxFrame1000OneDrawPerPiece)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-// Counts the engine's draw calls on their way to GL.
-extern "C" void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
-{
-    static const auto real =
-        reinterpret_cast<void (*)(GLenum, GLsizei, GLenum, const void*)>(dlsym(RTLD_NEXT, "glDrawElements"));
-    drawCalls++;
-    real(mode, count, type, indices);
-}
-
-extern "C" void glDrawArrays(GLenum mode, GLint first, GLsizei count)
-{
-    static const auto real =
-        reinterpret_cast<void (*)(GLenum, GLint, GLsizei)>(dlsym(RTLD_NEXT, "glDrawArrays"));
-    drawCalls++;
-    real(mode, first, count);
-}

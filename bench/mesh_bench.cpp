@@ -3,7 +3,9 @@
 // cube meshes under 4 point lights, 640x480 off-screen, against a raw
 // fixed-point GL loop drawing the same cubes in the same iteration (one
 // glLoadMatrixx and one glDrawElements per cube): fps and CPU time per
-// frame, and their engine/floor ratios.
+// frame, their engine/floor ratios, and GL calls per cube. The same frame
+// once more with the scene loaded from a scene file and the cubes spread
+// so that none overlaps.
 #include <benchmark/benchmark.h>
 
 #include <time.h>
@@ -16,6 +18,9 @@
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include "glcalls.h"
+#include "pvewriter.h"
+#include "support/scratch.h"
 
 namespace {
 
@@ -193,7 +198,7 @@ struct FLOOR {
     GLuint texture;
 };
 
-FLOOR floorFromEngineFrame(const CUBESCENE& scene)
+FLOOR floorFromEngineFrame(GLuint texture)
 {
     FLOOR floor;
     for (unsigned int i = 0; i < PVELEMENT::getNumberOfPassedElements(); i++) {
@@ -206,7 +211,7 @@ FLOOR floorFromEngineFrame(const CUBESCENE& scene)
         else
             floor.matrices.push_back(fixed);
     }
-    floor.texture = scene.texture->getGLId();
+    floor.texture = texture;
     return floor;
 }
 
@@ -234,44 +239,128 @@ void floorFrame(const FLOOR& floor, const CUBE& cube)
     PEVRANO::swap();
 }
 
-// Each iteration draws one engine frame and one floor frame, so that both
-// see the same machine load; the counters give their rates and ratios.
-void BM_CubeFrame(benchmark::State& state)
+// Each iteration draws one engine frame of the scene under root and one
+// floor frame, so that both see the same machine load; the counters give
+// their rates, their ratios and their GL calls per cube.
+void runCubeFrames(benchmark::State& state, PVNODE* root, PVTEXTURE* texture, const CUBE& cube)
 {
-    if (!engineStarted()) {
-        state.SkipWithError("engine did not start");
-        return;
-    }
-    const int count = int(state.range(0));
-    const CUBE cube = cubeGeometry(0.4f);
-    CUBESCENE scene = buildCubeScene(count, cube);
-    engineFrame(scene.root);
-    const FLOOR floor = floorFromEngineFrame(scene);
+    // The texture is uploaded by the first frame that draws it.
+    engineFrame(root);
+    const FLOOR floor = floorFromEngineFrame(texture->getGLId());
     double engineWall = 0, engineCpu = 0, floorWall = 0, floorCpu = 0;
+    long engineCalls = 0, floorCalls = 0;
+    pvbench::GLCALLCOUNTS& calls = pvbench::glCalls();
     for (auto _ : state) {
         double wall = wallSeconds(), cpu = cpuSeconds();
-        engineFrame(scene.root);
+        long before = calls.all;
+        engineFrame(root);
         engineWall += wallSeconds() - wall;
         engineCpu += cpuSeconds() - cpu;
+        engineCalls += calls.all - before;
         wall = wallSeconds();
         cpu = cpuSeconds();
+        before = calls.all;
         floorFrame(floor, cube);
         floorWall += wallSeconds() - wall;
         floorCpu += cpuSeconds() - cpu;
+        floorCalls += calls.all - before;
     }
     const double frames = double(state.iterations());
+    const double objects = frames * double(floor.matrices.size());
     state.counters["engine_fps"] = frames / engineWall;
     state.counters["floor_fps"] = frames / floorWall;
     state.counters["fps_ratio"] = floorWall / engineWall;
     state.counters["engine_cpu_us"] = engineCpu / frames * 1e6;
     state.counters["floor_cpu_us"] = floorCpu / frames * 1e6;
     state.counters["cpu_ratio"] = engineCpu / floorCpu;
+    state.counters["engine_gl_per_object"] = double(engineCalls) / objects;
+    state.counters["floor_gl_per_object"] = double(floorCalls) / objects;
     PVNODE::cleanUp();
     PVMATERIAL::cleanUp();
     PVTEXTURE::cleanUp();
 }
+
+void BM_CubeFrame(benchmark::State& state)
+{
+    if (!engineStarted()) {
+        state.SkipWithError("engine did not start");
+        return;
+    }
+    const CUBE cube = cubeGeometry(0.4f);
+    CUBESCENE scene = buildCubeScene(int(state.range(0)), cube);
+    runCubeFrames(state, scene.root, scene.texture, cube);
+}
 // 1020 cubes and 4 lights fill the largest render list (1024 records); with
 // more, the lights, passed last, would be left out.
 BENCHMARK(BM_CubeFrame)->Arg(64)->Arg(256)->Arg(1020)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The spread-out scene: the same cubes, lights and texture written to a
+// scene file and loaded from it, the cubes on a grid one unit apart (none
+// overlaps another on screen) and far enough to fit the view.
+std::vector<float> unfixed(const std::vector<GLfixed>& values)
+{
+    std::vector<float> result;
+    for (GLfixed value : values)
+        result.push_back(float(value) / 65536.0f);
+    return result;
+}
+
+std::string writeSpreadScene(int count, const CUBE& cube)
+{
+    const std::vector<unsigned char> tga = checkerTga();
+    pvtest::writeFile("checker.tga", std::string(tga.begin(), tga.end()));
+    pvtest::PveMaterial material;
+    material.name = "checker";
+    material.texture = "checker.tga";
+    pvtest::PveWriter file;
+    file.materials({material}).node("root", {0, 0, 0}, uint16_t(count + 4));
+    const int side = int(std::ceil(std::sqrt(double(count))));
+    const float half = float(side) / 2.0f;
+    // The grid's half width fills about 90 % of the half view height.
+    const float depth = -(half / 0.9f) / std::tan(22.5f * float(M_PI) / 180.0f);
+    const pvtest::PveVec lights[4] = {{-half, half, depth + 4},
+                                      {half, half, depth + 4},
+                                      {-half, -half, depth + 4},
+                                      {half, -half, depth + 4}};
+    for (const pvtest::PveVec& at : lights)
+        file.light("lamp", 0, at, {0, 0, -1}, 180, {0.7f, 0.7f, 0.7f});
+    pvtest::PveMesh mesh;
+    mesh.name = "cube";
+    mesh.material = "checker";
+    mesh.radius = 0.7f;
+    mesh.vertices = unfixed(cube.positions);
+    mesh.normals = unfixed(cube.normals);
+    mesh.uvs = unfixed(cube.uvs);
+    for (const PVFACE& face : cube.faces)
+        mesh.faces.insert(mesh.faces.end(), {face.index[0], face.index[1], face.index[2]});
+    mesh.faceNormals.assign(cube.faces.size() * 3, 0.0f);
+    for (int i = 0; i < count; i++) {
+        mesh.position = {float(i % side) - half + 0.5f, float(i / side) - half + 0.5f, depth};
+        file.mesh(mesh);
+    }
+    return file.save("spread.pve");
+}
+
+void BM_CubeFrameSpreadFromFile(benchmark::State& state)
+{
+    if (!engineStarted()) {
+        state.SkipWithError("engine did not start");
+        return;
+    }
+    const CUBE cube = cubeGeometry(0.4f);
+    PVNODE* root = PEVRANO::load(writeSpreadScene(int(state.range(0)), cube).c_str());
+    PVTEXTURE* texture = PVTEXTURE::findByFilename("checker.tga");
+    if (!root || !texture) {
+        state.SkipWithError("scene did not load");
+        return;
+    }
+    runCubeFrames(state, root, texture, cube);
+}
+BENCHMARK(BM_CubeFrameSpreadFromFile)
+    ->Arg(64)
+    ->Arg(256)
+    ->Arg(1020)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace

@@ -1,10 +1,13 @@
 // Scene graph costs: one frame of the render list (reset, pass, sort3D; no
-// drawing) over 1024 nodes in a three-level tree, and a world matrix at depth 8.
+// drawing) over 1024 nodes in a three-level tree, a world matrix at depth 8,
+// and filling the registry and a parent's children.
 #include <benchmark/benchmark.h>
 
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace {
@@ -100,5 +103,74 @@ void BM_NodeRegistryFill(benchmark::State& state)
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_NodeRegistryFill)->RangeMultiplier(4)->Range(1024, 16384)->Complexity();
+
+// Linking n siblings under one parent, as a loaded interface of n boxes
+// does, then unlinking them newest first (the nodes themselves are made
+// once, within the 65535 ids the identifier table gives): the fitted
+// complexity must stay O(n), not O(n^2).
+void BM_LinkSiblings(benchmark::State& state)
+{
+    PVNODE* parent = new PVNODE();
+    std::vector<PVNODE*> nodes(static_cast<size_t>(state.range(0)));
+    for (PVNODE*& node : nodes)
+        node = new PVNODE();
+    for (auto _ : state) {
+        for (PVNODE* node : nodes)
+            node->link(parent);
+        benchmark::DoNotOptimize(parent->getChild(parent->getNumberOfChildren() - 1));
+        for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+            (*node)->unlink();
+    }
+    for (PVNODE* node : nodes)
+        delete node;
+    delete parent;
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_LinkSiblings)->RangeMultiplier(4)->Range(1024, 32768)->Complexity();
+
+// A scene file in memory: a root node with eight plain children and no
+// material.
+std::string smallSceneFile()
+{
+    std::string bytes("PVE file v1.6a", 15);
+    bytes.append(2, '\0');  // no material
+    const auto node = [&bytes](uint16_t children) {
+        const float place[6] = {1, 2, 3, 0, 0, 0};
+        bytes += '\0';  // plain node
+        bytes.append(4, '\0');  // auxiliary id
+        bytes.append("node", 5);
+        bytes.append(reinterpret_cast<const char*>(place), sizeof place);
+        bytes.append(reinterpret_cast<const char*>(&children), 2);
+    };
+    node(8);
+    for (int i = 0; i < 8; i++)
+        node(0);
+    return bytes;
+}
+
+// Loading a small scene while n other nodes are alive, as an application
+// that keeps loading does: the fitted complexity must be O(1), the load
+// never walking the nodes already there.
+void BM_LoadSceneBehindNodes(benchmark::State& state)
+{
+    if (!engineStarted()) {
+        state.SkipWithError("engine did not start");
+        return;
+    }
+    std::vector<PVNODE*> resident(static_cast<size_t>(state.range(0)));
+    for (PVNODE*& node : resident)
+        node = new PVNODE();
+    const std::string file = smallSceneFile();
+    for (auto _ : state) {
+        PVNODE* root = PEVRANO::loadBuffer(file.data(), file.size(), "small.pve");
+        for (unsigned int i = 0; root && i < root->getNumberOfChildren(); i++)
+            delete root->getChild(i);
+        delete root;
+    }
+    for (PVNODE* node : resident)
+        delete node;
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_LoadSceneBehindNodes)->RangeMultiplier(8)->Range(64, 32768)->Complexity();
 
 }  // namespace

@@ -65,7 +65,17 @@ K3MMATRIX frustumMatrix(float l, float r, float b, float t, float n, float f)
     return fr;
 }
 
+// Set while only the shadow stacks follow the matrix functions.
+bool shadowOnly = false;
+
 }  // namespace
+
+bool PV_glShadowOnly(bool on)
+{
+    const bool previous = shadowOnly;
+    shadowOnly = on;
+    return previous;
+}
 
 void PV_glColor4f(float r, float g, float b, float a)
 {
@@ -123,7 +133,8 @@ void PV_glMatrixMode(GLenum mode)
 void PV_glLoadIdentity()
 {
     current().top().setIdentity();
-    glLoadIdentity();
+    if (!shadowOnly)
+        glLoadIdentity();
 }
 
 void PV_glLoadMatrixf(const float* m)
@@ -131,7 +142,8 @@ void PV_glLoadMatrixf(const float* m)
     current().top() = K3MMATRIX(m);
     GLfixed fixed[16];
     toFixed(m, fixed, 16);
-    glLoadMatrixx(fixed);
+    if (!shadowOnly)
+        glLoadMatrixx(fixed);
 }
 
 void PV_glMultMatrixf(const float* m)
@@ -139,7 +151,8 @@ void PV_glMultMatrixf(const float* m)
     premultiplyTop(K3MMATRIX(m));
     GLfixed fixed[16];
     toFixed(m, fixed, 16);
-    glMultMatrixx(fixed);
+    if (!shadowOnly)
+        glMultMatrixx(fixed);
 }
 
 void PV_glTranslatef(float x, float y, float z)
@@ -147,7 +160,8 @@ void PV_glTranslatef(float x, float y, float z)
     K3MMATRIX translation;
     translation.setTranslation(x, y, z);
     premultiplyTop(translation);
-    glTranslatex(PV_floatToFixed(x), PV_floatToFixed(y), PV_floatToFixed(z));
+    if (!shadowOnly)
+        glTranslatex(PV_floatToFixed(x), PV_floatToFixed(y), PV_floatToFixed(z));
 }
 
 void PV_glRotatef(float angle, float x, float y, float z)
@@ -155,7 +169,8 @@ void PV_glRotatef(float angle, float x, float y, float z)
     K3MMATRIX rotation;
     rotation.setRotation(angle, x, y, z);
     premultiplyTop(rotation);
-    glRotatex(PV_floatToFixed(angle), PV_floatToFixed(x), PV_floatToFixed(y), PV_floatToFixed(z));
+    if (!shadowOnly)
+        glRotatex(PV_floatToFixed(angle), PV_floatToFixed(x), PV_floatToFixed(y), PV_floatToFixed(z));
 }
 
 void PV_glOrtho(float left, float right, float bottom, float top, float zNear, float zFar)
@@ -181,7 +196,8 @@ void PV_glPushMatrix()
     }
     stack.depth++;
     stack.matrix[stack.depth] = stack.matrix[stack.depth - 1];
-    glPushMatrix();
+    if (!shadowOnly)
+        glPushMatrix();
 }
 
 void PV_glPopMatrix()
@@ -193,7 +209,8 @@ void PV_glPopMatrix()
     }
     stack.depth--;
     stack.matrix[stack.depth + 1].setIdentity();
-    glPopMatrix();
+    if (!shadowOnly)
+        glPopMatrix();
 }
 
 void PV_glGetFloatv(int which, float* out)

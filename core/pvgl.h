@@ -54,6 +54,11 @@ void PV_glOrtho(float left, float right, float bottom, float top, float zNear, f
 void PV_glFrustum(float left, float right, float bottom, float top, float zNear, float zFar);
 void PV_glPushMatrix();
 void PV_glPopMatrix();
+// While on, the matrix functions above change the shadow stacks only, not
+// GL's matrices: the render list's pass works out each node's matrix this
+// way (every draw loads its own), and its balanced pushes and pops leave
+// GL's matrix as it was. Returns the previous setting.
+bool PV_glShadowOnly(bool on);
 
 // Copies the top matrix of stack 0 (model-view) or 1 (projection) into
 // out (16 floats); any other selector copies nothing.

@@ -39,6 +39,9 @@ public:
         object->*Next = nullptr;
     }
 
+    // The last registered object, null when none is.
+    static T* last() { return tail; }
+
     static unsigned int count()
     {
         unsigned int total = 0;

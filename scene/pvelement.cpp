@@ -97,7 +97,12 @@ bool PVELEMENT::pass(PVNODE* node, bool flag)
         kvfLog("   [!] Scene too complex @ PVELEMENT::pass\n");
         return false;
     }
-    return passNode(node, flag);
+    // Nothing is drawn during the pass: its matrices are worked out on the
+    // CPU alone.
+    const bool wasShadowOnly = PV_glShadowOnly(true);
+    const bool passed = passNode(node, flag);
+    PV_glShadowOnly(wasShadowOnly);
+    return passed;
 }
 
 // The flag is not used: the first child of a minimised window is passed with

@@ -7,6 +7,7 @@
 #include "foundation/kvfreader.h"
 
 #include "scene/pvelement.h"
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -85,18 +86,56 @@ bool PVLIGHT::activateNearest(PVELEMENT* element)
         return false;
 
     PVELEMENT::sortLights(element->getMatrix()->getTranslation());
-    for (unsigned int i = 0; i < PVELEMENT::getNumberOfLights() && i < PV_ELEMENT_LIGHTS; i++) {
+    const unsigned int count = std::min(PVELEMENT::getNumberOfLights(), unsigned(PV_ELEMENT_LIGHTS));
+    unsigned int slots[PV_ELEMENT_LIGHTS];
+    assignSlots(count, slots);
+    for (unsigned int i = 0; i < count; i++) {
         PVELEMENT* lightElement = PVELEMENT::getLight(i);
-        PVNODE* node = lightElement ? lightElement->getNode() : nullptr;
-        if (node == nullptr || node->getType() != PV_TYPE_LIGHT) {
+        PVNODE* node = lightElement->getNode();
+        if (node->getType() != PV_TYPE_LIGHT) {
             kvfLog("   [!] Consistency error: invalid object passed as light @ PVLIGHT::activateNearest\n");
             return false;
         }
-        lightElement->setParam1(i);
+        lightElement->setParam1(slots[i]);
         node->render(lightElement);
         element->setNearestLight(i, lightElement);
     }
     return true;
+}
+
+void PVLIGHT::assignSlots(unsigned int count, unsigned int* slots)
+{
+    bool taken[PV_ELEMENT_LIGHTS] = {false, false, false, false};
+    const long stamp = PEVRANO::getTimeStamp();
+    bool allLights = true;
+    for (unsigned int i = 0; i < count; i++) {
+        const PVELEMENT* lightElement = PVELEMENT::getLight(i);
+        allLights = allLights && lightElement->getNode()->getType() == PV_TYPE_LIGHT;
+        slots[i] = PV_ELEMENT_LIGHTS;
+        for (unsigned int s = 0; s < count; s++) {
+            const SLOTSTATE& held = programmed[s];
+            if (!taken[s] && held.record == lightElement && held.stamp == stamp &&
+                held.light == lightElement->getNode()) {
+                slots[i] = s;
+                taken[s] = true;
+                break;
+            }
+        }
+    }
+    // With anything but lights among them, the slots follow the list, so
+    // that an aborted activation leaves the same slots programmed.
+    for (unsigned int i = 0, free = 0; i < count; i++) {
+        if (!allLights) {
+            slots[i] = i;
+            continue;
+        }
+        if (slots[i] != PV_ELEMENT_LIGHTS)
+            continue;
+        while (taken[free])
+            free++;
+        slots[i] = free;
+        taken[free] = true;
+    }
 }
 
 // A light aimed at its own target vector or at another node points there;

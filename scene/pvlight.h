@@ -81,6 +81,12 @@ private:
     // A destroyed light leaves the slots it held.
     void forgetSlots();
 
+    // Slots for the first `count` lights of the list: a light programmed in
+    // one of slots 0 to count-1 this frame keeps it, the others take the
+    // remaining ones in order. Which slot holds which light does not show in
+    // the picture, and a light that stays put costs no GL call.
+    static void assignSlots(unsigned int count, unsigned int* slots);
+
     void aim();
     bool readBody(KVFREADER& reader, uint16_t& children);
 

@@ -1,5 +1,6 @@
 #include "scene/pvnode.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -37,7 +38,8 @@ PVNODE::PVNODE() :
     nextNode(nullptr),
     numberOfChildren(0),
     parent(nullptr),
-    children(nullptr)
+    children(nullptr),
+    childCapacity(0)
 {
     setDefaultName("[node %d]");
     Registry::append(this);
@@ -48,11 +50,13 @@ PVNODE::PVNODE(bool) : PVNODE() {}
 PVNODE::~PVNODE()
 {
     kvfReleaseId(id);
-    replaceChildren(nullptr, 0);
+    releaseChildren();
     Registry::remove(this);
 }
 
 bool PVNODE::render(void*) { return false; }
+
+PVNODE* PVNODE::getLastNode() { return Registry::last(); }
 
 void PVNODE::setDefaultName(const char* format)
 {
@@ -97,19 +101,39 @@ void PVNODE::applyRotation(const K3MVECTOR3D& angles)
     PV_glRotatef(angles.z, 0.0f, 0.0f, 1.0f);
 }
 
-// Swaps in a new children array (from kvfMalloc, or null when count is 0).
-bool PVNODE::replaceChildren(PVNODE** newChildren, unsigned int count)
+void PVNODE::releaseChildren()
 {
     if (children)
         kvfFree(children);
-    children = newChildren;
-    numberOfChildren = count;
+    children = nullptr;
+    numberOfChildren = childCapacity = 0;
+}
+
+// Room for count children, at least doubling the storage when it grows.
+bool PVNODE::reserveChildren(unsigned int count)
+{
+    if (count <= childCapacity)
+        return true;
+    const size_t capacity = std::max<size_t>({count, 4, size_t(childCapacity) * 2});
+    const size_t bytes = capacity * sizeof(PVNODE*);
+    if (count == 0 || bytes > 0xFFFFFFFFu)
+        return false;
+    PVNODE** grown = static_cast<PVNODE**>(kvfMalloc(static_cast<unsigned int>(bytes)));
+    if (!grown)
+        return false;
+    if (numberOfChildren)
+        memcpy(grown, children, numberOfChildren * sizeof(PVNODE*));
+    if (children)
+        kvfFree(children);
+    children = grown;
+    childCapacity = static_cast<unsigned int>(capacity);
     return true;
 }
 
+// From the last child back: the newest children are the likeliest to go.
 int PVNODE::findChildIndex(const PVNODE* child) const
 {
-    for (unsigned int i = 0; children && i < numberOfChildren; i++)
+    for (unsigned int i = numberOfChildren; children && i-- > 0;)
         if (children[i] == child)
             return static_cast<int>(i);
     return -1;
@@ -125,16 +149,11 @@ bool PVNODE::link(PVNODE* parentNode)
         kvfLog("   [!] Node %s has already a parent @ PVNODE::link\n", name);
         return false;
     }
-    const unsigned int count = parentNode->numberOfChildren;
-    PVNODE** grown = static_cast<PVNODE**>(kvfMalloc((count + 1) * sizeof(PVNODE*)));
-    if (!grown) {
+    if (!parentNode->reserveChildren(parentNode->numberOfChildren + 1)) {
         kvfLog("   [!] Out of memory @ PVNODE::link\n");
         return false;
     }
-    if (count)
-        memcpy(grown, parentNode->children, count * sizeof(PVNODE*));
-    grown[count] = this;
-    parentNode->replaceChildren(grown, count + 1);
+    parentNode->children[parentNode->numberOfChildren++] = this;
     parent = parentNode;
     return true;
 }
@@ -147,7 +166,7 @@ bool PVNODE::unlink()
     }
     // An only child is taken out without looking it up.
     if (parent->numberOfChildren == 1) {
-        parent->replaceChildren(nullptr, 0);
+        parent->releaseChildren();
         parent = nullptr;
         return true;
     }
@@ -156,16 +175,10 @@ bool PVNODE::unlink()
         kvfLog("   [!] Consistency problem with %s @ PVNODE::unlink\n", name);
         return false;
     }
-    const unsigned int count = parent->numberOfChildren - 1;
-    PVNODE** shrunk = static_cast<PVNODE**>(kvfMalloc(count * sizeof(PVNODE*)));
-    if (!shrunk) {
-        kvfLog("   [!] Out of memory @ PVNODE::unlink\n");
-        return false;
-    }
-    for (unsigned int from = 0, to = 0; from <= count; from++)
-        if (from != static_cast<unsigned int>(index))
-            shrunk[to++] = parent->children[from];
-    parent->replaceChildren(shrunk, count);
+    PVNODE** siblings = parent->children;
+    const unsigned int following = parent->numberOfChildren - 1 - static_cast<unsigned int>(index);
+    memmove(siblings + index, siblings + index + 1, following * sizeof(PVNODE*));
+    parent->numberOfChildren--;
     parent = nullptr;
     return true;
 }

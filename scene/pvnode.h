@@ -142,6 +142,8 @@ public:
 
     // Registry.
     static PVNODE* getFirstNode() { return firstNode; }
+    // The most recently constructed live node, null when there is none.
+    static PVNODE* getLastNode();
     static unsigned int getNumberOfNodes();
     static PVNODE* findByName(const char* wanted);
     static PVNODE* findById(unsigned int wanted);
@@ -193,7 +195,11 @@ protected:
     PVNODE* nextNode;
     unsigned int numberOfChildren;
     PVNODE* parent;
+    // The first numberOfChildren entries are the children; the storage holds
+    // childCapacity and grows geometrically, so linking many siblings takes
+    // linear time.
     PVNODE** children;
+    unsigned int childCapacity;
 
     static PVNODE* firstNode;
 
@@ -211,7 +217,8 @@ private:
         vector.y = y;
     }
     int findChildIndex(const PVNODE* child) const;
-    bool replaceChildren(PVNODE** newChildren, unsigned int count);
+    void releaseChildren();
+    bool reserveChildren(unsigned int count);
 };
 
 #endif

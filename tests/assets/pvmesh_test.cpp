@@ -4,7 +4,9 @@
 // bone moves).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "scene/scenefixture.h"
 #include "support/glfixture.h"
 #include "support/testaccess.h"
+#include "tgafile.h"
 
 using namespace pvtest;
 
@@ -206,6 +209,57 @@ TEST_F(Skinning, UnskinnedMeshesAreLeftAloneWhateverTheSlot)
     EXPECT_EQ("", log.text());
 }
 
+// The skin's six tables (influence indices, weights, indices as floats,
+// bone records, skinned positions and normals) are counted memory, given
+// back with the mesh.
+TEST_F(Skinning, SkinTablesAreCountedAndGivenBack)
+{
+    const kvfMemoryStats before = kvfGetMemoryStats();
+    PVMESH* mesh = new PVMESH();
+    const GLfixed vertex[9] = {0, 0, 0, 65536, 0, 0, 0, 65536, 0};
+    ASSERT_TRUE(mesh->setGeometry(3, vertex, vertex, nullptr, 0, nullptr));
+    const unsigned int geometryBlocks = kvfGetMemoryStats().allocations - before.allocations;
+    const uint8_t indices[3] = {0, 0, 1};
+    const float weights[3] = {1, 1, 1};
+    ASSERT_TRUE(mesh->setSkin(1, indices, weights, 2, nullptr));
+    EXPECT_EQ(geometryBlocks + 6, kvfGetMemoryStats().allocations - before.allocations);
+    delete mesh;
+    EXPECT_EQ(before.ratio, kvfGetMemoryStats().ratio);
+}
+
+// Binding names each missing bone on its own line inside the progress line;
+// the missing bone keeps no node and the identity matrix, the found one its
+// node.
+TEST_F(Skinning, MissingBonesAreNamedWhenBinding)
+{
+    PVNODE* root = new PVNODE();
+    PVNODE* arm = new PVNODE();
+    arm->setName((char*)"arm");
+    arm->setPosition(0, 2, 0);
+    arm->link(root);
+    PVMESH* mesh = new PVMESH();
+    mesh->setName((char*)"body");
+    mesh->link(root);
+    const GLfixed vertex[3] = {0, 0, 0};
+    ASSERT_TRUE(mesh->setGeometry(1, vertex, vertex, nullptr, 0, nullptr));
+    const uint8_t indices[1] = {0};
+    const float weights[1] = {1};
+    const char* names[] = {"leg", "arm", "tail"};
+    ASSERT_TRUE(mesh->setSkin(1, indices, weights, 3, names));
+    mesh->getBone(0)->inverseBind.m[12] = 5;
+    EXPECT_TRUE(mesh->resetBones(root));
+    EXPECT_EQ("   Building bones for body...    [!] Bone leg not found @ PVMESH::recursiveLoadKVE\n"
+              "   [!] Bone tail not found @ PVMESH::recursiveLoadKVE\n"
+              "done\n",
+              log.text());
+    EXPECT_EQ(nullptr, mesh->getBone(0)->node);
+    const K3MMATRIX identity;
+    EXPECT_EQ(std::vector<float>(identity.m, identity.m + 16),
+              std::vector<float>(mesh->getBone(0)->inverseBind.m, mesh->getBone(0)->inverseBind.m + 16));
+    EXPECT_EQ(arm, mesh->getBone(1)->node);
+    EXPECT_FLOAT_EQ(-2, mesh->getBone(1)->inverseBind.m[13]);
+}
+
 // ---------------------------------------------------------------- drawing
 
 const Rgb background {0, 0, 0};
@@ -259,11 +313,13 @@ TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
 {
     PVNODE* root = load("glass-quad.pve");
     ASSERT_NE(nullptr, root);
-    const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx"};
+    const std::vector<std::string> drawing = {"glCullFace", "glDrawElements", "glLightModelx",
+                                              "glVertexPointer"};
     record([&] { drawFrame(root, nullptr); });
+    // The arrays are set once for both draws.
     EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glCullFace(GL_FRONT)",
-                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)", "glCullFace(GL_BACK)",
-                      "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
+                      "glVertexPointer(3,GL_FIXED,0)", "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)",
+                      "glCullFace(GL_BACK)", "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
               recorder.filter(drawing));
     EXPECT_TRUE(PVOPENGL::isCulled());
 
@@ -271,7 +327,7 @@ TEST_F(MeshScene, TransparentMeshesDrawBackFacesFirst)
     root->getChild(0)->unlink();
     PVLIGHT::lightingOff();
     record([&] { drawFrame(root, nullptr); });
-    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
+    EXPECT_EQ((Calls {"glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)", "glVertexPointer(3,GL_FIXED,0)",
                       "glDrawElements(GL_TRIANGLES,6,GL_UNSIGNED_SHORT)"}),
               recorder.filter(drawing));
 }
@@ -292,6 +348,60 @@ TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
     drawFrame(root, nullptr);
     expectColour(background, pixelOfPoint(0, 0, -5), "where the skin was");
     expectColour({1, 0, 0}, pixelOfPoint(2, 0, -5), "skin moved with its bone");
+}
+
+// A grid of quads sharing one textured material, none overlapping, under
+// four point lights: after the first quad, each draws with its matrix and
+// its draw call alone (lights keep their slots, material, texture and
+// arrays stay set), and every quad shows the same lit texture.
+TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
+{
+    std::string texel;
+    for (int i = 0; i < 4; i++)
+        texel += std::string("\xC0\x80\x40", 3);
+    writeFile("grey.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, Bytes(texel.begin(), texel.end())));
+    PveMaterial textured = colour("textured", {1, 1, 1, 1});
+    textured.texture = "grey.tga";
+    PveWriter file;
+    const int side = 3;
+    file.materials({textured}).node("root", {0, 0, 0}, side * side + 4);
+    const PveVec lights[4] = {{-3, 3, -4}, {3, 3, -4}, {-3, -3, -4}, {3, -3, -4}};
+    for (const PveVec& at : lights)
+        file.light("lamp", 0, at, {0, 0, -1}, 180, {0.25f, 0.25f, 0.25f});
+    for (int i = 0; i < side * side; i++) {
+        PveMesh quad = pveQuad("quad", 0.4f, "textured");
+        quad.position = {float(i % side) - 1, float(i / side) - 1, -6};
+        file.mesh(quad);
+    }
+    PVNODE* root = load(file);
+    ASSERT_NE(nullptr, root);
+    record([&] { drawFrame(root, nullptr); });
+    const Calls& calls = recorder.calls();
+    const auto firstDraw = std::find_if(calls.begin(), calls.end(), [](const std::string& call) {
+        return GlRecorder::functionOf(call) == "glDrawElements";
+    });
+    std::map<std::string, size_t> after;
+    for (auto call = firstDraw + 1; call < calls.end(); ++call)
+        after[GlRecorder::functionOf(*call)]++;
+    const size_t others = size_t(side * side - 1);
+    // Each loaded quad has arrays of its own: three pointers per quad.
+    EXPECT_EQ((std::map<std::string, size_t> {{"glDrawElements", others},
+                                              {"glLoadMatrixx", others},
+                                              {"glNormalPointer", others},
+                                              {"glTexCoordPointer", others},
+                                              {"glVertexPointer", others}}),
+              after)
+        << recorder.text();
+    // Texel (0.25, 0.5, 0.75) under four lights of diffuse 0.25 at N.L =
+    // 2 / sqrt(22) for the middle quad; mirror images show the same colour
+    // whichever slots their lights took.
+    const double lit = 4 * 0.25 * 2 / std::sqrt(22.0);
+    expectColour({0.25 * lit, 0.5 * lit, 0.75 * lit}, pixelOf(0, 0, -6), "middle quad");
+    for (int corner = 0; corner < 4; corner++) {
+        const double x = corner % 2 ? 1 : -1, y = corner / 2 ? 1 : -1;
+        expectColour(pixelOf(-1, -1, -6), pixelOf(x, y, -6), "corner quad");
+        expectColour(pixelOf(0, -1, -6), pixelOf(corner % 2 ? 0 : x, corner % 2 ? y : 0, -6), "edge quad");
+    }
 }
 
 // Seventeen skinned meshes in one frame: the last finds the cache full, is

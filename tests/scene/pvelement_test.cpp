@@ -439,4 +439,32 @@ TEST_F(RenderList, ABrokenDepthDoesNotUpsetTheBackToFrontSort)
         EXPECT_LT(order[i - 1]->getPosition().z, order[i]->getPosition().z) << "at " << i;
 }
 
+// A pass works every node's matrix out on the CPU: it makes no GL call, its
+// records hold each node's transform after its parents', and the current
+// matrix is as before.
+TEST_F(RenderList, APassWorksOutMatricesWithoutGLCalls)
+{
+    start(16);
+    PVNODE* root = make("root", PV_TYPE_NODE, {1, 2, 3});
+    root->setRotation(90, 0, -45);
+    PVNODE* child = make("child", PV_TYPE_MESH, {}, root);
+    K3MMATRIX m;
+    m.m[12] = 0.5f;
+    child->setMatrix(m);
+    child->setPositioning(PV_POSITIONING_MATRIX);
+    make("none", PV_TYPE_MESH, {}, root)->setPositioning(PV_NODE_POSITIONING(7));
+    PV_glTranslatef(0, 0, -4);
+
+    EXPECT_EQ(pvtest::Calls {}, record([&] { root->pass(false); }));
+    using pvtest::Mat4;
+    const Mat4 parent =
+        Mat4::translation(0, 0, -4) * Mat4::translation(1, 2, 3) * Mat4::rotationX(90) * Mat4::rotationZ(-45);
+    expectMatrixNear(parent * Mat4::translation(0.5, 0, 0), PVELEMENT::getPassedElement(0)->getMatrix()->m,
+                     "matrix positioning");
+    expectMatrixNear(parent, PVELEMENT::getPassedElement(1)->getMatrix()->m, "no positioning");
+    K3MMATRIX current;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, current.m);
+    expectMatrixNear(Mat4::translation(0, 0, -4), current.m, "after the pass");
+}
+
 }  // namespace

@@ -172,6 +172,51 @@ TEST_F(Node, UnlinkKeepsTheOthersInOrder)
     stray->forceParent(nullptr);
 }
 
+// Links and unlinks across the storage's growth steps, in several orders,
+// against a plain list: the children seen stay exactly the linked ones, in
+// order; relinking after the parent emptied starts afresh, and the counted
+// memory is all given back.
+TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
+{
+    const int ratioBefore = kvfGetMemoryStats().ratio;
+    struct Pattern {
+        const char* name;
+        bool (*unlinks)(int index, int count);
+    };
+    const Pattern patterns[] = {
+        {"every third", [](int index, int) { return index % 3 == 0; }},
+        {"first half", [](int index, int count) { return index < count / 2; }},
+        {"all but the last", [](int index, int count) { return index != count - 1; }},
+    };
+    TestNode* parent = make("parent");
+    for (const Pattern& pattern : patterns) {
+        SCOPED_TRACE(pattern.name);
+        for (const int count : {1, 5, 257}) {
+            std::vector<PVNODE*> expected;
+            for (int i = 0; i < count; i++)
+                expected.push_back(makeChild("child", parent));
+            EXPECT_EQ(expected, childrenOf(parent));
+            std::vector<PVNODE*> kept;
+            for (int i = 0; i < count; i++) {
+                if (pattern.unlinks(i, count))
+                    EXPECT_TRUE(expected[size_t(i)]->unlink());
+                else
+                    kept.push_back(expected[size_t(i)]);
+            }
+            EXPECT_EQ(kept, childrenOf(parent));
+            PVNODE* late = makeChild("late", parent);
+            kept.push_back(late);
+            EXPECT_EQ(kept, childrenOf(parent));
+            for (PVNODE* child : kept)
+                EXPECT_TRUE(child->unlink());
+            EXPECT_EQ(0u, parent->getNumberOfChildren());
+        }
+    }
+    EXPECT_EQ("", log.fresh());
+    PVNODE::cleanUp();
+    EXPECT_EQ(ratioBefore, kvfGetMemoryStats().ratio);
+}
+
 TEST_F(Node, UnlinkingTheOnlyChildEmptiesTheParentWithoutLookingItUp)
 {
     TestNode* parent = make("parent");
