@@ -106,7 +106,7 @@ bool PVLIGHT::activateNearest(PVELEMENT* element)
 void PVLIGHT::assignSlots(unsigned int count, unsigned int* slots)
 {
     bool taken[PV_ELEMENT_LIGHTS] = {false, false, false, false};
-    const long stamp = PEVRANO::getTimeStamp();
+    const long stamp = PVFRAMESTATE::getTimeStamp();
     bool allLights = true;
     for (unsigned int i = 0; i < count; i++) {
         const PVELEMENT* lightElement = PVELEMENT::getLight(i);

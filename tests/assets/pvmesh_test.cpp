@@ -360,20 +360,8 @@ TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
     for (int i = 0; i < 4; i++)
         texel += std::string("\xC0\x80\x40", 3);
     writeFile("grey.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, Bytes(texel.begin(), texel.end())));
-    PveMaterial textured = colour("textured", {1, 1, 1, 1});
-    textured.texture = "grey.tga";
-    PveWriter file;
     const int side = 3;
-    file.materials({textured}).node("root", {0, 0, 0}, side * side + 4);
-    const PveVec lights[4] = {{-3, 3, -4}, {3, 3, -4}, {-3, -3, -4}, {3, -3, -4}};
-    for (const PveVec& at : lights)
-        file.light("lamp", 0, at, {0, 0, -1}, 180, {0.25f, 0.25f, 0.25f});
-    for (int i = 0; i < side * side; i++) {
-        PveMesh quad = pveQuad("quad", 0.4f, "textured");
-        quad.position = {float(i % side) - 1, float(i / side) - 1, -6};
-        file.mesh(quad);
-    }
-    PVNODE* root = load(file);
+    PVNODE* root = load("quad-grid.pve");
     ASSERT_NE(nullptr, root);
     record([&] { drawFrame(root, nullptr); });
     const Calls& calls = recorder.calls();
@@ -396,11 +384,12 @@ TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
     // 2 / sqrt(22) for the middle quad; mirror images show the same colour
     // whichever slots their lights took.
     const double lit = 4 * 0.25 * 2 / std::sqrt(22.0);
-    expectColour({0.25 * lit, 0.5 * lit, 0.75 * lit}, pixelOf(0, 0, -6), "middle quad");
+    expectColour({0.25 * lit, 0.5 * lit, 0.75 * lit}, pixelOfPoint(0, 0, -6), "middle quad");
     for (int corner = 0; corner < 4; corner++) {
         const double x = corner % 2 ? 1 : -1, y = corner / 2 ? 1 : -1;
-        expectColour(pixelOf(-1, -1, -6), pixelOf(x, y, -6), "corner quad");
-        expectColour(pixelOf(0, -1, -6), pixelOf(corner % 2 ? 0 : x, corner % 2 ? y : 0, -6), "edge quad");
+        expectColour(pixelOfPoint(-1, -1, -6), pixelOfPoint(x, y, -6), "corner quad");
+        expectColour(pixelOfPoint(0, -1, -6), pixelOfPoint(corner % 2 ? 0 : x, corner % 2 ? y : 0, -6),
+                     "edge quad");
     }
 }
 
