@@ -63,6 +63,13 @@ unsigned char* rowFromTop(const PICTURE& picture, unsigned int y)
     return picture.pixels + size_t(picture.height - 1 - y) * picture.width * picture.format;
 }
 
+// kvfFree counts every call, a null pointer's too: only blocks are given back.
+void releaseBlock(void* block)
+{
+    if (block)
+        kvfFree(block);
+}
+
 bool allocatePixels(PICTURE& picture)
 {
     picture.pixels = static_cast<unsigned char*>(kvfMalloc(picture.width * picture.height * picture.format));
@@ -157,7 +164,7 @@ Decoded decodePng(const unsigned char* data, size_t length, PICTURE& picture)
 {
     png_bytep* rows = nullptr;
     const Decoded result = runPng(data, length, picture, rows);
-    kvfFree(rows);
+    releaseBlock(rows);
     return result;
 }
 
@@ -272,7 +279,7 @@ bool PVTEXTURE::loadImage(const unsigned char* data, size_t length, const char* 
     PICTURE picture;
     const Decoded result = png ? decodePng(data, length, picture) : decodeJpeg(data, length, picture);
     if (result != Decoded::PICTURE) {
-        kvfFree(picture.pixels);
+        releaseBlock(picture.pixels);
         logRefusal(result, picture, name);
         return false;
     }

@@ -1,5 +1,5 @@
-// Texture costs: TGA decoding from memory (256x256, 24-bit, raw and
-// run-length) in bytes of file per second, against stb_image decoding the
+// Texture costs: TGA and PNG decoding from memory (256x256, 24-bit; TGA raw
+// and run-length) in bytes of file per second, against stb_image decoding the
 // same bytes in the same run; and the upload of a 256x256 RGBA texture with
 // its CPU-built mipmap chain against the same upload without mipmaps.
 #include <benchmark/benchmark.h>
@@ -9,11 +9,13 @@
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_TGA
+#define STBI_ONLY_PNG
 // A private copy: the model benchmarks link the tools' full build of stb_image.
 #define STB_IMAGE_STATIC
 #include <stb/stb_image.h>
 
 #include <pevrano.h>
+#include <png.h>
 
 #include "benchengine.h"
 
@@ -85,6 +87,29 @@ const std::string& runLengthFile()
     return file;
 }
 
+// The same picture as rawFile, as a PNG written by libpng.
+const std::string& pngFile()
+{
+    static const std::string file = [] {
+        std::vector<unsigned char> pixels;
+        for (unsigned int y = 0; y < side; y++)
+            for (unsigned int x = 0; x < side; x++)
+                for (unsigned int c = 0; c < 3; c++)
+                    pixels.push_back(sample(x, y, c));
+        png_image image {};
+        image.version = PNG_IMAGE_VERSION;
+        image.width = side;
+        image.height = side;
+        image.format = PNG_FORMAT_RGB;
+        png_alloc_size_t size = 0;
+        png_image_write_to_memory(&image, nullptr, &size, 0, pixels.data(), 0, nullptr);
+        std::string bytes(size, '\0');
+        png_image_write_to_memory(&image, &bytes[0], &size, 0, pixels.data(), 0, nullptr);
+        return bytes;
+    }();
+    return file;
+}
+
 const unsigned char* bytesOf(const std::string& file)
 {
     return reinterpret_cast<const unsigned char*>(file.data());
@@ -95,7 +120,7 @@ void decodeWithEngine(benchmark::State& state, const std::string& file)
     kvfSetConsoleEcho(false);
     PVTEXTURE texture;
     for (auto _ : state) {
-        bool loaded = texture.loadTGA(bytesOf(file), file.size(), "bench.tga");
+        bool loaded = texture.loadImage(bytesOf(file), file.size(), "bench");
         benchmark::DoNotOptimize(loaded);
         benchmark::DoNotOptimize(texture.getBitmap()[0]);
     }
@@ -122,6 +147,10 @@ BENCHMARK(BM_TgaRawEngine);
 BENCHMARK(BM_TgaRawStb);
 BENCHMARK(BM_TgaRunLengthEngine);
 BENCHMARK(BM_TgaRunLengthStb);
+void BM_PngEngine(benchmark::State& state) { decodeWithEngine(state, pngFile()); }
+void BM_PngStb(benchmark::State& state) { decodeWithStb(state, pngFile()); }
+BENCHMARK(BM_PngEngine);
+BENCHMARK(BM_PngStb);
 
 // Upload of a 256x256 RGBA texture; the file is decoded again between
 // iterations (not timed), since the chain overwrites the bitmap and every

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "assets/pvtexture.h"
+#include "foundation/kvfmemory.h"
 #include "imagefile.h"
 #include "support/glfixture.h"
 
@@ -113,6 +114,7 @@ TEST_F(ImageRefusals, LinesSayWhy)
         {"cut.jpg", jpeg.substr(0, jpeg.size() - 40), "   [!] File corrupted cut.jpg @ PVTEXTURE::load\n"},
     };
     std::string expected;
+    const int blocksBefore = kvfGetMemoryStats().ratio;
     for (const auto& c : cases) {
         writeFile(c.name, c.file);
         PVTEXTURE texture;
@@ -122,6 +124,7 @@ TEST_F(ImageRefusals, LinesSayWhy)
         expected += c.line;
     }
     EXPECT_EQ(PVTEXTURE::getUsedMemory(), 0);
+    EXPECT_EQ(kvfGetMemoryStats().ratio, blocksBefore);  // every block given back, none twice
     EXPECT_EQ(log.text(), expected);
 }
 
