@@ -25,7 +25,7 @@ int main(int argc, char** argv)
     // Every node hangs under one root: passing the root draws the scene.
     PVNODE* scene = new PVNODE();
     PEVRANO::setPVEPath(GALLERY_DATA);  // where scene files are read
-    PVTEXTURE::setPath(GALLERY_DATA);   // and the textures they name
+    PVTEXTURE::setPath(GALLERY_DATA);  // and the textures they name
     PVNODE* panels = PEVRANO::load("panels.pve");
     if (panels)
         panels->link(scene);
