@@ -50,9 +50,7 @@ int main(int argc, char** argv)
 
     float angle = 0.0f;  // radians around the sphere
     while (run.nextFrame()) {
-        PVEVENT event;
-        while (PEVRANO::pollEvent(&event))
-            run.handle(event);
+        run.pollEvents();  // PEVRANO::pollEvent until none is left; Escape ends the run
         angle += 0.3f * run.seconds();
         camera->setPosition(5.0f * std::sin(angle), 2.0f, 1.5f + 5.0f * std::cos(angle));
 

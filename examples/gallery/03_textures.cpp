@@ -67,9 +67,7 @@ int main(int argc, char** argv)
 
     float turn = 30.0f;  // degrees
     while (run.nextFrame()) {
-        PVEVENT event;
-        while (PEVRANO::pollEvent(&event))
-            run.handle(event);
+        run.pollEvents();  // PEVRANO::pollEvent until none is left; Escape ends the run
         turn += 20.0f * run.seconds();
         bricks->setRotation(20.0f, turn, 0.0f);
 

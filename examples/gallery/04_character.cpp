@@ -94,9 +94,7 @@ int main(int argc, char** argv)
 
     float clock = 0.0f;  // seconds
     while (run.nextFrame()) {
-        PVEVENT event;
-        while (PEVRANO::pollEvent(&event))
-            run.handle(event);
+        run.pollEvents();  // PEVRANO::pollEvent until none is left; Escape ends the run
         clock += run.seconds();
         const float speed = 0.5f + 0.5f * std::sin(clock * 0.8f);  // 0 walking .. 1 running
         const unsigned int frame = static_cast<unsigned int>(clock * takeFramesPerSecond);

@@ -44,9 +44,7 @@ int main(int argc, char** argv)
     camera->setPosition(0.0f, 0.0f, 5.0f);
 
     while (run.nextFrame()) {
-        PVEVENT event;
-        while (PEVRANO::pollEvent(&event))
-            run.handle(event);
+        run.pollEvents();  // PEVRANO::pollEvent until none is left; Escape ends the run
         film->update(33);  // decoder steps for this frame
 
         PEVRANO::clear(true, true, false);

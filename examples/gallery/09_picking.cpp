@@ -45,9 +45,7 @@ int main(int argc, char** argv)
 
     PVNODE* picked = nullptr;
     while (run.nextFrame()) {
-        PVEVENT event;
-        while (PEVRANO::pollEvent(&event))
-            run.handle(event);
+        run.pollEvents();  // PEVRANO::pollEvent until none is left; Escape ends the run
 
         PEVRANO::clear(true, true, false);
         PEVRANO::begin3D(camera);

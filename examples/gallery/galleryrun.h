@@ -66,6 +66,14 @@ public:
         quit = quit || event.type == PV_EVENT_QUIT || (event.type == PV_EVENT_KEY_DOWN && event.key == 27);
     }
 
+    // Polls the frame's events when the example needs none but the quitting ones.
+    void pollEvents()
+    {
+        PVEVENT event;
+        while (PEVRANO::pollEvent(&event))
+            handle(event);
+    }
+
     // Saves the last scripted frame before it is shown, then shows it.
     void endFrame()
     {
