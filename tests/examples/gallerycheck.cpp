@@ -7,6 +7,7 @@
 //   gallerycheck differs  A.png B.png RECT      mean change of at least 3 per channel
 #include <png.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -34,12 +35,15 @@ struct Area {
     int x0, y0, x1, y1;
 };
 
+// The rectangle in pixels, kept inside the picture and at least one pixel large.
 Area area(const Picture& picture, char** fractions)
 {
-    const double w = picture.image.width, h = picture.image.height;
+    const int w = int(picture.image.width), h = int(picture.image.height);
     const double x = std::atof(fractions[0]), y = std::atof(fractions[1]);
-    return {int(x * w), int(y * h), int((x + std::atof(fractions[2])) * w),
-            int((y + std::atof(fractions[3])) * h)};
+    const auto inside = [](double at, int size) { return std::clamp(int(at * size), 0, size - 1); };
+    const Area a {inside(x, w), inside(y, h), inside(x + std::atof(fractions[2]), w),
+                  inside(y + std::atof(fractions[3]), h)};
+    return {a.x0, a.y0, std::max(a.x1, a.x0 + 1), std::max(a.y1, a.y0 + 1)};
 }
 
 // Mean of each channel, and the spread of luminance, over an area.
