@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Writes examples/data/panels.pve, the demo's scene file: three coloured
 boxes (24 vertices, 12 triangles each) under one root node, and the brick
-texture they share, examples/data/bricks.tga (64 x 64, 24-bit, uncompressed)."""
+texture they share, examples/data/bricks.tga (64 x 64, 24-bit, uncompressed);
+and examples/data/glass.png (32 x 32 RGBA), a pane the gallery shows through."""
 import os
 import struct
+import zlib
 
 
 def text(s):
@@ -62,6 +64,23 @@ def bricks(size=64):
     return header + bytes(pixels)
 
 
+def glass(size=32):
+    """A pale blue pane, half transparent, in an opaque dark frame 3 pixels
+    wide: a PNG with an alpha channel."""
+    rows = b""
+    for y in range(size):
+        rows += b"\0"  # no filter
+        for x in range(size):
+            frame = min(x, y, size - 1 - x, size - 1 - y) < 3
+            rows += bytes((40, 40, 60, 255)) if frame else bytes((170, 210, 255, 96))
+
+    def chunk(kind, body):
+        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+
+    header = struct.pack(">IIBBBBB", size, size, 8, 6, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows, 9)) + chunk(b"IEND", b"")
+
+
 def main():
     colours = [("red", 0.9, 0.2, 0.2), ("green", 0.2, 0.9, 0.3), ("blue", 0.2, 0.4, 0.9)]
     data = b"PVE file v1.6a\0" + u16(len(colours)) + b"".join(material(*c) for c in colours)
@@ -73,6 +92,8 @@ def main():
         out.write(data)
     with open(os.path.join(folder, "bricks.tga"), "wb") as out:
         out.write(bricks())
+    with open(os.path.join(folder, "glass.png"), "wb") as out:
+        out.write(glass())
 
 
 if __name__ == "__main__":

@@ -4,7 +4,8 @@
 # find_package(Pevrano), with pkg-config, and with pkg-config's library
 # folder as run path; the installed tools must run from the prefix. Each run
 # must write the application's own line into the log (the shape of the whole
-# log is the library-load test's business).
+# log is the library-load test's business). The examples gallery must build
+# against the prefix too.
 # Usage: check_install.sh SRC_DIR BUILD_DIR
 set -euo pipefail
 src=$(cd "$1" && pwd)
@@ -108,4 +109,12 @@ if [ -d "$build/tools" ]; then
     [[ $help == "usage: $tool "* ]] || fail "$tool: --help printed more than the help: $help"
   done
   echo "tools: the installed tools ran from the prefix"
+
+  # The examples gallery builds against the prefix as an application would,
+  # its fonts and character made by the installed tools.
+  LD_PRELOAD="$preload" cmake -S "$src/examples/gallery" -B "$work/gallery-build" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_BUILD_TYPE=Release >/dev/null || fail "gallery: the project did not configure against the prefix"
+  LD_PRELOAD="$preload" cmake --build "$work/gallery-build" -j2 >/dev/null ||
+    fail "gallery: the examples did not build against the prefix"
+  echo "gallery: the examples built against the prefix"
 fi
