@@ -1,6 +1,7 @@
-// Skeletal animation: for a list of bone names, one keyframe record per frame
-// and bone. Loaded from and saved to PVA files, edited frame by frame,
-// completed by linear interpolation and applied to a node tree by bone name.
+/// \file
+/// Skeletal animation: for a list of bone names, one keyframe record per frame
+/// and bone. Loaded from and saved to PVA files, edited frame by frame,
+/// completed by linear interpolation and applied to a node tree by bone name.
 #ifndef PEVRANO_ASSETS_PVANIM_H
 #define PEVRANO_ASSETS_PVANIM_H
 
@@ -22,7 +23,7 @@ public:
     PVANIM(const PVANIM&) = delete;
     PVANIM& operator=(const PVANIM&) = delete;
 
-    // Registry of every live animation.
+    /// Registry of every live animation.
     static bool cleanUp();
     static int getNumberOfAnims();
     static PVANIM* findByFilename(const char* name);
@@ -31,7 +32,7 @@ public:
     PVANIM* getNext();
     PVANIM* getPrevious();
 
-    // Folder prefix of the files load reads; a null path stores "".
+    /// Folder prefix of the files load reads; a null path stores "".
     static void setPVAPath(const char* path);
     static char* getPVAPath();
 
@@ -47,7 +48,7 @@ public:
     bool setFrameRotationY(unsigned int frame, unsigned int bone, float value);
     bool setFrameRotationZ(unsigned int frame, unsigned int bone, float value);
     bool unsetFrame(unsigned int frame, unsigned int bone);
-    // Null when the record lies outside the table.
+    /// Null when the record lies outside the table.
     PVBONEFRAME* getKeyframe(unsigned int frame, unsigned int bone);
     K3MVECTOR3D getFrameRotation(unsigned int frame, unsigned int bone);
 
@@ -59,15 +60,15 @@ public:
     char* getFilename() { return fileName; }
     void setTranslating(bool on) { translating = on; }
     bool getTranslating() { return translating; }
-    // Counts beyond 128 bones or 65535 frames, or a table that cannot grow,
-    // are refused and leave the animation unchanged.
+    /// Counts beyond 128 bones or 65535 frames, or a table that cannot grow,
+    /// are refused and leave the animation unchanged.
     bool setNumberOfBones(unsigned int count);
     unsigned int getNumberOfBones() { return nbBones; }
     bool setNumberOfFrames(unsigned int count);
     unsigned int getNumberOfFrames() { return nbFrames; }
-    // Copies only names shorter than 256 characters.
+    /// Copies only names shorter than 256 characters.
     bool setBoneName(unsigned int index, const char* boneName);
-    // Null for an index of 128 or more.
+    /// Null for an index of 128 or more.
     char* getBoneName(unsigned int index);
 
 private:
@@ -90,9 +91,9 @@ private:
     unsigned short nbBones;
     unsigned short nbFrames;
     char boneNames[PV_ANIM_MAX_BONES][PV_ANIM_NAME_SIZE];
-    // tableFrames frames of tableBones records each; always at least
-    // nbFrames + 1 frames, so that the frame one past the last exists, of at
-    // least nbBones records.
+    /// tableFrames frames of tableBones records each; always at least
+    /// nbFrames + 1 frames, so that the frame one past the last exists, of at
+    /// least nbBones records.
     PVBONEFRAME* keyframes;
     unsigned int tableFrames;
     unsigned int tableBones;

@@ -1,6 +1,7 @@
-// One keyframe record of an animation: the rotation (Euler angles in degrees
-// about x, y, z) and position of one bone at one frame, and whether the record
-// is a real keyframe rather than an interpolated or empty one.
+/// \file
+/// One keyframe record of an animation: the rotation (Euler angles in degrees
+/// about x, y, z) and position of one bone at one frame, and whether the record
+/// is a real keyframe rather than an interpolated or empty one.
 #ifndef PEVRANO_ASSETS_PVBONEFRAME_H
 #define PEVRANO_ASSETS_PVBONEFRAME_H
 

@@ -1,6 +1,7 @@
-// Off-screen render target. On the fixed-function GL profile a frame buffer
-// only remembers its texture or size and sets the viewport when it becomes
-// current (and only where frame buffers are supported at all).
+/// \file
+/// Off-screen render target. On the fixed-function GL profile a frame buffer
+/// only remembers its texture or size and sets the viewport when it becomes
+/// current (and only where frame buffers are supported at all).
 #ifndef PEVRANO_ASSETS_PVFBO_H
 #define PEVRANO_ASSETS_PVFBO_H
 
@@ -18,16 +19,16 @@ public:
     PVFBO(const PVFBO&) = delete;
     PVFBO& operator=(const PVFBO&) = delete;
 
-    // Deletes every registered frame buffer; false when there was none.
+    /// Deletes every registered frame buffer; false when there was none.
     static bool cleanUp();
     static unsigned int getNumberOfFbos();
 
     bool isOk();
     bool bindTexture(int attachment, PVTEXTURE* texture);
     bool bindRenderBuffer(int attachment, int sizeX, int sizeY);
-    // Makes this frame buffer current, setting the viewport to its size.
+    /// Makes this frame buffer current, setting the viewport to its size.
     bool render(void* param);
-    // Forgets the current frame buffer; the viewport is not restored.
+    /// Forgets the current frame buffer; the viewport is not restored.
     static void unbind();
     bool blur(PVFBO* target, PVSHADER* shader, int passes);
     bool computeLuminance(float* luminance);

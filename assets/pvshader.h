@@ -1,7 +1,8 @@
-// Vertex and fragment program pair with parameter slots. On the fixed-function
-// GL profile shaders are bookkeeping only: they are registered, named and
-// found, never compiled or bound, and never operative, so every caller takes
-// its fixed-function path.
+/// \file
+/// Vertex and fragment program pair with parameter slots. On the fixed-function
+/// GL profile shaders are bookkeeping only: they are registered, named and
+/// found, never compiled or bound, and never operative, so every caller takes
+/// its fixed-function path.
 #ifndef PEVRANO_ASSETS_PVSHADER_H
 #define PEVRANO_ASSETS_PVSHADER_H
 
@@ -18,7 +19,7 @@ public:
     PVSHADER(const PVSHADER&) = delete;
     PVSHADER& operator=(const PVSHADER&) = delete;
 
-    // Deletes every registered shader; false when there was none.
+    /// Deletes every registered shader; false when there was none.
     static bool cleanUp();
     static int getNumberOfShaders();
     static PVSHADER* findByName(const char* name);
@@ -29,7 +30,7 @@ public:
 
     static bool enable();
     static bool disable();
-    // Forgets the current shader and disables; run at every 3D frame start.
+    /// Forgets the current shader and disables; run at every 3D frame start.
     static void reset();
 
     bool load(char* vertexProgram, char* fragmentProgram, bool flag);
@@ -60,20 +61,20 @@ public:
     static bool useWater();
     static bool useTerrain();
 
-    // Copies only names shorter than PV_SHADER_NAME_SIZE.
+    /// Copies only names shorter than PV_SHADER_NAME_SIZE.
     void setName(const char* newName);
     char* getName();
     char* getVSFilename();
     char* getPSFilename();
     unsigned int getId();
-    // Parameter slot value, 0 for a slot out of range.
+    /// Parameter slot value, 0 for a slot out of range.
     unsigned int getParam(unsigned int slot);
-    // A null path stores "".
+    /// A null path stores "".
     static void setPath(const char* path);
     static char* getPath();
 
-    // Built-in shaders created by init, in creation order. Per-pixel
-    // lighting suffixes: A skinned, T textured, S shadowed.
+    /// Built-in shaders created by init, in creation order. Per-pixel
+    /// lighting suffixes: A skinned, T textured, S shadowed.
     static PVSHADER* pplDirect;
     static PVSHADER* pplOmni;
     static PVSHADER* pplSpot;

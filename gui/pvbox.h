@@ -1,7 +1,8 @@
-// Box: the base of every 2D widget. A rectangle in screen pixels placed in
-// the scene tree, drawn in the 2D pass as one flat or textured quad with an
-// optional bevelled border, plus the widget state the whole interface shares
-// (hit testing, display, pressed look, move limits, window clipping).
+/// \file
+/// Box: the base of every 2D widget. A rectangle in screen pixels placed in
+/// the scene tree, drawn in the 2D pass as one flat or textured quad with an
+/// optional bevelled border, plus the widget state the whole interface shares
+/// (hit testing, display, pressed look, move limits, window clipping).
 #ifndef PEVRANO_GUI_PVBOX_H
 #define PEVRANO_GUI_PVBOX_H
 
@@ -13,29 +14,29 @@ class PVTEXTURE;
 class PVSHADER;
 class PVWINDOW;
 
-// Texture coordinates of a quad's corners: top-left, top-right, bottom-left,
-// bottom-right, each (u, v).
+/// Texture coordinates of a quad's corners: top-left, top-right, bottom-left,
+/// bottom-right, each (u, v).
 class PVBOXCOORD {
 public:
-    // The whole texture, row 0 of the image at the bottom of the quad.
+    /// The whole texture, row 0 of the image at the bottom of the quad.
     PVBOXCOORD();
-    // An image filling the lower-left u by v part of its texture; topDown
-    // for images stored from their first row down (decoded video frames).
+    /// An image filling the lower-left u by v part of its texture; topDown
+    /// for images stored from their first row down (decoded video frames).
     PVBOXCOORD(float u, float v, bool topDown);
 
     float coord[8];
 };
 
-// One untextured quad of a box's drawing, in the box's own pixels.
+/// One untextured quad of a box's drawing, in the box's own pixels.
 struct PVBOXQUAD {
     int left, top, right, bottom;
     K3MVECTOR4D color;
 };
 
-// Pieces of each ring of the bevelled border: four edges, four corners.
+/// Pieces of each ring of the bevelled border: four edges, four corners.
 #define PV_BOX_RING_PIECES 8
-// Limits within which the rings of a border are drawn as one shape per piece
-// (coordinates in quarter pixels stay inside 16.16).
+/// Limits within which the rings of a border are drawn as one shape per piece
+/// (coordinates in quarter pixels stay inside 16.16).
 #define PV_BOX_JOINED_RINGS 1024
 #define PV_BOX_JOINED_SIZE 16384
 
@@ -44,7 +45,7 @@ public:
     PVBOX();
     PVBOX(const PVBOX& other) = default;
     PVBOX& operator=(const PVBOX& other) = default;
-    // Keeps its texture reference (the texture class releases textures).
+    /// Keeps its texture reference (the texture class releases textures).
     ~PVBOX() override = default;
     bool render(void* element) override;
 
@@ -87,48 +88,48 @@ public:
     bool isTransparent() const { return color.w != 1.0f; }
     PVTEXTURE* getTexture() const { return texture; }
 
-    // Holds one reference on the new texture and lets go of the old one;
-    // null leaves the box untextured. Always true.
+    /// Holds one reference on the new texture and lets go of the old one;
+    /// null leaves the box untextured. Always true.
     bool setTexture(PVTEXTURE* newTexture);
     bool setShader(PVSHADER* newShader);
 
-    // Whether the screen point (x, y) is on the box, inside its window.
+    /// Whether the screen point (x, y) is on the box, inside its window.
     bool checkBoundaries(int x, int y);
-    // Clamps the proposed move (dx, dy) to the limit rectangle; false when
-    // the limits are off (the move is left as it is).
+    /// Clamps the proposed move (dx, dy) to the limit rectangle; false when
+    /// the limits are off (the move is left as it is).
     bool checkLimits(int* dx, int* dy);
-    // Brings the box and its subtree to the front; the argument is not used.
+    /// Brings the box and its subtree to the front; the argument is not used.
     bool setForemost(long unused);
 
     static long getNextCounter();
-    // Binds a texture to unit 0 with texturing on, whatever was drawn since
-    // it was last bound.
+    /// Binds a texture to unit 0 with texturing on, whatever was drawn since
+    /// it was last bound.
     static void bindTexture(PVTEXTURE* sheet);
 
-    // Draws one quad in the current model-view space, in 16.16 fixed point,
-    // with one colour and the given texture coordinates.
+    /// Draws one quad in the current model-view space, in 16.16 fixed point,
+    /// with one colour and the given texture coordinates.
     static void drawQuad(int left, int top, int right, int bottom, K3MVECTOR4D quadColor, PVBOXCOORD* coords);
 
 protected:
-    // The sum of the positions of every ancestor, parent first.
+    /// The sum of the positions of every ancestor, parent first.
     K3MVECTOR3D ancestorsPosition() const;
-    // The nearest ancestor that is a window, or null.
+    /// The nearest ancestor that is a window, or null.
     PVWINDOW* enclosingWindow() const;
-    // Clips to the enclosing window (or the whole display) when scissorStatus
-    // is set.
+    /// Clips to the enclosing window (or the whole display) when scissorStatus
+    /// is set.
     void applyScissor();
-    // The element's matrix, the scissor, shader, texture, and blending on or
-    // off.
+    /// The element's matrix, the scissor, shader, texture, and blending on or
+    /// off.
     void beginDrawing(void* element, bool blended);
-    // The colour, darker while pressed (alpha kept).
+    /// The colour, darker while pressed (alpha kept).
     K3MVECTOR4D fillColor() const;
-    // Piece (0 to 7, in drawing order) of border ring i.
+    /// Piece (0 to 7, in drawing order) of border ring i.
     PVBOXQUAD borderQuad(int ring, int piece) const;
-    // Every ring of the border, in one draw where they fit.
+    /// Every ring of the border, in one draw where they fit.
     void drawBorder();
-    // Whether the rings can be joined: they do not meet and stay in range.
+    /// Whether the rings can be joined: they do not meet and stay in range.
     bool ringsJoinable() const;
-    // Piece p of every ring as one shape, into the batch.
+    /// Piece p of every ring as one shape, into the batch.
     void addJoinedPiece(int piece);
 
     int sizeX;

@@ -1,5 +1,6 @@
-// Button: a box with a caption drawn in a font and an event type telling the
-// interface's event dispatcher how presses are reported.
+/// \file
+/// Button: a box with a caption drawn in a font and an event type telling the
+/// interface's event dispatcher how presses are reported.
 #ifndef PEVRANO_GUI_PVBUTTON_H
 #define PEVRANO_GUI_PVBUTTON_H
 
@@ -24,7 +25,7 @@ public:
     ~PVBUTTON() override = default;
     bool render(void* element) override;
 
-    // Ignored for null or for 256 characters and more.
+    /// Ignored for null or for 256 characters and more.
     void setCaption(const char* text);
     const char* getCaption() const { return caption; }
     void setFont(PVFONT* newFont) { font = newFont; }
@@ -33,8 +34,8 @@ public:
     PV_BUTTON_EVENT getEventType() const { return eventType; }
 
 protected:
-    // Draws text at (1, 1), one pixel further while pressed; the text is
-    // read as a format without arguments ("%%" draws '%').
+    /// Draws text at (1, 1), one pixel further while pressed; the text is
+    /// read as a format without arguments ("%%" draws '%').
     void putCaption(const char* text);
 
     PVFONT* font;

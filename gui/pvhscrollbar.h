@@ -1,4 +1,5 @@
-// Horizontal scroll bar.
+/// \file
+/// Horizontal scroll bar.
 #ifndef PEVRANO_GUI_PVHSCROLLBAR_H
 #define PEVRANO_GUI_PVHSCROLLBAR_H
 

@@ -1,4 +1,5 @@
-// Label: a box that draws only text, word-processed once when written.
+/// \file
+/// Label: a box that draws only text, word-processed once when written.
 #ifndef PEVRANO_GUI_PVLABEL_H
 #define PEVRANO_GUI_PVLABEL_H
 
@@ -6,7 +7,7 @@
 
 class PVFONT;
 
-// Formatted text as written, before the escape-aware copy.
+/// Formatted text as written, before the escape-aware copy.
 #define PV_LABEL_INPUT_SIZE 512
 
 class PVLABEL : public PVBOX {
@@ -23,7 +24,7 @@ public:
     const char* getText() const { return text; }
 
 private:
-    // The copy may gain a line break per character in the worst case.
+    /// The copy may gain a line break per character in the worst case.
     char text[PV_LABEL_INPUT_SIZE * 2 + 1];
     PVFONT* font;
 };

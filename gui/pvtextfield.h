@@ -1,11 +1,12 @@
-// Text field: a button whose caption is edited from the keyboard, with a
-// blinking caret while it has the focus.
+/// \file
+/// Text field: a button whose caption is edited from the keyboard, with a
+/// blinking caret while it has the focus.
 #ifndef PEVRANO_GUI_PVTEXTFIELD_H
 #define PEVRANO_GUI_PVTEXTFIELD_H
 
 #include "gui/pvbutton.h"
 
-// What became of the last key given to a text field.
+/// What became of the last key given to a text field.
 enum PV_TEXTFIELD_KEY : int {
     PV_TEXTFIELD_KEY_NONE = 0,  // no key (code 0), or backspace on an empty field
     PV_TEXTFIELD_KEY_INSERTED = 1,  // appended: the caret moved on
@@ -24,18 +25,18 @@ public:
     bool render(void* element) override;
 
     void clear() { caption[0] = '\0'; }
-    // Printable codes are appended while they fit, 8 removes the last
-    // character; any key (0 included) marks the field as being edited.
+    /// Printable codes are appended while they fit, 8 removes the last
+    /// character; any key (0 included) marks the field as being edited.
     bool manageKey(char key);
-    // Types one character given by its code as the window system reports it
-    // (Unicode), never cut to 8 bits: codes 32 to 127 are appended while the
-    // text with them and the caret still shows, 8 erases the last one, 0
-    // only keeps the caret blinking; any other code is refused.
+    /// Types one character given by its code as the window system reports it
+    /// (Unicode), never cut to 8 bits: codes 32 to 127 are appended while the
+    /// text with them and the caret still shows, 8 erases the last one, 0
+    /// only keeps the caret blinking; any other code is refused.
     PV_TEXTFIELD_KEY typeCharacter(unsigned int code);
-    // What the last key did, through manageKey or typeCharacter.
+    /// What the last key did, through manageKey or typeCharacter.
     PV_TEXTFIELD_KEY getLastKey() const { return lastKey; }
     bool isEditing() const { return editing; }
-    // The text field that takes the keys (the one pressed last), or null.
+    /// The text field that takes the keys (the one pressed last), or null.
     static PVTEXTFIELD* getFocus();
 
 private:

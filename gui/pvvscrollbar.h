@@ -1,4 +1,5 @@
-// Vertical scroll bar.
+/// \file
+/// Vertical scroll bar.
 #ifndef PEVRANO_GUI_PVVSCROLLBAR_H
 #define PEVRANO_GUI_PVVSCROLLBAR_H
 

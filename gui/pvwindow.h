@@ -1,7 +1,8 @@
-// Window: a movable panel with a title bar (first child), a vertical scroll
-// bar (second child), a word-wrapped text area and any number of widgets
-// (the children from the third on). It clips every widget inside it and
-// scrolls its text together with them.
+/// \file
+/// Window: a movable panel with a title bar (first child), a vertical scroll
+/// bar (second child), a word-wrapped text area and any number of widgets
+/// (the children from the third on). It clips every widget inside it and
+/// scrolls its text together with them.
 #ifndef PEVRANO_GUI_PVWINDOW_H
 #define PEVRANO_GUI_PVWINDOW_H
 
@@ -34,7 +35,7 @@ public:
     void clear();
     bool write(const char* format, ...);
     bool format();
-    // Returns true when the window ends up restored.
+    /// Returns true when the window ends up restored.
     bool minmaximize();
     bool updateScroll();
     void enableScissor();
@@ -43,7 +44,7 @@ public:
 private:
     bool maximized;
     char text[PV_WINDOW_TEXT_SIZE];
-    // Wrapping may add a line break per character.
+    /// Wrapping may add a line break per character.
     char formattedText[PV_WINDOW_TEXT_SIZE * 2];
     PVBUTTON* titleBar;
     PVVSCROLLBAR* scrollBar;

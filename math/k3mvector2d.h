@@ -1,12 +1,13 @@
-// Two-component single-precision vector: positions, sizes and texture
-// coordinates. A plain value type: arrays of it are packed float arrays.
+/// \file
+/// Two-component single-precision vector: positions, sizes and texture
+/// coordinates. A plain value type: arrays of it are packed float arrays.
 #ifndef PEVRANO_MATH_K3MVECTOR2D_H
 #define PEVRANO_MATH_K3MVECTOR2D_H
 
 #include <cstdlib>
 #include <type_traits>
 
-// Enabled when every argument type is a built-in number.
+/// Enabled when every argument type is a built-in number.
 template <class... T> using K3MNumbers = std::enable_if_t<(std::is_arithmetic<T>::value && ...)>;
 
 class K3MVECTOR2D {
@@ -18,7 +19,7 @@ public:
     K3MVECTOR2D(double x_, double y_) : x(float(x_)), y(float(y_)) {}
     K3MVECTOR2D(int x_, int y_) : x(float(x_)), y(float(y_)) {}
     K3MVECTOR2D(const float* v) : x(v[0]), y(v[1]) {}
-    // Mixed argument types (ints with floats, say) convert each to float.
+    /// Mixed argument types (ints with floats, say) convert each to float.
     template <class X, class Y, class = K3MNumbers<X, Y>> K3MVECTOR2D(X x_, Y y_) : x(float(x_)), y(float(y_))
     {
     }
@@ -38,7 +39,7 @@ public:
     }
     void reset() { x = y = 0.0f; }
 
-    // An index outside 0..1 ends the process with status 1.
+    /// An index outside 0..1 ends the process with status 1.
     float& operator[](int i)
     {
         switch (i) {
@@ -76,7 +77,7 @@ public:
     K3MVECTOR2D operator*=(float f) { return *this = *this * f; }
     K3MVECTOR2D operator/=(float f) { return *this = *this / f; }
 
-    // Dot product.
+    /// Dot product.
     float operator%(const K3MVECTOR2D& v) const { return x * v.x + y * v.y; }
 
     float squaredLength() const { return *this % *this; }

@@ -1,6 +1,7 @@
-// Three-component single-precision vector: positions, directions, Euler
-// rotations in degrees, normals. A plain value type: arrays of it are packed
-// float arrays handed to GL as they are.
+/// \file
+/// Three-component single-precision vector: positions, directions, Euler
+/// rotations in degrees, normals. A plain value type: arrays of it are packed
+/// float arrays handed to GL as they are.
 #ifndef PEVRANO_MATH_K3MVECTOR3D_H
 #define PEVRANO_MATH_K3MVECTOR3D_H
 
@@ -15,12 +16,12 @@ public:
     K3MVECTOR3D(double x_, double y_, double z_) : x(float(x_)), y(float(y_)), z(float(z_)) {}
     K3MVECTOR3D(int x_, int y_, int z_) : x(float(x_)), y(float(y_)), z(float(z_)) {}
     K3MVECTOR3D(const float* v) : x(v[0]), y(v[1]), z(v[2]) {}
-    // Mixed argument types (ints with floats, say) convert each to float.
+    /// Mixed argument types (ints with floats, say) convert each to float.
     template <class X, class Y, class Z, class = K3MNumbers<X, Y, Z>>
     K3MVECTOR3D(X x_, Y y_, Z z_) : x(float(x_)), y(float(y_)), z(float(z_))
     {
     }
-    // A 2D vector gains z = 0 (also used for assignment from a 2D vector).
+    /// A 2D vector gains z = 0 (also used for assignment from a 2D vector).
     K3MVECTOR3D(const K3MVECTOR2D& v) : x(v.x), y(v.y), z(0.0f) {}
 
     K3MVECTOR3D set(float x_, float y_, float z_)
@@ -39,7 +40,7 @@ public:
     }
     void reset() { x = y = z = 0.0f; }
 
-    // An index outside 0..2 ends the process with status 1.
+    /// An index outside 0..2 ends the process with status 1.
     float& operator[](int i)
     {
         switch (i) {
@@ -79,9 +80,9 @@ public:
     K3MVECTOR3D operator*=(float f) { return *this = *this * f; }
     K3MVECTOR3D operator/=(float f) { return *this = *this / f; }
 
-    // Dot product.
+    /// Dot product.
     float operator%(const K3MVECTOR3D& v) const { return x * v.x + y * v.y + z * v.z; }
-    // Cross product.
+    /// Cross product.
     K3MVECTOR3D operator^(const K3MVECTOR3D& v) const
     {
         return K3MVECTOR3D(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x);

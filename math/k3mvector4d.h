@@ -1,6 +1,7 @@
-// Four-component single-precision vector. Also the engine's quaternion
-// (x, y, z vector part, w scalar part) and its RGBA colour. A plain value
-// type: arrays of it are packed float arrays.
+/// \file
+/// Four-component single-precision vector. Also the engine's quaternion
+/// (x, y, z vector part, w scalar part) and its RGBA colour. A plain value
+/// type: arrays of it are packed float arrays.
 #ifndef PEVRANO_MATH_K3MVECTOR4D_H
 #define PEVRANO_MATH_K3MVECTOR4D_H
 
@@ -21,12 +22,12 @@ public:
     }
     K3MVECTOR4D(int x_, int y_, int z_, int w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
     K3MVECTOR4D(const float* v) : x(v[0]), y(v[1]), z(v[2]), w(v[3]) {}
-    // Mixed argument types (ints with floats, say) convert each to float.
+    /// Mixed argument types (ints with floats, say) convert each to float.
     template <class X, class Y, class Z, class W, class = K3MNumbers<X, Y, Z, W>>
     K3MVECTOR4D(X x_, Y y_, Z z_, W w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_))
     {
     }
-    // Smaller vectors gain z = 0 and w = 1 (also used for assignment).
+    /// Smaller vectors gain z = 0 and w = 1 (also used for assignment).
     K3MVECTOR4D(const K3MVECTOR2D& v) : x(v.x), y(v.y), z(0.0f), w(1.0f) {}
     K3MVECTOR4D(const K3MVECTOR3D& v) : x(v.x), y(v.y), z(v.z), w(1.0f) {}
 
@@ -52,10 +53,10 @@ public:
     {
         return set(float(x_), float(y_), float(z_), float(w_));
     }
-    // Zeroes w as well, unlike the default constructor.
+    /// Zeroes w as well, unlike the default constructor.
     void reset() { x = y = z = w = 0.0f; }
 
-    // An index outside 0..3 ends the process with status 1.
+    /// An index outside 0..3 ends the process with status 1.
     float& operator[](int i)
     {
         switch (i) {
@@ -109,7 +110,7 @@ public:
     K3MVECTOR4D operator*=(float f) { return *this = *this * f; }
     K3MVECTOR4D operator/=(float f) { return *this = *this / f; }
 
-    // Dot product over all four components.
+    /// Dot product over all four components.
     float operator%(const K3MVECTOR4D& v) const { return x * v.x + y * v.y + z * v.z + w * v.w; }
 
     float squaredLength() const { return *this % *this; }
@@ -117,25 +118,25 @@ public:
     K3MVECTOR4D setLength(float l);
     K3MVECTOR4D normalize();
     double angle(const K3MVECTOR4D& v) const;
-    // Takes a 3D point; the fourth difference pairs its z with this w.
+    /// Takes a 3D point; the fourth difference pairs its z with this w.
     float distance(const K3MVECTOR3D& v) const;
     K3MVECTOR4D lerp(const K3MVECTOR4D& b, float t) const { return *this + (b - *this) * t; }
 
-    // Quaternion operations; angles in radians.
+    /// Quaternion operations; angles in radians.
     K3MVECTOR4D quaternionSetIdentity() { return set(0.0f, 0.0f, 0.0f, 1.0f); }
     K3MVECTOR4D quaternionSetEulers(float a, float b, float c);
     K3MVECTOR4D quaternionSetEulers(const K3MVECTOR3D& angles)
     {
         return quaternionSetEulers(angles.x, angles.y, angles.z);
     }
-    // Hands back x, y, z as they are, without converting to angles.
+    /// Hands back x, y, z as they are, without converting to angles.
     K3MVECTOR3D quaternionGetEulers() const { return K3MVECTOR3D(x, y, z); }
-    // (axis x, axis y, axis z, angle).
+    /// (axis x, axis y, axis z, angle).
     K3MVECTOR4D quaternionGetAxisAngles() const;
-    // Conjugate, not divided by the squared norm.
+    /// Conjugate, not divided by the squared norm.
     K3MVECTOR4D quaternionInverted() const { return K3MVECTOR4D(-x, -y, -z, w); }
     K3MVECTOR4D quaternionInvert() { return *this = quaternionInverted(); }
-    // Hamilton product this * q.
+    /// Hamilton product this * q.
     K3MVECTOR4D quaternionMultiply(const K3MVECTOR4D& q) const
     {
         return K3MVECTOR4D(w * q.x + x * q.w + y * q.z - z * q.y, w * q.y + y * q.w + z * q.x - x * q.z,

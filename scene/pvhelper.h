@@ -1,6 +1,7 @@
-// Helper: a placeholder object exported with a scene (a dummy, a point of
-// interest). It has a bounding radius, used by the render list's clipping
-// and sorting, and draws nothing.
+/// \file
+/// Helper: a placeholder object exported with a scene (a dummy, a point of
+/// interest). It has a bounding radius, used by the render list's clipping
+/// and sorting, and draws nothing.
 #ifndef PEVRANO_SCENE_PVHELPER_H
 #define PEVRANO_SCENE_PVHELPER_H
 
@@ -13,7 +14,7 @@ public:
     PVHELPER& operator=(const PVHELPER& other) = default;
     ~PVHELPER() override = default;
 
-    // Nothing to draw; true for a record, false for a null one.
+    /// Nothing to draw; true for a record, false for a null one.
     bool render(void* element) override;
 
     void setRadius(float value) { radius = value; }
