@@ -51,17 +51,17 @@ struct PVBURST {
 /// Everything an emitter description sets.
 struct PVEMITTERDEF {
     int maxParticles;
-    float rate;  // particles per second
-    float duration;  // seconds of one emission cycle; 0: endless
-    bool looping;  // a new cycle starts when one ends
+    float rate;  ///< particles per second
+    float duration;  ///< seconds of one emission cycle; 0: endless
+    bool looping;  ///< a new cycle starts when one ends
     PVBURST bursts[PV_EMITTER_MAX_BURSTS];
     int numberOfBursts;
     float lifeMin, lifeMax;
-    K3MVECTOR3D direction;  // centre of the spread cone (unit length)
-    float spread;  // half angle of the cone, degrees
+    K3MVECTOR3D direction;  ///< centre of the spread cone (unit length)
+    float spread;  ///< half angle of the cone, degrees
     float speedMin, speedMax;
     K3MVECTOR3D acceleration;
-    K3MVECTOR3D area;  // half extents of the box particles are born in
+    K3MVECTOR3D area;  ///< half extents of the box particles are born in
     K3MVECTOR4D colorBirth, colorDeath;
     float sizeBirth, sizeDeath;
     PV_EMITTER_BLENDING blending;

@@ -12,12 +12,13 @@ void kvfFree(void* block);
 
 /// The counters as they stand, printed by kvfShutdown.
 struct kvfMemoryStats {
-    int ratio = 0;  // allocations minus releases
-    unsigned int allocations = 0;  // kvfMalloc calls
-    unsigned int releases = 0;  // kvfFree calls
-    unsigned int totalBytes = 0;  // sum of all sizes ever requested
-    unsigned int peakPhysical = 0;  // highest physical memory in use seen, bytes
+    int ratio = 0;  ///< allocations minus releases
+    unsigned int allocations = 0;  ///< kvfMalloc calls
+    unsigned int releases = 0;  ///< kvfFree calls
+    unsigned int totalBytes = 0;  ///< sum of all sizes ever requested
+    unsigned int peakPhysical = 0;  ///< highest physical memory in use seen, bytes
 };
+/// The counters as they stand now.
 kvfMemoryStats kvfGetMemoryStats();
 /// Sets the peak of physical memory in use to the current use (kvfInit).
 void kvfResetPeakMemory();

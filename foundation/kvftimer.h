@@ -5,6 +5,7 @@
 
 /// Takes the lowest free slot; returns its index 0 to 7, or -1 when all are taken.
 int kvfNewTimer(float rate);
+/// Gives the slot back; false on a bad or free handle.
 bool kvfFreeTimer(int timer);
 /// Measures the time since the previous adjourn (or the creation).
 bool kvfAdjournTimer(int timer);

@@ -7,10 +7,16 @@
 
 #include "math/k3mvector3d.h"
 
+/// A value of 4 floats (x, y, z, w) with component-wise arithmetic.
 class K3MVECTOR4D {
 public:
+    /// The components, packed in this order.
+    ///@{
     float x, y, z, w;
+    ///@}
 
+    /// Construction from components (converted to float) or from 4 packed floats.
+    ///@{
     K3MVECTOR4D() : x(0.0f), y(0.0f), z(0.0f), w(1.0f) {}
     K3MVECTOR4D(float x_, float y_, float z_, float w_) : x(x_), y(y_), z(z_), w(w_) {}
     K3MVECTOR4D(double x_, double y_, double z_, double w_) :
@@ -22,6 +28,7 @@ public:
     }
     K3MVECTOR4D(int x_, int y_, int z_, int w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_)) {}
     K3MVECTOR4D(const float* v) : x(v[0]), y(v[1]), z(v[2]), w(v[3]) {}
+    ///@}
     /// Mixed argument types (ints with floats, say) convert each to float.
     template <class X, class Y, class Z, class W, class = K3MNumbers<X, Y, Z, W>>
     K3MVECTOR4D(X x_, Y y_, Z z_, W w_) : x(float(x_)), y(float(y_)), z(float(z_)), w(float(w_))
@@ -31,6 +38,9 @@ public:
     K3MVECTOR4D(const K3MVECTOR2D& v) : x(v.x), y(v.y), z(0.0f), w(1.0f) {}
     K3MVECTOR4D(const K3MVECTOR3D& v) : x(v.x), y(v.y), z(v.z), w(1.0f) {}
 
+    /// Sets the components (any number types) and returns the new value;
+    /// reset() zeroes them.
+    ///@{
     K3MVECTOR4D set(float x_, float y_, float z_, float w_)
     {
         x = x_;
@@ -55,6 +65,7 @@ public:
     }
     /// Zeroes w as well, unlike the default constructor.
     void reset() { x = y = z = w = 0.0f; }
+    ///@}
 
     /// An index outside 0..3 ends the process with status 1.
     float& operator[](int i)
@@ -72,13 +83,22 @@ public:
             std::exit(1);
         }
     }
+    /// The components as an array of 4 floats.
+    ///@{
     const float& operator[](int i) const { return const_cast<K3MVECTOR4D&>(*this)[i]; }
     operator float*() { return &x; }
     operator const float*() const { return &x; }
+    ///@}
 
+    /// Exact comparison of every component.
+    ///@{
     int operator==(const K3MVECTOR4D& v) const { return x == v.x && y == v.y && z == v.z && w == v.w; }
     int operator!=(const K3MVECTOR4D& v) const { return !(*this == v); }
+    ///@}
 
+    /// Component-wise arithmetic, with a vector or with the same float for
+    /// every component.
+    ///@{
     K3MVECTOR4D operator+() const { return *this; }
     K3MVECTOR4D operator-() const { return K3MVECTOR4D(-x, -y, -z, -w); }
 
@@ -109,17 +129,24 @@ public:
     K3MVECTOR4D operator/=(const K3MVECTOR4D& v) { return *this = *this / v; }
     K3MVECTOR4D operator*=(float f) { return *this = *this * f; }
     K3MVECTOR4D operator/=(float f) { return *this = *this / f; }
+    ///@}
 
     /// Dot product over all four components.
     float operator%(const K3MVECTOR4D& v) const { return x * v.x + y * v.y + z * v.z + w * v.w; }
 
+    /// Length (Euclidean norm), its square, and setters that scale the
+    /// vector to a given length or to 1; each setter returns the new value.
+    ///@{
     float squaredLength() const { return *this % *this; }
     float length() const;
     K3MVECTOR4D setLength(float l);
     K3MVECTOR4D normalize();
+    ///@}
+    /// Angle to v in radians.
     double angle(const K3MVECTOR4D& v) const;
     /// Takes a 3D point; the fourth difference pairs its z with this w.
     float distance(const K3MVECTOR3D& v) const;
+    /// Linear interpolation: this at t = 0, b at t = 1.
     K3MVECTOR4D lerp(const K3MVECTOR4D& b, float t) const { return *this + (b - *this) * t; }
 
     /// Quaternion operations; angles in radians.
