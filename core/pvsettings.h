@@ -10,11 +10,13 @@
 
 #include <memory>
 
+/// Size of every string setting, terminator included.
 #define PV_SETTINGS_STRING_SIZE 256
 
 class PVDISPLAY;
 struct PVEVENT;
 
+/// Display settings handed to PEVRANO::init, and the configuration in force.
 class PVSETTINGS {
     friend class PEVRANO;
 
@@ -28,6 +30,11 @@ public:
     /// can open a window of that size, and no buffer size is negative.
     bool isOk();
 
+    /// Setters of what PEVRANO::init asks for: window size in pixels, colour,
+    /// depth and stencil bits, window flags, engine pools, the search folders
+    /// for scene, animation, video, texture, shader and font files. Nothing
+    /// is checked until isOk or init.
+    ///@{
     /// String setters copy only a non-null value shorter than 256 characters.
     void setTitle(const char* value);
     void setWindowX(int value) { windowX = value; }
@@ -56,7 +63,11 @@ public:
     void setTexturePath(const char* value);
     void setShaderPath(const char* value);
     void setFontPath(const char* value);
+    ///@}
 
+    /// Getters of the values the setters or load stored; the strings belong
+    /// to this object.
+    ///@{
     char* getTitle() { return title; }
     int getWindowX() const { return windowX; }
     int getWindowY() const { return windowY; }
@@ -84,8 +95,10 @@ public:
     char* getTexturePath() { return texturePath; }
     char* getShaderPath() { return shaderPath; }
     char* getFontPath() { return fontPath; }
+    ///@}
 
     /// The configuration in force (zero, false or null until init succeeds).
+    ///@{
     static bool isActive() { return active; }
     static char* getSDLTitle() { return SDLTitle; }
     static int getSDLWindowX() { return SDLWindowX; }
@@ -102,12 +115,15 @@ public:
     static int getSDLFBOSizeY() { return SDLFBOSizeY; }
     static int getSDLWaterSize() { return SDLWaterSize; }
     static bool getSDLForceFBO() { return SDLForceFBO; }
+    /// The native window of the display in use, 0 without one.
     static EGLNativeWindowType getSDLWindow();
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
     static int getKVAAudioElements() { return KVAAudioElements; }
+    /// Switches shader use off or on in the configuration in force.
     static void forceShadersOff() { SDLUseShaders = false; }
     static void forceShadersOn() { SDLUseShaders = true; }
+    ///@}
     /// Sets the window size in force and the GL viewport; the old size stays if GL refuses.
     static bool resize(int x, int y, int width, int height);
 

@@ -35,8 +35,10 @@ public:
     {
     }
     /// Smaller vectors gain z = 0 and w = 1 (also used for assignment).
+    ///@{
     K3MVECTOR4D(const K3MVECTOR2D& v) : x(v.x), y(v.y), z(0.0f), w(1.0f) {}
     K3MVECTOR4D(const K3MVECTOR3D& v) : x(v.x), y(v.y), z(v.z), w(1.0f) {}
+    ///@}
 
     /// Sets the components (any number types) and returns the new value;
     /// reset() zeroes them.
@@ -149,20 +151,25 @@ public:
     /// Linear interpolation: this at t = 0, b at t = 1.
     K3MVECTOR4D lerp(const K3MVECTOR4D& b, float t) const { return *this + (b - *this) * t; }
 
-    /// Quaternion operations; angles in radians.
+    /// Quaternion operations; angles in radians. The setters return the new
+    /// value: the identity, or the rotation by Euler angles a, b, c about x, y, z.
+    ///@{
     K3MVECTOR4D quaternionSetIdentity() { return set(0.0f, 0.0f, 0.0f, 1.0f); }
     K3MVECTOR4D quaternionSetEulers(float a, float b, float c);
     K3MVECTOR4D quaternionSetEulers(const K3MVECTOR3D& angles)
     {
         return quaternionSetEulers(angles.x, angles.y, angles.z);
     }
+    ///@}
     /// Hands back x, y, z as they are, without converting to angles.
     K3MVECTOR3D quaternionGetEulers() const { return K3MVECTOR3D(x, y, z); }
     /// (axis x, axis y, axis z, angle).
     K3MVECTOR4D quaternionGetAxisAngles() const;
-    /// Conjugate, not divided by the squared norm.
+    /// Conjugate, not divided by the squared norm: returned, or stored in place.
+    ///@{
     K3MVECTOR4D quaternionInverted() const { return K3MVECTOR4D(-x, -y, -z, w); }
     K3MVECTOR4D quaternionInvert() { return *this = quaternionInverted(); }
+    ///@}
     /// Hamilton product this * q.
     K3MVECTOR4D quaternionMultiply(const K3MVECTOR4D& q) const
     {
