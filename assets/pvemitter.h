@@ -28,10 +28,10 @@ class PVTEXTURE;
 enum PV_EMITTER_BLENDING : int32_t { PV_EMITTER_ADDITIVE = 0, PV_EMITTER_ALPHA = 1 };
 
 enum PV_EMITTER_STATE : int32_t {
-    PV_EMITTER_STOPPED = 0,  // emits nothing; live particles finish their lives
+    PV_EMITTER_STOPPED = 0,  ///< emits nothing; live particles finish their lives
     PV_EMITTER_RUNNING = 1,
-    PV_EMITTER_PAUSED = 2,  // nothing moves, ages or is born
-    PV_EMITTER_FINISHED = 3  // a one-shot emitter whose emission time is over
+    PV_EMITTER_PAUSED = 2,  ///< nothing moves, ages or is born
+    PV_EMITTER_FINISHED = 3   ///< a one-shot emitter whose emission time is over
 };
 
 /// One particle of the pool, in the owning emitter's space.

@@ -8,6 +8,7 @@
 /// The name the engine gives itself in the log and as the default window title.
 #define PEVRANO_VERSION_STRING "Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)"
 
+/// Size of the scene-file folder prefix, terminator included.
 #define PEVRANO_PATH_SIZE 256
 
 #include <cstddef>
@@ -20,21 +21,27 @@ class PVNODE;
 class PVCAMERA;
 class KVFREADER;
 
+/// The engine: start-up and shut-down, the frame, events, scene and
+/// interface files, effect switches. Only static members; nodes, textures
+/// and other objects created through the engine are deleted by free.
 class PEVRANO {
 public:
     /// Start-up; a null settings record means the default configuration.
     static bool init(PVSETTINGS* settings);
     /// Shut-down; false (and no log line) if the engine was not active.
     static bool free();
+    /// True between a successful init and free.
     static bool isActive() { return active; }
 
     /// The frame: clear, begin3D, passes, end3D, [select], begin2D, passes, end2D, swap.
+    ///@{
     static bool clear(bool color, bool depth, bool stencil);
     static bool begin3D(PVCAMERA* camera);
     static bool end3D(bool);
     static bool begin2D();
     static bool end2D();
     static bool swap();
+    ///@}
     /// Colour code of the selectable object drawn under a window point (y downwards).
     static unsigned int select(int x, int y);
     /// The window's caption (the start-up leaves it empty); nothing changes
@@ -52,30 +59,42 @@ public:
     /// and a resize event resizes the viewport and the next 2D projection.
     /// Poll before the frame's 3D pass. pushEvent queues an event as if it came
     /// from the window; false when the queue is full.
+    ///@{
     static bool pollEvent(PVEVENT* event);
     static bool pushEvent(const PVEVENT* event);
+    ///@}
     /// The state the events polled so far leave: a key (its SDL 1.2 symbol
     /// value) held down; the pointer and its buttons (bit 0 left, bit 1
     /// middle, bit 2 right); null outputs are skipped.
+    ///@{
     static bool isKeyDown(int key);
     static void getPointer(int* x, int* y, int* buttons);
+    ///@}
 
     /// Adjourns the frame timer, at most once per frame.
     static void updateTimer();
+    /// Frames per second, the frame's time factor (seconds elapsed, at most a
+    /// quarter of a second) and the frame stamp, as the last frame left them.
+    ///@{
     static float getFPS() { return PVFRAMESTATE::getFPS(); }
     static float getFPSfactor() { return PVFRAMESTATE::getFPSfactor(); }
     static long getTimeStamp() { return PVFRAMESTATE::getTimeStamp(); }
+    ///@}
 
     /// Video-memory budget; the counters wrap, they are never checked.
+    ///@{
     static unsigned int getVideoMemory() { return PVFRAMESTATE::getVideoMemory(); }
     static unsigned int getUsedVideoMemory() { return PVFRAMESTATE::getUsedVideoMemory(); }
     static unsigned int getFreeVideoMemory() { return PVFRAMESTATE::getFreeVideoMemory(); }
     static unsigned int pushVideoMemory(unsigned int bytes) { return PVFRAMESTATE::pushVideoMemory(bytes); }
     static unsigned int popVideoMemory(unsigned int bytes) { return PVFRAMESTATE::popVideoMemory(bytes); }
+    ///@}
 
     /// Folder prefix of scene files; callers keep paths below 256 characters.
+    ///@{
     static void setPVEPath(const char* path);
     static char* getPVEPath() { return pvePath; }
+    ///@}
     /// Scene files: the root of the tree read from the file (the PVE path
     /// prefix followed by fileName), or null.
     static PVNODE* load(const char* fileName);
@@ -92,11 +111,16 @@ public:
     /// Builds the widget, font or properties of one XML node under parent;
     /// always returns null.
     static PVNODE* recursiveLoadXML(PVNODE* parent, void* xmlNode);
+    /// The node end3D draws first, turning with the camera, null for
+    /// none; not owned (nodes belong to the engine).
+    ///@{
     static void setSkybox(PVNODE* node) { skybox = node; }
     static PVNODE* getSkybox() { return skybox; }
+    ///@}
 
     /// Effect switches. Bloom, depth of field and shadowing only take effect
     /// when the shader class reports the capability.
+    ///@{
     static void wireframeOn() { wireframe = true; }
     static void wireframeOff() { wireframe = false; }
     static bool isWireframed() { return wireframe; }
@@ -119,7 +143,10 @@ public:
     static void setDOFRange(float value) { DOFRange = value; }
     static float getDOFFocus() { return DOFFocus; }
     static float getDOFRange() { return DOFRange; }
+    ///@}
+    /// Sets a flag nothing reads: no shadow pass runs in this profile.
     static void skipShadowsGeneration() { skipShadows = true; }
+    /// Does nothing: videos advance through PVVIDEO::update.
     static void updateVideo() {}
 
 private:
@@ -153,8 +180,10 @@ private:
     static PVNODE* skybox;
     static bool timerAdjourned;
     /// Per scene file: the obsolete layout flag and the nodes read.
+    ///@{
     static bool obsoleteFile;
     static unsigned int loadedNodes;
+    ///@}
 };
 
 #endif

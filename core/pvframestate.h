@@ -7,21 +7,27 @@
 #ifndef PEVRANO_CORE_PVFRAMESTATE_H
 #define PEVRANO_CORE_PVFRAMESTATE_H
 
+/// Frame stamp, frame timer, video-memory account and shadow switch; static only.
 class PVFRAMESTATE {
 public:
     /// The frame counter: 65536 before the first frame, one more each 3D pass.
     static long getTimeStamp() { return timeStamp; }
     /// Frames per second and seconds of the last frame; -1 without a timer.
+    ///@{
     static float getFPS();
     static float getFPSfactor();
+    ///@}
 
     /// Video-memory budget; the counters wrap, they are never checked.
+    ///@{
     static unsigned int getVideoMemory() { return videoMemoryTotal; }
     static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
     static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
     static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
     static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
+    ///@}
 
+    /// Whether shadowing is switched on (PEVRANO::shadowingOn).
     static bool isShadowed() { return shadowing; }
 
 private:

@@ -11,17 +11,19 @@ class PVFBO;
 
 /// Rendering profiles read by the drawing code.
 enum PV_OPENGL_PROFILE : int {
-    PV_OPENGL_PROFILE_NORMAL = 1,  // ordinary rendering
-    PV_OPENGL_PROFILE_SELECTION = 2,  // flat colour codes for picking
-    PV_OPENGL_PROFILE_DOF = 3  // depth-of-field pre-pass
+    PV_OPENGL_PROFILE_NORMAL = 1,  ///< ordinary rendering
+    PV_OPENGL_PROFILE_SELECTION = 2,  ///< flat colour codes for picking
+    PV_OPENGL_PROFILE_DOF = 3  ///< depth-of-field pre-pass
 };
 
 /// Number of frame-buffer slots reachable through getFbo.
 #define PV_OPENGL_FBO_SLOTS 4
 
+/// The engine's cached GL state and projection set-up; static only.
 class PVOPENGL {
 public:
     /// Capability and client-array switches.
+    ///@{
     static void cullingOn();
     static void cullingOff();
     static bool isCulled();
@@ -41,28 +43,36 @@ public:
     static void colorArrayOff();
     static void textureArrayOn();
     static void textureArrayOff();
+    ///@}
 
     /// Projection parameters used by resize.
+    ///@{
     static void setNearPlane(float value);
     static void setFarPlane(float value);
     static void setAngleOfView(float degrees);
     static float getNearPlane();
     static float getFarPlane();
     static float getAngleOfView();
+    ///@}
 
     /// Only stores the profile; the drawing code reads it back.
+    ///@{
     static void setProfile(int profile);
     static PV_OPENGL_PROFILE getProfile();
+    ///@}
 
     /// Store the colour and apply it to GL at once.
+    ///@{
     static void setBackgroundColor(float r, float g, float b, float a);
     static void setBackgroundColor(K3MVECTOR4D color);
     static void setGlobalAmbientLight(float r, float g, float b, float a);
     static void setGlobalAmbientLight(K3MVECTOR4D color);
     static K3MVECTOR4D getBackgroundColor();
     static K3MVECTOR4D getGlobalAmbientLight();
+    ///@}
 
     /// Capabilities of the programmable pipeline; none is present here.
+    ///@{
     static float getAnisotropicLevel();
     static bool useVBO();
     static bool useAnisotropic();
@@ -70,6 +80,7 @@ public:
     static bool useMultitexturing();
     static bool useShaders();
     static bool useOcclusionQuery();
+    ///@}
     /// Frame buffer in slot index, null for an empty or invalid slot.
     static PVFBO* getFbo(int index);
 

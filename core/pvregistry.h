@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstring>
 
+/// Live objects of class T, linked through their Previous and Next members
+/// from the static head Head; static only.
 template <class T, T** Head, T* T::*Previous, T* T::*Next> class PVREGISTRY {
 public:
     /// Links object behind the last registered one.
@@ -40,6 +42,7 @@ public:
         object->*Next = nullptr;
     }
 
+    /// Number of registered objects.
     static unsigned int count()
     {
         unsigned int total = 0;
@@ -48,6 +51,7 @@ public:
         return total;
     }
 
+    /// First object for which matches returns true; null if none.
     template <class Predicate> static T* find(Predicate matches)
     {
         for (T* object = *Head; object; object = object->*Next)
@@ -64,6 +68,7 @@ public:
         return find([field, wanted](const T& object) { return strcmp(object.*field, wanted) == 0; });
     }
 
+    /// First object whose field equals wanted; null if none.
     template <class Value> static T* findByValue(Value T::*field, Value wanted)
     {
         return find([field, wanted](const T& object) { return object.*field == wanted; });

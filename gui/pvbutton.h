@@ -11,10 +11,10 @@ class PVFONT;
 #define PV_CAPTION_SIZE 256
 
 enum PV_BUTTON_EVENT : int {
-    PV_BUTTON_ON_RELEASE = 0,  // reported when the pointer is released over it
-    PV_BUTTON_ON_PRESS = 1,  // reported when pressed
-    PV_BUTTON_TOGGLE = 2,  // each press flips the pressed state and is reported
-    PV_BUTTON_TITLE_BAR = 3  // a window's title bar: minimises, moves and raises the window
+    PV_BUTTON_ON_RELEASE = 0,  ///< reported when the pointer is released over it
+    PV_BUTTON_ON_PRESS = 1,  ///< reported when pressed
+    PV_BUTTON_TOGGLE = 2,  ///< each press flips the pressed state and is reported
+    PV_BUTTON_TITLE_BAR = 3   ///< a window's title bar: minimises, moves and raises the window
 };
 
 class PVBUTTON : public PVBOX {

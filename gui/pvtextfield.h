@@ -8,12 +8,12 @@
 
 /// What became of the last key given to a text field.
 enum PV_TEXTFIELD_KEY : int {
-    PV_TEXTFIELD_KEY_NONE = 0,  // no key (code 0), or backspace on an empty field
-    PV_TEXTFIELD_KEY_INSERTED = 1,  // appended: the caret moved on
-    PV_TEXTFIELD_KEY_ERASED = 2,  // backspace removed the last character
-    PV_TEXTFIELD_KEY_NOT_DRAWABLE = 3,  // a code outside 32 to 127 the font sheet holds
-    PV_TEXTFIELD_KEY_FULL = 4,  // the field has no room left for it
-    PV_TEXTFIELD_KEY_NO_FONT = 5  // the field has no font
+    PV_TEXTFIELD_KEY_NONE = 0,  ///< no key (code 0), or backspace on an empty field
+    PV_TEXTFIELD_KEY_INSERTED = 1,  ///< appended: the caret moved on
+    PV_TEXTFIELD_KEY_ERASED = 2,  ///< backspace removed the last character
+    PV_TEXTFIELD_KEY_NOT_DRAWABLE = 3,  ///< a code outside 32 to 127 the font sheet holds
+    PV_TEXTFIELD_KEY_FULL = 4,  ///< the field has no room left for it
+    PV_TEXTFIELD_KEY_NO_FONT = 5   ///< the field has no font
 };
 
 class PVTEXTFIELD : public PVBUTTON {
