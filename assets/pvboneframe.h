@@ -7,9 +7,14 @@
 
 #include "math/k3mvector3d.h"
 
+/// One bone's pose in one frame of an animation.
 struct PVBONEFRAME {
+    /// Rotation (Euler angles) and position of the bone.
+    ///@{
     K3MVECTOR3D rotation;
     K3MVECTOR3D position;
+    ///@}
+    /// Whether the frame holds a pose for this bone.
     bool set = false;
 };
 

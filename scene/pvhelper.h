@@ -7,18 +7,26 @@
 
 #include "scene/pvnode.h"
 
+/// A node that marks a place in a scene and draws nothing.
 class PVHELPER : public PVNODE {
 public:
+    /// Creation, copying and deletion; nodes belong to the engine (PEVRANO::free
+    /// deletes those left).
+    ///@{
     PVHELPER();
     PVHELPER(const PVHELPER& other) = default;
     PVHELPER& operator=(const PVHELPER& other) = default;
     ~PVHELPER() override = default;
+    ///@}
 
     /// Nothing to draw; true for a record, false for a null one.
     bool render(void* element) override;
 
+    /// Bounding radius used for clipping and sorting.
+    ///@{
     void setRadius(float value) { radius = value; }
     float getRadius() const { return radius; }
+    ///@}
 
 private:
     float radius;
