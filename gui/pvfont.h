@@ -15,38 +15,67 @@ class PVTEXTURE;
 /// Where a glyph's ink lies in its cell: pixels from the cell's top-left,
 /// right and bottom excluded; all zero for a blank glyph.
 struct PVGLYPHINK {
+    /// The ink's box in the cell.
+    ///@{
     unsigned char left, top, right, bottom;
+    ///@}
 };
 
+/// Size of a font name, of the glyph cache (glyphs per draw) and of one
+/// formatted string, terminators included.
+///@{
 #define PV_FONT_NAME_SIZE 256
 #define PV_FONT_CACHE_GLYPHS 1024
 #define PV_FONT_STRING_SIZE 4096
+///@}
 /// Codes 32 to 127 have a glyph and a kerning entry.
+///@{
 #define PV_FONT_FIRST_CODE 32
 #define PV_FONT_LAST_CODE 127
+///@}
 
+/// A bitmap font: a texture sheet of 16 x 16 cells for codes 32 to 127 and
+/// a kerning table. Fonts register themselves; PEVRANO::free deletes those left.
 class PVFONT {
 public:
+    /// Creation and copying; a font cannot be copy-constructed.
+    ///@{
     PVFONT();
     PVFONT(const PVFONT& other) = delete;
     /// Copies the whole record, registry links included.
     PVFONT& operator=(const PVFONT& other) = default;
+    ///@}
     /// Lets go of the texture and the id and leaves the registry.
     ~PVFONT();
 
+    /// Name (copied when shorter than 256 characters) and registry id.
+    ///@{
     void setName(const char* newName);
     const char* getName() const { return name; }
     unsigned int getId() const { return id; }
+    ///@}
+    /// Cell width and height in pixels; text is laid out again.
+    ///@{
     void setCharSizeX(unsigned int value);
     void setCharSizeY(unsigned int value);
     unsigned int getCharSizeX() const { return charSizeX; }
     unsigned int getCharSizeY() const { return charSizeY; }
+    ///@}
+    /// Neighbours in the registry of fonts.
+    ///@{
     PVFONT* getNext() const { return next; }
     PVFONT* getPrevious() const { return previous; }
+    ///@}
+    /// The glyph sheet, null until set.
     PVTEXTURE* getTexture() const { return texture; }
 
+    /// Holds one reference on the sheet and lets go of the old one; false with
+    /// "Invalid params" for null.
     bool setTexture(PVTEXTURE* newTexture);
+    /// Pixels taken off a code's advance; false with "Invalid params" for a
+    /// code outside 32 to 127.
     bool setKerning(char c, char value);
+    /// Kerning of a code, 0 outside 32 to 127.
     char getKerning(char c) const;
     /// Reads the kerning of the file at the font path followed by file.
     bool loadKerning(const char* file);
@@ -65,16 +94,28 @@ public:
     /// length of in plus one. The last argument is not used.
     int format(const char* in, char* out, unsigned int width, unsigned int unused);
 
+    /// Class-wide state, for the engine: init allocates the glyph cache (false
+    /// with "Out of memory"), free releases it, cleanUp deletes every font
+    /// (false when there was none), reset starts a new pass.
+    ///@{
     static bool init();
     static bool free();
     static bool cleanUp();
     static void reset();
+    ///@}
+    /// Registry look-ups: the count, the first font, the first with a name or
+    /// id (null if none).
+    ///@{
     static int getNumberOfFonts();
     static PVFONT* getFirst() { return firstFont; }
     static PVFONT* findByName(const char* wanted);
     static PVFONT* findById(unsigned int wanted);
+    ///@}
+    /// Folder prefix of kerning files; a null path stores "".
+    ///@{
     static void setPath(const char* path);
     static char* getPath() { return fontPath; }
+    ///@}
     /// Glyphs queued and not yet drawn.
     static unsigned int getCachedGlyphs() { return fontCachedCurrent; }
 
