@@ -1,8 +1,9 @@
-// How a surface is lit and textured: four fixed-function colours, shininess,
-// transparency, one texture per texture unit, an optional shader and a
-// skinning flag. Materials are registered so that the scene loader finds them
-// by name; a class-wide current material lets consecutive meshes with the
-// same material skip every state change within a frame.
+/// \file
+/// How a surface is lit and textured: four fixed-function colours, shininess,
+/// transparency, one texture per texture unit, an optional shader and a
+/// skinning flag. Materials are registered so that the scene loader finds them
+/// by name; a class-wide current material lets consecutive meshes with the
+/// same material skip every state change within a frame.
 #ifndef PEVRANO_ASSETS_PVMATERIAL_H
 #define PEVRANO_ASSETS_PVMATERIAL_H
 
@@ -18,14 +19,14 @@ class PVSHADER;
 class PVMATERIAL {
 public:
     PVMATERIAL();
-    // Texture references are not given back.
+    /// Texture references are not given back.
     ~PVMATERIAL();
     PVMATERIAL(const PVMATERIAL&) = delete;
     PVMATERIAL& operator=(const PVMATERIAL&) = delete;
 
-    // Deletes every registered material; false (no log line) when there was none.
+    /// Deletes every registered material; false (no log line) when there was none.
     static bool cleanUp();
-    // Forgets the current material, so that the next render sets GL state.
+    /// Forgets the current material, so that the next render sets GL state.
     static void reset();
     static PVMATERIAL* findByName(const char* name);
     static PVMATERIAL* findById(unsigned int id);
@@ -35,13 +36,13 @@ public:
     PVMATERIAL* getPrevious();
     static PVMATERIAL* getCurrent();
 
-    // Slot below 16; the old texture loses a reference, the new one gains one.
+    /// Slot below 16; the old texture loses a reference, the new one gains one.
     bool setTexture(unsigned int slot, PVTEXTURE* texture);
     PVTEXTURE* getTexture(unsigned int slot);
-    // Copies name (+ own id), colours, transparency, shininess, textures and
-    // shader of source; no references are taken, skinning is not copied.
+    /// Copies name (+ own id), colours, transparency, shininess, textures and
+    /// shader of source; no references are taken, skinning is not copied.
     void clone(PVMATERIAL* source);
-    // Copies only names shorter than 256 characters.
+    /// Copies only names shorter than 256 characters.
     void setName(const char* newName);
     char* getName();
     unsigned int getId();
@@ -71,13 +72,13 @@ public:
     void setSkinning(bool value);
     bool isSkinned();
 
-    // Transparency differs from 1.
+    /// Transparency differs from 1.
     bool isTransparent();
-    // Slot 0 holds a texture (the other slots do not count).
+    /// Slot 0 holds a texture (the other slots do not count).
     bool isTextured();
 
-    // Puts the material's state into GL; param points to an unsigned int
-    // light type (PV_LIGHT_TYPE values) or is null. Always true.
+    /// Puts the material's state into GL; param points to an unsigned int
+    /// light type (PV_LIGHT_TYPE values) or is null. Always true.
     bool render(void* param);
 
 private:

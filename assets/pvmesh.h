@@ -1,8 +1,9 @@
-// Mesh: a node that carries triangle geometry in 16.16 fixed point (vertices,
-// vertex normals, texture coordinates, faces) plus face normals in floats, an
-// optional skin (bone influences per vertex and a bone table), and the
-// class-wide skeleton cache the render list fills with bone matrices each
-// frame. Skinned meshes are deformed on the CPU in 16.16 before drawing.
+/// \file
+/// Mesh: a node that carries triangle geometry in 16.16 fixed point (vertices,
+/// vertex normals, texture coordinates, faces) plus face normals in floats, an
+/// optional skin (bone influences per vertex and a bone table), and the
+/// class-wide skeleton cache the render list fills with bone matrices each
+/// frame. Skinned meshes are deformed on the CPU in 16.16 before drawing.
 #ifndef PEVRANO_ASSETS_PVMESH_H
 #define PEVRANO_ASSETS_PVMESH_H
 
@@ -17,12 +18,12 @@
 class PVMATERIAL;
 class KVFREADER;
 
-// Skeletons the cache holds per frame; a render-list slot of this value
-// means the cache was full.
+/// Skeletons the cache holds per frame; a render-list slot of this value
+/// means the cache was full.
 #define PV_MESH_SKELETONS 16
-// Bone matrices per skeleton, and so the largest bone count of a mesh.
+/// Bone matrices per skeleton, and so the largest bone count of a mesh.
 #define PV_MESH_BONES 100
-// The node a skinned mesh's world matrix is taken relative to.
+/// The node a skinned mesh's world matrix is taken relative to.
 #define PV_MESH_SKELETON_ROOT "HumanoidRoot"
 
 struct PVFACE {
@@ -38,40 +39,40 @@ struct PVBONE {
 class PVMESH : public PVNODE {
 public:
     PVMESH();
-    // Copies share nothing with the original: geometry, skin and bones are
-    // duplicated and the material gains a reference.
+    /// Copies share nothing with the original: geometry, skin and bones are
+    /// duplicated and the material gains a reference.
     PVMESH(const PVMESH& other);
     PVMESH& operator=(const PVMESH& other);
     ~PVMESH() override;
 
-    // Draws the mesh for one render-list record.
+    /// Draws the mesh for one render-list record.
     bool render(void* element) override;
-    // Deforms the vertices and normals with the bone matrices of skeleton
-    // cache slot `slot`, in 16.16.
+    /// Deforms the vertices and normals with the bone matrices of skeleton
+    /// cache slot `slot`, in 16.16.
     bool animate(unsigned int slot);
-    // Binds every bone record to the node of its name under root.
+    /// Binds every bone record to the node of its name under root.
     bool resetBones(PVNODE* root);
 
-    // Class-wide skeleton cache.
+    /// Class-wide skeleton cache.
     static bool init();
     static bool free();
-    // Starts a frame: no skeleton used, client arrays off.
+    /// Starts a frame: no skeleton used, client arrays off.
     static void reset();
     static unsigned int getNumberOfSkeletons() { return numberOfSkeletons; }
-    // Bone matrices of the slot the next skinned mesh will take; null when
-    // the cache is full or missing.
+    /// Bone matrices of the slot the next skinned mesh will take; null when
+    /// the cache is full or missing.
     static K3MMATRIX* nextSkeleton();
-    // Gives the next slot to owner and returns its number.
+    /// Gives the next slot to owner and returns its number.
     static unsigned int claimSkeleton(PVMESH* owner);
     static K3MMATRIX* getSkeleton(unsigned int slot);
     static PVMESH* getSkeletonOwner(unsigned int slot);
     static void showNormals() { normalsShown = true; }
     static void hideNormals() { normalsShown = false; }
 
-    // Reads a mesh body from a scene file at the reader's position; null,
-    // with the mesh deleted again, when the body is cut short or
-    // inconsistent (the caller logs the corruption).
-    // The body's children count is stored in children.
+    /// Reads a mesh body from a scene file at the reader's position; null,
+    /// with the mesh deleted again, when the body is cut short or
+    /// inconsistent (the caller logs the corruption).
+    /// The body's children count is stored in children.
     static PVNODE* load(KVFREADER& reader, bool obsolete, uint16_t& children);
 
     GLfixed* getVertexPtr() { return vertices; }
@@ -103,29 +104,29 @@ public:
     void setShadowCaster(bool caster) { shadowCaster = caster; }
     bool getShadowCaster() const { return shadowCaster; }
 
-    // Geometry given by the application (positions, normals, UVs and faces
-    // in 16.16, as a scene file would give them once converted); uvs and
-    // normals may be null. False when a face index is out of range.
+    /// Geometry given by the application (positions, normals, UVs and faces
+    /// in 16.16, as a scene file would give them once converted); uvs and
+    /// normals may be null. False when a face index is out of range.
     bool setGeometry(unsigned int vertexCount, const GLfixed* newVertices, const GLfixed* newNormals,
                      const GLfixed* newUVs, unsigned int faceCount, const PVFACE* newFaces);
-    // A skin of `perVertex` influences per vertex over `boneCount` bones
-    // named `names`; false when a count or a bone index is out of range.
+    /// A skin of `perVertex` influences per vertex over `boneCount` bones
+    /// named `names`; false when a count or a bone index is out of range.
     bool setSkin(unsigned int perVertex, const uint8_t* indices, const float* weights, unsigned int boneCount,
                  const char* const* names);
 
-    // Meshes centred on their node's origin, with normals, texture
-    // coordinates (0 to 1 on each face of a box, over a plane, wrapped once
-    // around a sphere), bounds and a default material of their own. A box is
-    // 24 vertices and 12 triangles; a plane lies in XZ facing +Y; a sphere
-    // has slices around Y and stacks from pole to pole. Null, with a log
-    // line, for a size that is not a positive number, fewer than 3 slices or
-    // 2 stacks, or a sphere beyond 65535 vertices or triangles.
+    /// Meshes centred on their node's origin, with normals, texture
+    /// coordinates (0 to 1 on each face of a box, over a plane, wrapped once
+    /// around a sphere), bounds and a default material of their own. A box is
+    /// 24 vertices and 12 triangles; a plane lies in XZ facing +Y; a sphere
+    /// has slices around Y and stacks from pole to pole. Null, with a log
+    /// line, for a size that is not a positive number, fewer than 3 slices or
+    /// 2 stacks, or a sphere beyond 65535 vertices or triangles.
     static PVMESH* createBox(float sizeX, float sizeY, float sizeZ);
     static PVMESH* createPlane(float sizeX, float sizeZ);
     static PVMESH* createSphere(float radius, unsigned int slices, unsigned int stacks);
 
-    // Radius of any node the render list clips or sorts: a mesh's or a
-    // helper's own, 0 for other types.
+    /// Radius of any node the render list clips or sorts: a mesh's or a
+    /// helper's own, 0 for other types.
     static float radiusOf(PVNODE* node);
 
 private:
@@ -181,7 +182,7 @@ private:
     static SKELETON* skeletons;
     static unsigned int numberOfSkeletons;
     static bool normalsShown;
-    // Skinning four lanes at a time, where the processor can.
+    /// Skinning four lanes at a time, where the processor can.
     static bool vectorSkinning;
     friend struct PVTESTACCESS;
 };

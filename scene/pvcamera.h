@@ -1,5 +1,6 @@
-// Camera: sets up the viewing transform at the start of a 3D frame and
-// publishes the view matrix and the eye position for the rest of the frame.
+/// \file
+/// Camera: sets up the viewing transform at the start of a 3D frame and
+/// publishes the view matrix and the eye position for the rest of the frame.
 #ifndef PEVRANO_SCENE_PVCAMERA_H
 #define PEVRANO_SCENE_PVCAMERA_H
 
@@ -7,9 +8,9 @@
 #include "math/k3mvector3d.h"
 #include "scene/pvnode.h"
 
-// Three ways of aiming, chosen by the target node: none is a free camera
-// (position and rotation, or its own matrix), the camera itself looks at its
-// target vector, any other node is followed.
+/// Three ways of aiming, chosen by the target node: none is a free camera
+/// (position and rotation, or its own matrix), the camera itself looks at its
+/// target vector, any other node is followed.
 class PVCAMERA : public PVNODE {
 public:
     PVCAMERA();
@@ -17,8 +18,8 @@ public:
     PVCAMERA& operator=(const PVCAMERA& other) = default;
     ~PVCAMERA() override = default;
 
-    // Replaces the current matrix with the view matrix and publishes it;
-    // the argument is not used. Returns true.
+    /// Replaces the current matrix with the view matrix and publishes it;
+    /// the argument is not used. Returns true.
     bool render(void* element) override;
 
     void setPreRotation(float x, float y, float z);
@@ -28,8 +29,8 @@ public:
     K3MVECTOR3D getUpDirection();
     K3MMATRIX* getThisCameraMatrix();
 
-    // Moves the camera along the axes of the last rendered view (negative z
-    // goes forward); the step is also stored as the node's direction.
+    /// Moves the camera along the axes of the last rendered view (negative z
+    /// goes forward); the step is also stored as the node's direction.
     void moveDoom(float x, float y, float z);
     void moveDoom(K3MVECTOR3D step);
 

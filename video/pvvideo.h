@@ -1,8 +1,9 @@
-// Video texture: plays an MPEG-1/2 video file into an existing texture. Each
-// update runs a number of decoder steps, reading the file in 4096-byte pieces;
-// every decoded picture is converted to 24-bit RGB and replaces the top-left
-// corner of the texture. There is no audio and no clock: the application
-// chooses how many steps to run per frame.
+/// \file
+/// Video texture: plays an MPEG-1/2 video file into an existing texture. Each
+/// update runs a number of decoder steps, reading the file in 4096-byte pieces;
+/// every decoded picture is converted to 24-bit RGB and replaces the top-left
+/// corner of the texture. There is no audio and no clock: the application
+/// chooses how many steps to run per frame.
 #ifndef PEVRANO_VIDEO_PVVIDEO_H
 #define PEVRANO_VIDEO_PVVIDEO_H
 
@@ -23,29 +24,29 @@ enum PV_VIDEO_STATUS {
 class PVVIDEO {
 public:
     PVVIDEO();
-    // Closes the file and decoder still open, then leaves the registry.
+    /// Closes the file and decoder still open, then leaves the registry.
     ~PVVIDEO();
     PVVIDEO(const PVVIDEO&) = delete;
-    // Copies the whole record as it stands: links and decoder block included.
+    /// Copies the whole record as it stands: links and decoder block included.
     PVVIDEO& operator=(const PVVIDEO&) = default;
 
-    // Deletes every registered video; false when there was none.
+    /// Deletes every registered video; false when there was none.
     static bool cleanUp();
     static unsigned int getNumberOfVideos();
-    // First video loaded from this name (as given to load); null for null.
+    /// First video loaded from this name (as given to load); null for null.
     static PVVIDEO* findByFilename(const char* name);
     static PVVIDEO* findById(unsigned int wantedId);
-    // Folder put before every name that load opens (null sets "").
+    /// Folder put before every name that load opens (null sets "").
     static void setMPGPath(const char* path);
     static char* getMPGPath();
 
-    // Opens the file (after the path prefix) and a decoder; the video stops.
+    /// Opens the file (after the path prefix) and a decoder; the video stops.
     bool load(const char* file);
-    // Runs the decoder for this many steps; false when stopped or not loaded.
+    /// Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
 
-    // The texture pictures are uploaded into. It is not reference-counted
-    // here: whoever sets it keeps it alive (incReferences) while it is set.
+    /// The texture pictures are uploaded into. It is not reference-counted
+    /// here: whoever sets it keeps it alive (incReferences) while it is set.
     void setTexture(PVTEXTURE* target) { texture = target; }
     PVTEXTURE* getTexture() { return texture; }
     void play() { status = PV_VIDEO_PLAY; }
