@@ -17,8 +17,12 @@ class PVMESH;
 /// Lights an element can be lit by.
 #define PV_ELEMENT_LIGHTS 4
 
+/// The render list: one record per node passed in a frame (its node, model-view
+/// matrix, distance and nearest lights), sorted and drawn by the engine. The
+/// records live in one class-wide array that init allocates; nodes are not owned.
 class PVELEMENT {
 public:
+    /// An empty record.
     PVELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
     /// A record for a node drawn outside the list (the skybox).
     PVELEMENT(PVNODE* drawn, const K3MMATRIX& modelView) :
@@ -30,24 +34,38 @@ public:
         param1(0)
     {
     }
+    /// Records copy as plain values.
+    ///@{
     PVELEMENT(const PVELEMENT& other) = default;
     PVELEMENT& operator=(const PVELEMENT& other) = default;
+    ///@}
 
-    /// The record.
+    /// The record: the node passed, its model-view matrix, its distance from
+    /// the camera (or from the point of sortLights), the node's auxiliary id,
+    /// and a value the drawing code keeps with it (a mesh's skeleton slot).
+    ///@{
     PVNODE* getNode() const { return node; }
     K3MMATRIX* getMatrix() { return &matrix; }
     float getDistance() const { return distance; }
     unsigned int getAuxId() const { return auxId; }
     unsigned int getParam1() const { return param1; }
     void setParam1(unsigned int value) { param1 = value; }
-    /// Slots 0 to 3; other slots read null and ignore writes.
+    ///@}
+    /// The lights nearest to the record, slots 0 to 3; other slots read null
+    /// and ignore writes.
+    ///@{
     PVELEMENT* getNearestLight(unsigned int slot) const;
     void setNearestLight(unsigned int slot, PVELEMENT* light);
+    ///@}
 
-    /// Life of the list: n records (0 or more than 1024 means 1024).
+    /// Life of the list, for the engine: init allocates n records (0 or more
+    /// than 1024 means 1024; false with "Already active" or "Out of memory"),
+    /// free releases them, isActive between the two.
+    ///@{
     static bool init(unsigned int n);
     static bool free();
     static bool isActive() { return active; }
+    ///@}
     /// Starts a frame: no record passed, no light, no transparency.
     static void reset();
 
@@ -58,8 +76,13 @@ public:
     /// mesh's bones found under node (relative to the current matrix).
     static bool passSkeleton(PVNODE* node, PVMESH* mesh);
 
+    /// Orders the passed records for drawing: in 3D lights first, then opaque
+    /// records, then transparent ones farthest first; in 2D the widgets behind
+    /// first. False when nothing was passed.
+    ///@{
     static bool sort3D();
     static bool sort2D();
+    ///@}
     /// Sets each light's distance to p and orders the lights: exclusive
     /// first, then nearest first.
     static bool sortLights(K3MVECTOR3D p);
@@ -69,15 +92,24 @@ public:
     /// Record i in drawing order, null when i is not below the passed count.
     static PVELEMENT* getPassedElement(unsigned int i);
 
+    /// Counts: records the list holds, records passed this frame, lights and
+    /// transparent records among them.
+    ///@{
     static unsigned int getNumberOfElements() { return numberOfElements; }
     static unsigned int getNumberOfPassedElements() { return numberOfPassedElements; }
     static unsigned int getNumberOfLights() { return numberOfLights; }
     static unsigned int getNumberOfTransparencies() { return numberOfTransparencies; }
+    ///@}
+    /// Distance clipping of meshes, terrains and helpers: when on, one farther
+    /// from the camera than the radius plus twice its own is left out of the
+    /// list (with a "(clipped)" log line).
+    ///@{
     static void clippingOn() { clipping = true; }
     static void clippingOff() { clipping = false; }
     static bool isClipping() { return clipping; }
     static void setClippingRadius(float radius) { clippingRadius = radius; }
     static float getClippingRadius() { return clippingRadius; }
+    ///@}
 
     /// Pointer and keyboard input for the widgets of the last 2D pass: key
     /// pressed this call (0 for none), pointer (x, y) in window pixels with y
