@@ -13,30 +13,48 @@
 /// target vector, any other node is followed.
 class PVCAMERA : public PVNODE {
 public:
+    /// Creation, copying and deletion; nodes belong to the engine (PEVRANO::free
+    /// deletes those left).
+    ///@{
     PVCAMERA();
     PVCAMERA(const PVCAMERA& other) = default;
     PVCAMERA& operator=(const PVCAMERA& other) = default;
     ~PVCAMERA() override = default;
+    ///@}
 
     /// Replaces the current matrix with the view matrix and publishes it;
     /// the argument is not used. Returns true.
     bool render(void* element) override;
 
+    /// Rotation (degrees about x, y, z) applied before the view: free and
+    /// aimed cameras alike turn by it.
+    ///@{
     void setPreRotation(float x, float y, float z);
     void setPreRotation(K3MVECTOR3D rotation);
     K3MVECTOR3D getPreRotation();
+    ///@}
+    /// Up direction of aimed and following cameras.
+    ///@{
     void setUpDirection(const K3MVECTOR3D& up);
     K3MVECTOR3D getUpDirection();
+    ///@}
+    /// The view matrix this camera loaded when it last rendered.
     K3MMATRIX* getThisCameraMatrix();
 
     /// Moves the camera along the axes of the last rendered view (negative z
     /// goes forward); the step is also stored as the node's direction.
+    ///@{
     void moveDoom(float x, float y, float z);
     void moveDoom(K3MVECTOR3D step);
+    ///@}
 
+    /// The view of the last camera rendered: its matrix, its eye position and
+    /// the camera itself (null before any).
+    ///@{
     static K3MMATRIX* getCameraMatrix();
     static K3MVECTOR3D getCameraPosition();
     static PVCAMERA* getThisPassCamera();
+    ///@}
 
 private:
     void applyInverseTransform();

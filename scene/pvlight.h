@@ -14,14 +14,21 @@
 class PVELEMENT;
 class KVFREADER;
 
+/// Kind of light: a point shining all around, parallel rays, or a cone.
 enum PV_LIGHT_TYPE : int32_t { PV_LIGHT_OMNI = 0, PV_LIGHT_DIRECTIONAL = 1, PV_LIGHT_SPOT = 2 };
 
+/// A GL light as a scene node. Every object is lit by the four lights nearest
+/// to it; nodes belong to the engine (PEVRANO::free deletes those left).
 class PVLIGHT : public PVNODE {
 public:
+    /// Creation, copying and deletion; nodes belong to the engine (PEVRANO::free
+    /// deletes those left).
+    ///@{
     PVLIGHT();
     PVLIGHT(const PVLIGHT& other) = default;
     PVLIGHT& operator=(const PVLIGHT& other) = default;
     ~PVLIGHT() override;
+    ///@}
 
     /// Programs the GL slot named by the light's own render-list record
     /// (its param1). False for a null record.
@@ -35,17 +42,24 @@ public:
     static bool activateNearest(PVELEMENT* element);
 
     /// GL_LIGHTING switch, cached: a call that changes nothing costs no GL call.
+    ///@{
     static void lightingOn();
     static void lightingOff();
     static bool getLighting();
+    ///@}
 
     /// Reads a light's scene-file record at the reader's position; its
     /// children count goes to children. Null (the light deleted again) when
     /// the record is cut short.
     static PVNODE* load(KVFREADER& reader, uint16_t& children);
 
+    /// Kind of light.
+    ///@{
     void setLightType(PV_LIGHT_TYPE type);
     PV_LIGHT_TYPE getLightType();
+    ///@}
+    /// Ambient, diffuse and specular colours (RGBA, 0 to 1).
+    ///@{
     void setAmbient(K3MVECTOR4D colour);
     void setAmbient(float r, float g, float b, float a);
     K3MVECTOR4D getAmbient();
@@ -55,22 +69,34 @@ public:
     void setSpecular(K3MVECTOR4D colour);
     void setSpecular(float r, float g, float b, float a);
     K3MVECTOR4D getSpecular();
+    ///@}
     /// Constant, linear and quadratic attenuation factors.
+    ///@{
     void setAttenuation(float constant, float linear, float quadratic);
     K3MVECTOR3D getAttenuation();
+    ///@}
+    /// Spot cone: half angle in degrees and the exponent of the fall-off.
+    ///@{
     void setCutOff(float degrees);
     float getCutOff();
     void setExponent(float exponent);
     float getExponent();
+    ///@}
+    /// An exclusive light is chosen before the nearest ones.
+    ///@{
     void setExclusive(bool exclusive);
     bool isExclusive();
-    /// Shadow settings are stored for the shadow renderer only.
+    ///@}
+    /// Shadow settings (casting, near and far planes); they are stored for the
+    /// shadow renderer only.
+    ///@{
     void castShadows(bool caster);
     bool isShadowCaster();
     void setShadowNearPlane(float distance);
     float getShadowNearPlane();
     void setShadowFarPlane(float distance);
     float getShadowFarPlane();
+    ///@}
 
 private:
     friend class PEVRANO;
