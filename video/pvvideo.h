@@ -9,11 +9,14 @@
 
 #include "core/pvregistry.h"
 
+/// Size of a video's file name, terminator included.
 #define PV_VIDEO_NAME_SIZE 256
 
 class PVTEXTURE;
 struct PVVIDEODECODER;
 
+/// What update does: nothing, play to the end, play in a loop, or (once the
+/// file has been read to its end) reopen it from the start.
 enum PV_VIDEO_STATUS {
     PV_VIDEO_STOP = 0,
     PV_VIDEO_PLAY = 1,
@@ -21,8 +24,11 @@ enum PV_VIDEO_STATUS {
     PV_VIDEO_REWIND = 3,
 };
 
+/// An MPEG-1/2 video stream decoded into a texture, a number of decoder steps
+/// per update. Videos register themselves; PEVRANO::free deletes those left.
 class PVVIDEO {
 public:
+    /// A stopped video with nothing loaded.
     PVVIDEO();
     /// Closes the file and decoder still open, then leaves the registry.
     ~PVVIDEO();
@@ -32,30 +38,45 @@ public:
 
     /// Deletes every registered video; false when there was none.
     static bool cleanUp();
+    /// Registry: the count, and the video with an id (null if none).
+    ///@{
     static unsigned int getNumberOfVideos();
     /// First video loaded from this name (as given to load); null for null.
     static PVVIDEO* findByFilename(const char* name);
     static PVVIDEO* findById(unsigned int wantedId);
+    ///@}
     /// Folder put before every name that load opens (null sets "").
+    ///@{
     static void setMPGPath(const char* path);
     static char* getMPGPath();
+    ///@}
 
     /// Opens the file (after the path prefix) and a decoder; the video stops.
+    /// False with "Invalid params or file not found", "Unable to open file" or
+    /// "Decoder failed to initialize".
     bool load(const char* file);
     /// Runs the decoder for this many steps; false when stopped or not loaded.
     bool update(unsigned int steps);
 
     /// The texture pictures are uploaded into. It is not reference-counted
     /// here: whoever sets it keeps it alive (incReferences) while it is set.
+    ///@{
     void setTexture(PVTEXTURE* target) { texture = target; }
     PVTEXTURE* getTexture() { return texture; }
+    ///@}
+    /// Set what update does next (PV_VIDEO_STATUS), and read it.
+    ///@{
     void play() { status = PV_VIDEO_PLAY; }
     void stop() { status = PV_VIDEO_STOP; }
     void playLoop() { status = PV_VIDEO_LOOP; }
     void rewind() { status = PV_VIDEO_REWIND; }
     PV_VIDEO_STATUS getStatus() { return status; }
+    ///@}
+    /// Registry id and the file name given to load.
+    ///@{
     unsigned int getId() { return id; }
     char* getFilename() { return filename; }
+    ///@}
 
 private:
     friend struct PVTESTACCESS;
