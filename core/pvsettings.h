@@ -30,10 +30,10 @@ public:
     /// can open a window of that size, and no buffer size is negative.
     bool isOk();
 
-    /// Setters of what PEVRANO::init asks for: window size in pixels, colour,
-    /// depth and stencil bits, window flags, engine pools, the search folders
-    /// for scene, animation, video, texture, shader and font files. Nothing
-    /// is checked until isOk or init.
+    /// Setters of the configuration PEVRANO::init asks for. They cover the
+    /// window size in pixels, colour, depth and stencil bits, window flags,
+    /// engine pools and the search folders for scene, animation, video,
+    /// texture, shader and font files; nothing is checked until isOk or init.
     ///@{
     /// String setters copy only a non-null value shorter than 256 characters.
     void setTitle(const char* value);
