@@ -1,4 +1,5 @@
-// Pevrano 3D Graphics Engine: the one header an application includes.
+/// \file
+/// Pevrano 3D Graphics Engine: the one header an application includes.
 #ifndef PEVRANO_PEVRANO_H
 #define PEVRANO_PEVRANO_H
 

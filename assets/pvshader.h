@@ -1,24 +1,38 @@
-// Vertex and fragment program pair with parameter slots. On the fixed-function
-// GL profile shaders are bookkeeping only: they are registered, named and
-// found, never compiled or bound, and never operative, so every caller takes
-// its fixed-function path.
+/// \file
+/// Vertex and fragment program pair with parameter slots. On the fixed-function
+/// GL profile shaders are bookkeeping only: they are registered, named and
+/// found, never compiled or bound, and never operative, so every caller takes
+/// its fixed-function path.
 #ifndef PEVRANO_ASSETS_PVSHADER_H
 #define PEVRANO_ASSETS_PVSHADER_H
 
 #include "core/pvregistry.h"
 
+/// Size of a shader name, parameter slots per shader, built-in shaders.
+///@{
 #define PV_SHADER_NAME_SIZE 256
 #define PV_SHADER_PARAMS 28
 #define PV_SHADER_BUILTINS 35
+///@}
 
+/// A shader program record. This GL profile has no programmable pipeline:
+/// loading succeeds without compiling anything, the binding calls return
+/// false, and every capability query answers false. Shaders register
+/// themselves; PEVRANO::free deletes those left.
 class PVSHADER {
 public:
+    /// Creation and deletion (joins and leaves the registry); not copyable.
+    ///@{
     PVSHADER();
     ~PVSHADER();
     PVSHADER(const PVSHADER&) = delete;
     PVSHADER& operator=(const PVSHADER&) = delete;
+    ///@}
 
-    // Deletes every registered shader; false when there was none.
+    /// Registry: cleanUp deletes every shader (false when there was none), the
+    /// others count, find (null if none) and walk them.
+    ///@{
+    /// Deletes every registered shader; false when there was none.
     static bool cleanUp();
     static int getNumberOfShaders();
     static PVSHADER* findByName(const char* name);
@@ -26,16 +40,27 @@ public:
     static PVSHADER* getFirst();
     PVSHADER* getNext();
     PVSHADER* getPrevious();
+    ///@}
 
+    /// Switches shading on or off (disable also forgets the current shader);
+    /// always true.
+    ///@{
     static bool enable();
     static bool disable();
-    // Forgets the current shader and disables; run at every 3D frame start.
+    ///@}
+    /// Forgets the current shader and disables; run at every 3D frame start.
     static void reset();
 
+    /// Loads the vertex and fragment programs named (null skips one); true here.
+    ///@{
     bool load(char* vertexProgram, char* fragmentProgram, bool flag);
     bool loadVertexShader(char* fileName, char* defines);
     bool loadPixelShader(char* fileName, char* defines);
+    ///@}
+    /// Makes this shader current; true here.
     bool render(void* param);
+    /// Hand values to the current program; false here, as there is none.
+    ///@{
     bool bindParam(unsigned int slot, char* paramName, bool attribute);
     static bool bindTexture(unsigned int unit);
     static bool bindBones(unsigned int count, float* matrices, float* weights, unsigned int bonesPerVertex,
@@ -45,10 +70,15 @@ public:
     static bool bindLuminanceAndExposure(float luminance, float exposure);
     static bool bindFocusAndRange(float focus, float range);
     static bool bindNearAndFarPlane(float zNear, float zFar);
+    ///@}
 
+    /// Whether both programs were compiled.
     bool isOperative();
+    /// Marks both programs as not compiled.
     void forceDeactivation();
 
+    /// Which effects the shaders can draw; all false here.
+    ///@{
     static bool useSkinning();
     static bool usePPL();
     static bool useBloom();
@@ -59,21 +89,30 @@ public:
     static bool useSkydome();
     static bool useWater();
     static bool useTerrain();
+    ///@}
 
-    // Copies only names shorter than PV_SHADER_NAME_SIZE.
+    /// Name (copied only when shorter than PV_SHADER_NAME_SIZE), program file
+    /// names and registry id.
+    ///@{
+    /// Copies only names shorter than PV_SHADER_NAME_SIZE.
     void setName(const char* newName);
     char* getName();
     char* getVSFilename();
     char* getPSFilename();
     unsigned int getId();
-    // Parameter slot value, 0 for a slot out of range.
+    ///@}
+    /// Parameter slot value, 0 for a slot out of range.
     unsigned int getParam(unsigned int slot);
-    // A null path stores "".
+    /// Folder prefix of program files; a null path stores "".
+    ///@{
+    /// A null path stores "".
     static void setPath(const char* path);
     static char* getPath();
+    ///@}
 
-    // Built-in shaders created by init, in creation order. Per-pixel
-    // lighting suffixes: A skinned, T textured, S shadowed.
+    /// Built-in shaders created by init, in creation order. Per-pixel
+    /// lighting suffixes: A skinned, T textured, S shadowed.
+    ///@{
     static PVSHADER* pplDirect;
     static PVSHADER* pplOmni;
     static PVSHADER* pplSpot;
@@ -109,6 +148,7 @@ public:
     static PVSHADER* waterS;
     static PVSHADER* terrainComplex;
     static PVSHADER* terrainSimple;
+    ///@}
 
 private:
     friend class PEVRANO;

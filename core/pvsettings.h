@@ -1,7 +1,8 @@
-// Display configuration: as an object, the settings an application fills (by
-// setters or from a PEVRANO_* key/value file) and hands to PEVRANO::init; as
-// class-wide state, the configuration in force once the display exists, with
-// the native window and the EGL display, surface and context.
+/// \file
+/// Display configuration: as an object, the settings an application fills (by
+/// setters or from a PEVRANO_* key/value file) and hands to PEVRANO::init; as
+/// class-wide state, the configuration in force once the display exists, with
+/// the native window and the EGL display, surface and context.
 #ifndef PEVRANO_CORE_PVSETTINGS_H
 #define PEVRANO_CORE_PVSETTINGS_H
 
@@ -9,25 +10,32 @@
 
 #include <memory>
 
+/// Size of every string setting, terminator included.
 #define PV_SETTINGS_STRING_SIZE 256
 
 class PVDISPLAY;
 struct PVEVENT;
 
+/// Display settings handed to PEVRANO::init, and the configuration in force.
 class PVSETTINGS {
     friend class PEVRANO;
 
 public:
-    // 240 x 320, 16-bit colour, 16-bit depth, full screen, portrait.
+    /// 240 x 320, 16-bit colour, 16-bit depth, full screen, portrait.
     PVSETTINGS();
 
-    // Reads a PEVRANO_* configuration file; keys that are missing keep their values.
+    /// Reads a PEVRANO_* configuration file; keys that are missing keep their values.
     bool load(const char* fileName);
-    // True if SDL accepts the video mode these settings describe, the display
-    // can open a window of that size, and no buffer size is negative.
+    /// True if SDL accepts the video mode these settings describe, the display
+    /// can open a window of that size, and no buffer size is negative.
     bool isOk();
 
-    // String setters copy only a non-null value shorter than 256 characters.
+    /// Setters of the configuration PEVRANO::init asks for. They cover the
+    /// window size in pixels, colour, depth and stencil bits, window flags,
+    /// engine pools and the search folders for scene, animation, video,
+    /// texture, shader and font files; nothing is checked until isOk or init.
+    ///@{
+    /// String setters copy only a non-null value shorter than 256 characters.
     void setTitle(const char* value);
     void setWindowX(int value) { windowX = value; }
     void setWindowY(int value) { windowY = value; }
@@ -55,7 +63,11 @@ public:
     void setTexturePath(const char* value);
     void setShaderPath(const char* value);
     void setFontPath(const char* value);
+    ///@}
 
+    /// Getters of the values the setters or load stored; the strings belong
+    /// to this object.
+    ///@{
     char* getTitle() { return title; }
     int getWindowX() const { return windowX; }
     int getWindowY() const { return windowY; }
@@ -83,8 +95,10 @@ public:
     char* getTexturePath() { return texturePath; }
     char* getShaderPath() { return shaderPath; }
     char* getFontPath() { return fontPath; }
+    ///@}
 
-    // The configuration in force (zero, false or null until init succeeds).
+    /// The configuration in force (zero, false or null until init succeeds).
+    ///@{
     static bool isActive() { return active; }
     static char* getSDLTitle() { return SDLTitle; }
     static int getSDLWindowX() { return SDLWindowX; }
@@ -101,6 +115,7 @@ public:
     static int getSDLFBOSizeY() { return SDLFBOSizeY; }
     static int getSDLWaterSize() { return SDLWaterSize; }
     static bool getSDLForceFBO() { return SDLForceFBO; }
+    /// The native window of the display in use, 0 without one.
     static EGLNativeWindowType getSDLWindow();
     // Who receives the scene-file folder when the settings start: the class
     // that loads scene files registers its path setter here.
@@ -108,19 +123,21 @@ public:
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
     static int getKVAAudioElements() { return KVAAudioElements; }
+    /// Switches shader use off or on in the configuration in force.
     static void forceShadersOff() { SDLUseShaders = false; }
     static void forceShadersOn() { SDLUseShaders = true; }
-    // Sets the window size in force and the GL viewport; the old size stays if GL refuses.
+    ///@}
+    /// Sets the window size in force and the GL viewport; the old size stays if GL refuses.
     static bool resize(int x, int y, int width, int height);
 
 private:
-    // Creates the window and the GL context from this object's configuration.
+    /// Creates the window and the GL context from this object's configuration.
     bool init();
-    // Releases the EGL context, surface and display.
+    /// Releases the EGL context, surface and display.
     static bool free();
-    // Presents the frame drawn; false without a display.
+    /// Presents the frame drawn; false without a display.
     static bool swapBuffers();
-    // The next event from the display in use; false when none is waiting.
+    /// The next event from the display in use; false when none is waiting.
     static bool readDisplayEvent(PVEVENT* event);
 
     void logRequestedConfiguration();
@@ -155,7 +172,7 @@ private:
     char texturePath[PV_SETTINGS_STRING_SIZE];
     char shaderPath[PV_SETTINGS_STRING_SIZE];
     char fontPath[PV_SETTINGS_STRING_SIZE];
-    // Particles in the emitters' shared pool; 0 takes the emitter default.
+    /// Particles in the emitters' shared pool; 0 takes the emitter default.
     int particles = 0;
 
     static bool active;
@@ -170,7 +187,7 @@ private:
     static bool SDLResizable;
     static bool SDLLandscape;
     static bool SDLUseShaders;
-    // Never set by init: these report 0 / false on this target.
+    /// Never set by init: these report 0 / false on this target.
     static int SDLRenderingElements;
     static int SDLShadowMapSize;
     static int SDLFBOSizeX;
@@ -181,8 +198,8 @@ private:
     static int KVAAudioBuffers;
     static int KVAAudioElements;
 
-    // The back-end in use: it holds the native window and the EGL display,
-    // surface and context. Kept closed after free, until the next init.
+    /// The back-end in use: it holds the native window and the EGL display,
+    /// surface and context. Kept closed after free, until the next init.
     static std::unique_ptr<PVDISPLAY> display;
 };
 

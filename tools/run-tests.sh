@@ -11,6 +11,13 @@ echo "== code style (.clang-format)"
 (cd "$root" && find pevrano.h foundation math core scene assets gui video tests tools examples bench fuzz \
   \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 clang-format --dry-run --Werror)
 
+echo "== reference comments of the installed headers (doxygen)"
+if command -v doxygen >/dev/null; then
+  bash "$root/tools/docs.sh"
+else
+  echo "doxygen is not installed: skipped"
+fi
+
 build_and_test() {
   local dir=$1; shift
   cmake -S "$root" -B "$dir" "$@" >/dev/null
