@@ -117,8 +117,8 @@ public:
     static bool getSDLForceFBO() { return SDLForceFBO; }
     /// The native window of the display in use, 0 without one.
     static EGLNativeWindowType getSDLWindow();
-    // Who receives the scene-file folder when the settings start: the class
-    // that loads scene files registers its path setter here.
+    /// Who receives the scene-file folder when the settings start: the class
+    /// that loads scene files registers its path setter here.
     static void setPVEPathReceiver(void (*receiver)(const char* path)) { pvePathReceiver = receiver; }
     static int getKVAAudioChannels() { return KVAAudioChannels; }
     static int getKVAAudioBuffers() { return KVAAudioBuffers; }
