@@ -111,7 +111,10 @@ if [ -d "$build/tools" ]; then
   echo "tools: the installed tools ran from the prefix"
 
   # The examples gallery builds against the prefix as an application would,
-  # its fonts and character made by the installed tools.
+  # its fonts and character made by the installed tools. Under the sanitizers
+  # the preloaded runtime also lands in the compiler, whose own leaks are not
+  # ours to report.
+  export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
   LD_PRELOAD="$preload" cmake -S "$src/examples/gallery" -B "$work/gallery-build" -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_BUILD_TYPE=Release >/dev/null || fail "gallery: the project did not configure against the prefix"
   LD_PRELOAD="$preload" cmake --build "$work/gallery-build" -j2 >/dev/null ||
