@@ -235,12 +235,6 @@ TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
     EXPECT_EQ(recorder.count("glLightModelx"), 1u);
 }
 
-TEST_F(Frame, SwapFlushesAndFinishesBeforeSwapping)
-{
-    start();
-    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::swap()); }), (Calls {"glFlush()", "glFinish()"}));
-}
-
 // Picking at window point (50, 100) clears only the pixel under it (to colour
 // code 0), reads it back and restores the rest. Portrait reads GL row
 // 320 - 100 = 220; landscape exchanges the axes: x' = 320 - 100 = 220,

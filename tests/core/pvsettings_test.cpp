@@ -47,18 +47,6 @@ TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
     EXPECT_EQ(describe(settings), defaults);
 }
 
-// Strings are copied only when they fit with their terminator.
-TEST(Settings, StringsThatDoNotFitAreIgnored)
-{
-    PVSETTINGS s;
-    s.setTitle("Game");
-    s.setTitle(std::string(256, 'x').c_str());
-    s.setPVAPath(nullptr);
-    s.setTexturePath(std::string(255, 'y').c_str());
-    EXPECT_STREQ(s.getTitle(), "Game");
-    EXPECT_EQ(std::string(s.getTexturePath()), std::string(255, 'y'));
-}
-
 TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
     pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
