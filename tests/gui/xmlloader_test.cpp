@@ -109,16 +109,6 @@ TEST_F(XmlLoader, BuildsTheWholeTreeAndLogsEachWidget)
     child<PVHSCROLLBAR>(root, 6);
 }
 
-TEST_F(XmlLoader, ABoxShowsItsTexture)
-{
-    PVNODE* root = load("<root><box><position x=\"10\" y=\"10\"/><size width=\"40\" height=\"40\"/>"
-                        "<color r=\"1\" g=\"1\" b=\"1\" a=\"1\"/><texture value=\"red.tga\"/></box></root>");
-    ASSERT_NE(nullptr, root) << logged();
-    drawFrame2D(root);
-    expectColour({1, 0, 0}, screen(30, 30), "middle of the box");
-    expectColour({0, 0, 0}, screen(70, 70), "outside the box");
-}
-
 TEST_F(XmlLoader, RefusedFilesLogWhyAndGiveNull)
 {
     struct Case {
