@@ -62,29 +62,12 @@ TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
     EXPECT_EQ(describe(s), defaults);
 }
 
-// Blanks go before the search, the first line holding a key wins, keys match
-// inside longer text, and the character after the key is skipped whatever it is.
+// data/settings/game.cfg: blanks go before the search, the first line holding
+// a key wins, keys match inside longer text, and the character after the key
+// is skipped whatever it is.
 TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::writeFile("game.cfg", "# display\n"
-                                  "PEVRANO_windowX = 480   # wider\n"
-                                  "PEVRANO_windowY\t=\t6 4 0\r\n"
-                                  "PEVRANO_colorDepth:24\n"
-                                  "PEVRANO_zetaDepth=24\n"
-                                  "PEVRANO_zetaDepth=32\n"
-                                  "OLD_PEVRANO_FBOSizeX=2048\n"
-                                  "PEVRANO_FBOSizeX=512\n"
-                                  "PEVRANO_waterSizeMax=9\n"
-                                  "PEVRANO_fullScreen=0\n"
-                                  "PEVRANO_landscape=2\n"
-                                  "PEVRANO_useShaders=1\n"
-                                  "PEVRANO_audioChannels=12abc\n"
-                                  "PEVRANO_renderingElements=\n"
-                                  "PEVRANO_title = \"My Game\"\n"
-                                  "PEVRANO_pvePath=models/\n"
-                                  "PEVRANO_texturePath = \"tex tures/\" # quoted\n"
-                                  "PEVRANO_fontPath=\"fonts/\n"
-                                  "PEVRANO_shaderPath=\"a\"b\"");
+    pvtest::writeFile("game.cfg", pvtest::readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
     PVSETTINGS s;
     s.setRenderingElements(77);
     ASSERT_TRUE(s.load("game.cfg"));
