@@ -35,16 +35,7 @@ protected:
     }
 
     // Window pixel of an eye-space point (the default camera is the identity).
-    static Vec3 project(Vec3 eye)
-    {
-        const Mat4 projection =
-            Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
-                              PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
-        double clip[4];
-        projection.apply(eye, 1.0, clip);
-        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight,
-                0};
-    }
+    static Vec3 project(Vec3 eye) { return windowPoint(Mat4::identity(), eye); }
 
     PVNODE* root = nullptr;
 };

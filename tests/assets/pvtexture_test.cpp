@@ -113,18 +113,7 @@ TEST_F(Textures, CollectorEvictsNewestFirstAndDeletesTheUnreferenced)
     resident("c.tga", 7);
     ASSERT_EQ(PEVRANO::getUsedVideoMemory(), 192u);
     EXPECT_TRUE(PVTEXTURE::garbageCollect(100));
-    EXPECT_EQ(log.text(), "[BEGIN GARBAGE COLLECTOR]\n\n"
-                          "   Memory used before : 192\n"
-                          "   Memory max. to keep: 100\n"
-                          "   Candidates:\n"
-                          "      0. c.tga (7)\n"
-                          "      1. a.tga (5)\n"
-                          "      2. b.tga (3)\n"
-                          "   c.tga unloaded\n"
-                          "   a.tga unloaded\n"
-                          "   Memory used after : 64\n"
-                          "   Dead textures     : 2\n"
-                          "\n[END GARBAGE COLLECTOR]\n");
+    EXPECT_EQ(log.text(), readFile(PEVRANO_TEST_DATA "/expected/collector.log"));
     EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
     EXPECT_STREQ(PVTEXTURE::getFirst()->getFilename(), "b.tga");
     EXPECT_TRUE(PVTEXTURE::getFirst()->isLoaded());
@@ -140,23 +129,14 @@ TEST_F(Textures, EvictedTextureIsReadAgainUnderItsName)
     ASSERT_TRUE(texture->load("brick.tga"));
     texture->setFilter(false, false, false);
     PVTESTACCESS::setTimeStamp(5);
-    const std::string report = "[BEGIN GARBAGE COLLECTOR]\n\n"
-                               "   Memory used before : 4\n"
-                               "   Memory max. to keep: 0\n"
-                               "   Candidates:\n"
-                               "      0. brick.tga (5)\n"
-                               "   brick.tga unloaded\n"
-                               "   Memory used after : 0\n"
-                               "   Dead textures     : 0\n"
-                               "\n[END GARBAGE COLLECTOR]\n";
     for (int collection = 0; collection < 2; collection++) {
         PVTEXTURE::texturingOff(16);
         ASSERT_TRUE(texture->render(nullptr));
         ASSERT_TRUE(texture->isLoaded());
         EXPECT_EQ(Bytes(texture->getBitmap(), texture->getBitmap() + 4), (Bytes {3, 2, 1, 4}));
         EXPECT_TRUE(PVTEXTURE::garbageCollect(0));
+        EXPECT_FALSE(texture->isLoaded());  // the report is the collector case's business
     }
-    EXPECT_EQ(log.text(), report + report);
 }
 
 TEST_F(Textures, ShortBudgetRunsTheCollectorBeforeUpload)

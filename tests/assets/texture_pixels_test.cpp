@@ -8,8 +8,8 @@
 
 #include <pevrano.h>
 
-#include "imagefile.h"
 #include "scene/scenefixture.h"
+#include "tgafile.h"
 
 using namespace pvtest;
 
@@ -131,9 +131,8 @@ TEST_F(TexturePixels, SmallestMipmapLevelIsTheBoxFilteredAverage)
 // A PNG's top row is drawn at the top of the quad, as a TGA's is.
 TEST_F(TexturePixels, PngTextureIsDrawnTopRowUp)
 {
-    const Picture redOverBlue = {2, 2, {255, 0, 0, 255, 255, 0, 0, 255, 0, 0, 255, 255, 0, 0, 255, 255}};
-    (new TexturedQuad(texturedMaterial("t.png", pngOf(redOverBlue, PngKind::RGB), false), 1.0f, false))
-        ->link(root);
+    const std::string redOverBlue = readFile(PEVRANO_TEST_DATA "/images/redoverblue.png");
+    (new TexturedQuad(texturedMaterial("t.png", redOverBlue, false), 1.0f, false))->link(root);
     drawFrame(root, camera);
     expectColour({1, 0, 0}, pixelAt(windowWidth / 2, windowHeight / 2 + windowHeight / 10), "top half");
     expectColour({0, 0, 1}, pixelAt(windowWidth / 2, windowHeight / 2 - windowHeight / 10), "bottom half");

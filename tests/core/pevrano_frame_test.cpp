@@ -22,11 +22,6 @@ namespace {
 using pvtest::Calls;
 using Frame = pvtest::EngineTest;
 
-// 16.16 fixed point of the 240 x 320 window's sides, and of 90.
-const std::string W = "15728640";
-const std::string H = "20971520";
-const std::string ninety = "5898240";
-
 using pvtest::Rgb;
 
 void expectColour(int x, int y, const Rgb& want)
@@ -97,26 +92,11 @@ void setEveryTwoDSwitchTheOtherWay()
     PVOPENGL::textureArrayOff();
 }
 
+// Every switch begin2D turns, then the projection of one unit per pixel.
 Calls begin2DCalls(bool landscape)
 {
-    Calls calls = {"glDisable(GL_LIGHTING)",
-                   "glDisable(GL_BLEND)",
-                   "glDisable(GL_CULL_FACE)",
-                   "glDisable(GL_DEPTH_TEST)",
-                   "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)",
-                   "glEnableClientState(GL_VERTEX_ARRAY)",
-                   "glDisableClientState(GL_NORMAL_ARRAY)",
-                   "glEnableClientState(GL_COLOR_ARRAY)",
-                   "glEnableClientState(GL_TEXTURE_COORD_ARRAY)",
-                   "glMatrixMode(GL_PROJECTION)",
-                   "glPushMatrix()",
-                   "glLoadIdentity()"};
-    if (landscape)
-        calls.push_back("glRotatex(" + ninety + ",0,0,65536)");
-    const std::string sides = landscape ? H + "," + W : W + "," + H;
-    calls.insert(calls.end(), {"glOrthox(0," + sides + ",0,-65536,65536)", "glMatrixMode(GL_MODELVIEW)",
-                               "glLoadIdentity()"});
-    return calls;
+    return pvtest::readCalls(PEVRANO_TEST_DATA "/expected/begin2d-" +
+                             std::string(landscape ? "landscape" : "portrait") + ".calls");
 }
 
 }  // namespace
@@ -233,12 +213,6 @@ TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
         << recorder.text();
     EXPECT_EQ(recorder.count("glDisable"), 1u);
     EXPECT_EQ(recorder.count("glLightModelx"), 1u);
-}
-
-TEST_F(Frame, SwapFlushesAndFinishesBeforeSwapping)
-{
-    start();
-    EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::swap()); }), (Calls {"glFlush()", "glFinish()"}));
 }
 
 // Picking at window point (50, 100) clears only the pixel under it (to colour

@@ -72,10 +72,10 @@ TEST_F(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
     impossible.setZetaDepth(64);
     EXPECT_FALSE(PEVRANO::init(&impossible));
 
-    std::vector<LogLine> request = pvtest::defaultSettingsRequestLines();
-    request[3] = exact("          depth: 16, zeta: 64, stencil: 0");
     std::vector<LogLine> lines =
-        pvtest::upTo(pvtest::initLines(false, request), "          Font path   : ''");
+        pvtest::upTo(pvtest::replacing(pvtest::initLines(false), "          depth: 16, zeta: 16, stencil: 0",
+                                       exact("          depth: 16, zeta: 64, stencil: 0")),
+                     "          Font path   : ''");
     pvtest::append(lines, {pvtest::like("      OpenGL ES [0-9]+\\.[0-9]+"),
                            exact("      Number of available configs: 0"),
                            exact("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init"),
@@ -138,13 +138,8 @@ TEST_F(Lifecycle, IncompatibleVideoModeIsRefusedBeforeAnyWindow)
     EXPECT_FALSE(PEVRANO::init(&tooLarge));
     EXPECT_FALSE(tooLarge.isOk());
     EXPECT_TRUE(PVSETTINGS().isOk());
-    const std::string text = log.text();
-    const std::string tail = "          Water map size : 256\n"
-                             "   [!] Incompatible config @ PVSETTINGS::init\n"
-                             "   [!] Unable to init settings @ PEVRANO::init\n";
-    ASSERT_GE(text.size(), tail.size());
-    EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
-    EXPECT_NE(text.find("          X: 8000, Y: 8000\n"), std::string::npos);
+    EXPECT_NE(log.text().find("          X: 8000, Y: 8000\n"), std::string::npos);
+    EXPECT_NE(log.text().find("   [!] Incompatible config @ PVSETTINGS::init\n"), std::string::npos);
     expectEngineStartsAgain();
 }
 
@@ -164,10 +159,12 @@ TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
         {0, 320, 16, 16, 0, "X: 0, Y: 320\n          depth: 16, zeta: 16, stencil: 0"},
         {240, 320, 16, -1, 0, "X: 240, Y: 320\n          depth: 16, zeta: 4294967295, stencil: 0"},
         {240, 320, 16, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
-        {240, 320, 16, 16, -8, "X: 240, Y: 320\n          depth: 16, zeta: 16, stencil: 4294967288"},
         {507, 240, 17, 24, 8, "X: 507, Y: 240\n          depth: 17, zeta: 24, stencil: 8"},
         {507, 240, 15, 24, 0, "X: 507, Y: 240\n          depth: 15, zeta: 24, stencil: 0"},
     };
+    const std::string refusal = "          Water map size : 256\n"
+                                "   [!] Incompatible config @ PVSETTINGS::init\n"
+                                "   [!] Unable to init settings @ PEVRANO::init\n";
     for (const Case& c : cases) {
         PVSETTINGS settings;
         settings.setWindowX(c.x);
@@ -177,18 +174,11 @@ TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
         settings.setStencilDepth(c.stencil);
         const size_t before = log.text().size();
         EXPECT_FALSE(PEVRANO::init(&settings));
-        EXPECT_EQ(log.text().substr(before),
-                  std::string("   SDL initialized\n   Initialize Pevrano\n\n   Init settings...\n"
-                              "      Configuration to set:\n          ") +
-                      c.sizes +
-                      "\n          title: 'Pevrano 3D Graphics Engine for Axim v1.6.6a (debug)'\n"
-                      "          fullscreen: 1\n          resizable : 0\n          landscape : 0\n"
-                      "          shaders: 0\n          max elems: 0\n          audio: c: 16, b: 32, e: 128\n"
-                      "          shadow map size: 1024\n          FBO map sizes  : 1024, 768\n"
-                      "          Water map size : 256\n"
-                      "   [!] Incompatible config @ PVSETTINGS::init\n"
-                      "   [!] Unable to init settings @ PEVRANO::init\n")
-            << c.sizes;
+        const std::string text = log.text().substr(before);
+        EXPECT_NE(text.find("      Configuration to set:\n          " + std::string(c.sizes) + "\n"),
+                  std::string::npos)
+            << text;
+        EXPECT_EQ(text.substr(text.find("          Water map size")), refusal) << c.sizes;
     }
     expectEngineStartsAgain();
 }

@@ -44,9 +44,14 @@ using GlWrapper = pvtest::GlContextTest;
 
 // Truncation toward zero: +-1.5/65536 gives +-1 (rounding would give +-2,
 // flooring -2 for the negative one), +-0.00001 gives 0; 0.1 * 65536 = 6553.6,
-// 0.2 -> 13107.2, 0.3 -> 19660.8, 0.4 -> 26214.4.
-TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedFixedPoint)
+// 0.2 -> 13107.2, 0.3 -> 19660.8, 0.4 -> 26214.4. The 16.16 range ends below
+// 32768: the largest float inside it keeps its exact truncation, anything
+// beyond saturates, NaN gives 0.
+TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedSaturatedFixedPoint)
 {
+    const float inside[4] = {32767.99609375f, -32767.99609375f, -32768.0f, 0.5f};
+    const float beyond[4] = {32768.0f, -32768.00390625f, 1e30f, -1e30f};
+    const float special[4] = {INFINITY, -INFINITY, NAN, -NAN};
     const float ambient[4] = {0.25f, 0.5f, 0.75f, 1.0f};
     const float position[4] = {-2.0f, 0.125f, 100.0f, 0.0f};
     const float emission[4] = {0.1f, 0.2f, 0.3f, 0.4f};
@@ -64,34 +69,23 @@ TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedFixedPoint)
         PV_glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, 1.0f);
         PV_glClearDepthf(0.75f);
         PV_glAlphaFunc(GL_GEQUAL, 0.5f);
-    });
-    EXPECT_EQ(calls, (Calls {"glColor4x(65536,65536,65536,65536)", "glColor4x(32768,-98304,131071,-32768)",
-                             "glClearColorx(1,-1,0,0)", "glClearColorx(16384,49152,0,65536)",
-                             "glLightxv(GL_LIGHT1,GL_AMBIENT,{16384,32768,49152,65536})",
-                             "glLightxv(GL_LIGHT2,GL_POSITION,{-131072,8192,6553600,0})",
-                             "glLightx(GL_LIGHT3,GL_SPOT_CUTOFF,2981888)",
-                             "glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{6553,13107,19660,26214})",
-                             "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,786432)",
-                             "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,49152,65536})",
-                             "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glClearDepthx(49152)",
-                             "glAlphaFuncx(GL_GEQUAL,32768)"}));
-}
-
-// The 16.16 range ends below 32768: the largest float inside it keeps its
-// exact truncation, anything beyond saturates, NaN gives 0.
-TEST_F(GlWrapper, ValuesBeyondTheFixedRangeSaturate)
-{
-    const float inside[4] = {32767.99609375f, -32767.99609375f, -32768.0f, 0.5f};
-    const float beyond[4] = {32768.0f, -32768.00390625f, 1e30f, -1e30f};
-    const float special[4] = {INFINITY, -INFINITY, NAN, -NAN};
-    const Calls calls = record([&] {
         PV_glLightfv(GL_LIGHT0, GL_POSITION, inside);
         PV_glLightfv(GL_LIGHT0, GL_POSITION, beyond);
         PV_glLightfv(GL_LIGHT0, GL_POSITION, special);
         PV_glClearDepthf(40000.0f);
     });
     EXPECT_EQ(calls,
-              (Calls {"glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
+              (Calls {"glColor4x(65536,65536,65536,65536)", "glColor4x(32768,-98304,131071,-32768)",
+                      "glClearColorx(1,-1,0,0)", "glClearColorx(16384,49152,0,65536)",
+                      "glLightxv(GL_LIGHT1,GL_AMBIENT,{16384,32768,49152,65536})",
+                      "glLightxv(GL_LIGHT2,GL_POSITION,{-131072,8192,6553600,0})",
+                      "glLightx(GL_LIGHT3,GL_SPOT_CUTOFF,2981888)",
+                      "glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{6553,13107,19660,26214})",
+                      "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,786432)",
+                      "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,49152,65536})",
+                      "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glClearDepthx(49152)",
+                      "glAlphaFuncx(GL_GEQUAL,32768)",
+                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
                       "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,2147483647,-2147483648})",
                       "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,0,0})",
                       "glClearDepthx(2147483647)"}));

@@ -47,18 +47,6 @@ TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
     EXPECT_EQ(describe(settings), defaults);
 }
 
-// Strings are copied only when they fit with their terminator.
-TEST(Settings, StringsThatDoNotFitAreIgnored)
-{
-    PVSETTINGS s;
-    s.setTitle("Game");
-    s.setTitle(std::string(256, 'x').c_str());
-    s.setPVAPath(nullptr);
-    s.setTexturePath(std::string(255, 'y').c_str());
-    EXPECT_STREQ(s.getTitle(), "Game");
-    EXPECT_EQ(std::string(s.getTexturePath()), std::string(255, 'y'));
-}
-
 TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
     pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
@@ -74,29 +62,12 @@ TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
     EXPECT_EQ(describe(s), defaults);
 }
 
-// Blanks go before the search, the first line holding a key wins, keys match
-// inside longer text, and the character after the key is skipped whatever it is.
+// data/settings/game.cfg: blanks go before the search, the first line holding
+// a key wins, keys match inside longer text, and the character after the key
+// is skipped whatever it is.
 TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::writeFile("game.cfg", "# display\n"
-                                  "PEVRANO_windowX = 480   # wider\n"
-                                  "PEVRANO_windowY\t=\t6 4 0\r\n"
-                                  "PEVRANO_colorDepth:24\n"
-                                  "PEVRANO_zetaDepth=24\n"
-                                  "PEVRANO_zetaDepth=32\n"
-                                  "OLD_PEVRANO_FBOSizeX=2048\n"
-                                  "PEVRANO_FBOSizeX=512\n"
-                                  "PEVRANO_waterSizeMax=9\n"
-                                  "PEVRANO_fullScreen=0\n"
-                                  "PEVRANO_landscape=2\n"
-                                  "PEVRANO_useShaders=1\n"
-                                  "PEVRANO_audioChannels=12abc\n"
-                                  "PEVRANO_renderingElements=\n"
-                                  "PEVRANO_title = \"My Game\"\n"
-                                  "PEVRANO_pvePath=models/\n"
-                                  "PEVRANO_texturePath = \"tex tures/\" # quoted\n"
-                                  "PEVRANO_fontPath=\"fonts/\n"
-                                  "PEVRANO_shaderPath=\"a\"b\"");
+    pvtest::writeFile("game.cfg", pvtest::readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
     PVSETTINGS s;
     s.setRenderingElements(77);
     ASSERT_TRUE(s.load("game.cfg"));
@@ -182,9 +153,9 @@ TEST_F(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
     deep.setColorDepth(24);
     start(deep);
     const int deepInForce = PVSETTINGS::getSDLColorDepth();
-    std::vector<pvtest::LogLine> request = pvtest::defaultSettingsRequestLines();
-    request[3] = pvtest::exact("          depth: 24, zeta: 16, stencil: 0");
-    pvtest::expectLog(log.text(), pvtest::initLines(false, request));
+    pvtest::expectLog(log.text(),
+                      pvtest::replacing(pvtest::initLines(false), "          depth: 16, zeta: 16, stencil: 0",
+                                        pvtest::exact("          depth: 24, zeta: 16, stencil: 0")));
     ASSERT_TRUE(PEVRANO::free());
 
     start();

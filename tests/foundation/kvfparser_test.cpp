@@ -7,10 +7,13 @@
 #include <sys/stat.h>
 #include <vector>
 
-#include "support/logmatch.h"
-#include "support/scratch.h"
+#include "support/glfixture.h"
 
 using namespace pvtest;
+
+// Each case runs in a scratch folder with the log captured.
+using Parser = RecordingTest;
+using Files = RecordingTest;
 
 namespace {
 
@@ -87,10 +90,8 @@ void expectLookups(const std::string& content, std::initializer_list<Lookup> loo
 
 }  // namespace
 
-TEST(Parser, OpenAndCloseFailures)
+TEST_F(Parser, OpenAndCloseFailures)
 {
-    ScratchDir dir;
-    LogCapture capture;
     kvfParser parser;
     writeFile("empty.cfg", "");
     ASSERT_EQ(mkdir("folder.cfg", 0755), 0);
@@ -103,19 +104,18 @@ TEST(Parser, OpenAndCloseFailures)
     EXPECT_EQ(parser.buffer, nullptr);
     EXPECT_FALSE(kvfCloseParser(nullptr));
     EXPECT_FALSE(kvfCloseParser(&parser));
-    EXPECT_EQ(capture.text(), "kvfOpenParser: invalid params\n"
-                              "kvfOpenParser: invalid params\n"
-                              "kvfOpenParser: unable to open file missing.cfg\n"
-                              "kvfOpenParser: unable to open file folder.cfg\n"
-                              "kvfOpenParser: file 'empty.cfg' is empty\n"
-                              "kvfCloseParser: invalid params\n"
-                              "kvfCloseParser: parser already free\n");
+    EXPECT_EQ(log.text(), "kvfOpenParser: invalid params\n"
+                          "kvfOpenParser: invalid params\n"
+                          "kvfOpenParser: unable to open file missing.cfg\n"
+                          "kvfOpenParser: unable to open file folder.cfg\n"
+                          "kvfOpenParser: file 'empty.cfg' is empty\n"
+                          "kvfCloseParser: invalid params\n"
+                          "kvfCloseParser: parser already free\n");
 }
 
 // The content is held in one counted block with a terminator after it.
-TEST(Parser, OpenHoldsTheContentInOneCountedBlock)
+TEST_F(Parser, OpenHoldsTheContentInOneCountedBlock)
 {
-    ScratchDir dir;
     writeFile("five.cfg", "A=1\nB");
     kvfMemoryStats before = kvfGetMemoryStats();
     kvfParser parser;
@@ -127,10 +127,8 @@ TEST(Parser, OpenHoldsTheContentInOneCountedBlock)
     EXPECT_EQ(kvfGetMemoryStats().ratio, before.ratio);
 }
 
-TEST(Parser, LineEnds)
+TEST_F(Parser, LineEnds)
 {
-    ScratchDir dir;
-    LogCapture capture;
     // A carriage return before a line feed stays; the last line needs no end.
     EXPECT_EQ(readLines("first\nsecond\r\nthird"), (Lines {"first", "second\r", "third"}));
     EXPECT_EQ(readLines("\n\nlast\n"), (Lines {"", "", "last"}));
@@ -146,12 +144,11 @@ TEST(Parser, LineEnds)
     // Compact lines lose their blanks and tabs, quoted or not.
     EXPECT_EQ(readLines(" A = 1 \t\r\n\t\tB\t=  \"two words\"\nC", kvfReadCompactLine),
               (Lines {"A=1\r", "B=\"twowords\"", "C"}));
-    EXPECT_EQ(capture.text(), "");
+    EXPECT_EQ(log.text(), "");
 }
 
-TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd)
+TEST_F(Parser, CommentsBecomeBlanksUpToTheLineEnd)
 {
-    ScratchDir dir;
     // With a line-end character as the mark, the one that stops a run starts the next.
     const struct {
         const char* content;
@@ -177,9 +174,8 @@ TEST(Parser, CommentsBecomeBlanksUpToTheLineEnd)
     EXPECT_FALSE(kvfStripComments(nullptr, '#'));
 }
 
-TEST(Parser, Lookups)
+TEST_F(Parser, Lookups)
 {
-    ScratchDir dir;
     expectLookups("WIDTH = 640\nHEIGHT=480px\nABCD=7\nABC=5\nNAME = \"my file\"\nRAW = plain\nHALF=\"open\n"
                   "SCALE=2.5e1x\nWIDTH=1024\nSIGN=-12\nKEYONLY",
                   {{"WIDTH", 'i', "640", true},  // the first line wins
@@ -205,9 +201,8 @@ TEST(Parser, Lookups)
                    {"DEPTH", 's', "untouched", false}});
 }
 
-TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone)
+TEST_F(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone)
 {
-    ScratchDir dir;
     OpenParser file("A=1\nB=2\nC=3\n");
     ASSERT_TRUE(file.opened);
     char line[256];
@@ -220,10 +215,8 @@ TEST(Parser, LookupsSearchFromTheStartAndLeaveThePositionAlone)
     EXPECT_EQ(file.getInt("C"), 3);
 }
 
-TEST(Parser, ClosedParserAndBadArgumentsAreRefusedSilently)
+TEST_F(Parser, ClosedParserAndBadArgumentsAreRefusedSilently)
 {
-    ScratchDir dir;
-    LogCapture capture;
     kvfParser closed;
     char line[256] = "kept";
     int number = 5;
@@ -238,12 +231,11 @@ TEST(Parser, ClosedParserAndBadArgumentsAreRefusedSilently)
     EXPECT_FALSE(kvfGetInt(&file.parser, nullptr, &number));
     EXPECT_FALSE(kvfGetInt(&file.parser, "A", nullptr));
     EXPECT_FALSE(kvfReadLine(&file.parser, nullptr));
-    EXPECT_EQ(capture.text(), "");
+    EXPECT_EQ(log.text(), "");
 }
 
-TEST(Files, SizeAndExistence)
+TEST_F(Files, SizeAndExistence)
 {
-    ScratchDir dir;
     writeFile("ten.bin", std::string("0123\0\n6789", 10));
     EXPECT_EQ(kvfFileSize("ten.bin"), 10);
     EXPECT_EQ(kvfFileSize("missing.bin"), -1);

@@ -7,10 +7,13 @@
 #include <dlfcn.h>
 #include <string>
 
-#include "support/logmatch.h"
-#include "support/scratch.h"
+#include "support/glfixture.h"
 
 using namespace pvtest;
+
+// Each case runs in a scratch folder with the log captured.
+using Timers = RecordingTest;
+using Ids = RecordingTest;
 
 // The library's calls to the counter resolve to this definition in the test
 // executable, so a test can hold the clock still or move it at will; without
@@ -43,15 +46,13 @@ struct FakeClock {
 }  // namespace
 
 // A timer of rate zero looks free: its slot is handed out again.
-TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed)
+TEST_F(Timers, NinthTimerIsRefusedUntilOneIsFreed)
 {
-    ScratchDir dir;
-    LogCapture capture;
     EXPECT_EQ(kvfNewTimer(0.0f), 0);
     for (int expected = 0; expected < 8; ++expected)
         EXPECT_EQ(kvfNewTimer(1.0f), expected);
     EXPECT_EQ(kvfNewTimer(1.0f), -1);
-    EXPECT_EQ(capture.text(), "kvfNewTimer: no more timers\n");
+    EXPECT_EQ(log.text(), "kvfNewTimer: no more timers\n");
     EXPECT_TRUE(kvfFreeTimer(5));
     EXPECT_TRUE(kvfFreeTimer(2));
     EXPECT_EQ(kvfNewTimer(1.0f), 2);
@@ -59,10 +60,8 @@ TEST(Timers, NinthTimerIsRefusedUntilOneIsFreed)
     EXPECT_EQ(kvfNewTimer(1.0f), -1);
 }
 
-TEST(Timers, BadHandlesAndFreeSlots)
+TEST_F(Timers, BadHandlesAndFreeSlots)
 {
-    ScratchDir dir;
-    LogCapture capture;
     int timer = kvfNewTimer(1.0f);
     ASSERT_EQ(timer, 0);
     std::string expectedLog;
@@ -79,13 +78,11 @@ TEST(Timers, BadHandlesAndFreeSlots)
         expectedLog += "kvfFreeTimer: wrong params\nkvfAdjournTimer: wrong params\n"
                        "kvfGetTimerFactor: wrong params\nkvfGetTimerFps: wrong params\n";
     }
-    EXPECT_EQ(capture.text(), expectedLog);
+    EXPECT_EQ(log.text(), expectedLog);
 }
 
-TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
+TEST_F(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
 {
-    ScratchDir dir;
-    LogCapture capture;
     FakeClock clock(5000000000LL);
     int timer = kvfNewTimer(2.0f);
     ASSERT_GE(timer, 0);
@@ -117,13 +114,11 @@ TEST(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
     fakeNow -= 10;
     EXPECT_TRUE(kvfAdjournTimer(timer));
     EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
-    EXPECT_EQ(capture.text(), "");
+    EXPECT_EQ(log.text(), "");
 }
 
-TEST(Ids, ReleaseMessages)
+TEST_F(Ids, ReleaseMessages)
 {
-    ScratchDir dir;
-    LogCapture capture;
     unsigned int id = kvfNewId();
     EXPECT_FALSE(kvfReleaseId(0));
     EXPECT_FALSE(kvfReleaseId(70000));
@@ -132,17 +127,15 @@ TEST(Ids, ReleaseMessages)
     EXPECT_TRUE(kvfReleaseId(id));
     EXPECT_FALSE(kvfReleaseId(id));
     kvfLog(" continues here\n");
-    EXPECT_EQ(capture.text(), "releaseId: invalid params (0)\n"
-                              "releaseId: invalid params (70000)\n"
-                              "releaseId: invalid params (65536)\n"
-                              "releaseId: ID already released (65535)"
-                              "releaseId: ID already released (1) continues here\n");
+    EXPECT_EQ(log.text(), "releaseId: invalid params (0)\n"
+                          "releaseId: invalid params (70000)\n"
+                          "releaseId: invalid params (65536)\n"
+                          "releaseId: ID already released (65535)"
+                          "releaseId: ID already released (1) continues here\n");
 }
 
-TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken)
+TEST_F(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken)
 {
-    ScratchDir dir;
-    LogCapture capture;
     EXPECT_EQ(kvfNewId(), 1u);
     EXPECT_EQ(kvfNewId(), 2u);
     EXPECT_EQ(kvfNewId(), 3u);
@@ -158,7 +151,7 @@ TEST(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken)
     }
     EXPECT_EQ(last, 65535u);
     EXPECT_EQ(kvfNewId(), 0u);
-    EXPECT_EQ(capture.text(), "kvfNewId: all ID are used\n");
+    EXPECT_EQ(log.text(), "kvfNewId: all ID are used\n");
     EXPECT_TRUE(kvfReleaseId(40000));
     EXPECT_EQ(kvfNewId(), 40000u);
 }

@@ -153,37 +153,6 @@ protected:
     const Rgb c {0.5, 0.25, 0.75};
 };
 
-TEST_F(BoxPixels, ARaisedBorderIsLightAboveAndDarkBelow)
-{
-    drawFrame2D(box);
-    expectColour(c, screen(40, 45), "fill");
-    expectColour({0, 0, 0}, screen(19, 45), "left of the box");
-    expectColour({0, 0, 0}, screen(40, 60), "below the box");
-    for (int ring = 0; ring < 3; ring++) {
-        const std::string at = "ring " + std::to_string(ring);
-        expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), c), screen(40, 30 + ring), at + " top");
-        expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), c), screen(20 + ring, 45), at + " left");
-        expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), c), screen(40, 59 - ring), at + " bottom");
-        expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), c), screen(59 - ring, 45), at + " right");
-        expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), c), screen(20 + ring, 30 + ring), at + " top-left");
-        expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), c), screen(59 - ring, 59 - ring),
-                     at + " bottom-right");
-    }
-    expectColour(c, screen(23, 45), "inside the border");
-}
-
-TEST_F(BoxPixels, APressedBoxIsDarkerAndSunken)
-{
-    box->setClickedStatus(true);
-    drawFrame2D(box);
-    const Rgb fill {0.45, 0.225, 0.675};
-    expectColour(fill, screen(40, 45), "fill");
-    expectColour(halfAndHalf(clamped(0.35, 0.175, 0.525), fill), screen(40, 31), "top");
-    expectColour(halfAndHalf(clamped(0.65, 0.325, 0.975), fill), screen(40, 58), "bottom");
-    expectColour(halfAndHalf(clamped(0.2, 0.1, 0.3), fill), screen(21, 31), "top-left");
-    expectColour(halfAndHalf(clamped(0.8, 0.4, 1.2), fill), screen(58, 58), "bottom-right");
-}
-
 // A box is one indexed draw of its fill and border pieces when they share
 // their state; a texture, a shader or a blend function under which an
 // opaque fill would change draws the fill apart first.

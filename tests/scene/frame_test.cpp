@@ -12,25 +12,11 @@
 
 using pvtest::expectMatrixNear;
 using pvtest::Mat4;
-using pvtest::TestNode;
 
 namespace {
 
 std::vector<PVNODE*> drawn;
 std::vector<K3MMATRIX> drawnMatrices;
-
-// Remembers the order it is drawn in and the matrix of its record.
-template <class Base> class Drawn : public Base {
-public:
-    using Base::Base;
-    bool render(void* element) override
-    {
-        drawn.push_back(this);
-        drawnMatrices.push_back(*static_cast<PVELEMENT*>(element)->getMatrix());
-        return true;
-    }
-};
-using DrawnNode = Drawn<TestNode>;
 
 class Frame : public pvtest::RecordingTest {
 protected:
@@ -87,9 +73,9 @@ TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
 {
     // Foremost stamps follow construction order.
-    PVBOX* box = new Drawn<PVBOX>();
-    PVWINDOW* window = new Drawn<PVWINDOW>();
-    PVBUTTON* button = new Drawn<PVBUTTON>();
+    PVBOX* box = new pvtest::Recorded<PVBOX>(nullptr);
+    PVWINDOW* window = new pvtest::Recorded<PVWINDOW>(nullptr);
+    PVBUTTON* button = new pvtest::Recorded<PVBUTTON>(nullptr);
     box->link(window);
     button->link(window);
     make("mesh", PV_TYPE_MESH, window);

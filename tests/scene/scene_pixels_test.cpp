@@ -41,17 +41,10 @@ protected:
         return quad;
     }
 
-    // Where a world point lands: the projection resize set up (vertical angle,
-    // window aspect, near and far planes) after the view, then the viewport.
     static ScreenPoint project(const Mat4& view, Vec3 world)
     {
-        const Mat4 projection =
-            Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
-                              PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
-        double clip[4];
-        (projection * view).apply(world, 1.0, clip);
-        return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth,
-                (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight};
+        const Vec3 at = windowPoint(view, world);
+        return {at.x, at.y};
     }
 
     static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)

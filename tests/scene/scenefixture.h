@@ -39,15 +39,24 @@ inline void drawFrame(PVNODE* root, PVCAMERA* camera)
     PEVRANO::end3D(false);
 }
 
+// Where a world point lands in the window (x, y from the bottom as GL reads
+// them): the projection resize set up (vertical angle, window aspect, near
+// and far planes) after the view, then the viewport.
+inline Vec3 windowPoint(const Mat4& view, Vec3 world)
+{
+    const Mat4 projection = Mat4::perspective(PVOPENGL::getAngleOfView(), double(windowWidth) / windowHeight,
+                                              PVOPENGL::getNearPlane(), PVOPENGL::getFarPlane());
+    double clip[4];
+    (projection * view).apply(world, 1.0, clip);
+    return {(clip[0] / clip[3] + 1.0) * 0.5 * windowWidth, (clip[1] / clip[3] + 1.0) * 0.5 * windowHeight, 0};
+}
+
 // Screen pixel of the world point (x, y, z) seen by the default camera (at
 // the origin, looking down -z).
 inline Rgb pixelOfPoint(double x, double y, double z)
 {
-    const double f = 1.0 / std::tan(PVOPENGL::getAngleOfView() * M_PI / 360.0);
-    const double aspect = double(windowWidth) / windowHeight;
-    const double sx = (f / aspect * x / -z + 1) * windowWidth / 2;
-    const double sy = (f * y / -z + 1) * windowHeight / 2;
-    return pixelAt(int(sx), int(sy));
+    const Vec3 at = windowPoint(Mat4::identity(), {x, y, z});
+    return pixelAt(int(at.x), int(at.y));
 }
 
 }  // namespace pvtest

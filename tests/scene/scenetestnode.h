@@ -14,34 +14,11 @@ namespace pvtest {
 // Called by every test object's render, when set (to record draw order).
 inline std::function<void(PVNODE*, void*)> onRender;
 
-// A node of any type that records its drawing. Meshes, helpers and widgets
-// are real objects of their classes (Recorded<PVMESH>, Recorded<PVHELPER>,
-// PVBOX, ...): the render list asks those classes directly.
-class TestNode : public PVNODE {
-public:
-    explicit TestNode(const char* nodeName = nullptr, PV_NODE_TYPE nodeType = PV_TYPE_NODE)
-    {
-        type = nodeType;
-        if (nodeName)
-            setName(nodeName);
-    }
-    ~TestNode() override { ++destroyed; }
-    bool render(void* element) override
-    {
-        if (onRender)
-            onRender(this, element);
-        return true;
-    }
-    // Breaks the hierarchy on purpose: a parent that does not list this node.
-    void forceParent(PVNODE* node) { parent = node; }
-
-    static int destroyed;
-};
-
-// A mesh or helper whose drawing is only recorded.
+// A mesh, helper, widget or plain node whose drawing is only recorded: the
+// render list asks the real classes directly.
 template <class Base> class Recorded : public Base {
 public:
-    explicit Recorded(const char* nodeName)
+    explicit Recorded(const char* nodeName = nullptr)
     {
         if (nodeName)
             this->setName(nodeName);
@@ -52,6 +29,21 @@ public:
             onRender(this, element);
         return true;
     }
+};
+
+// A node of any type that records its drawing and counts its destruction.
+class TestNode : public Recorded<PVNODE> {
+public:
+    explicit TestNode(const char* nodeName = nullptr, PV_NODE_TYPE nodeType = PV_TYPE_NODE) :
+        Recorded<PVNODE>(nodeName)
+    {
+        type = nodeType;
+    }
+    ~TestNode() override { ++destroyed; }
+    // Breaks the hierarchy on purpose: a parent that does not list this node.
+    void forceParent(PVNODE* node) { parent = node; }
+
+    static int destroyed;
 };
 
 // A registry-owned node of the class its type calls for.

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,16 @@
 namespace pvtest {
 
 using Calls = std::vector<std::string>;
+
+// The calls of a file, one a line.
+inline Calls readCalls(const std::string& path)
+{
+    Calls calls;
+    std::istringstream lines(readFile(path));
+    for (std::string line; std::getline(lines, line);)
+        calls.push_back(line);
+    return calls;
+}
 
 class RecordingTest : public ::testing::Test {
 protected:

@@ -4,6 +4,7 @@
 
 #include <pevrano.h>
 
+#include <fstream>
 #include <regex>
 #include <sstream>
 
@@ -56,6 +57,19 @@ void expectLog(const std::string& text, const std::vector<LogLine>& expected)
         EXPECT_TRUE(matches) << "line " << i << ": '" << lines[i] << "' against '" << want.text << "'";
     }
     EXPECT_EQ(text.empty() ? '\n' : text.back(), '\n');
+}
+
+std::vector<LogLine> readLogLines(const std::string& path)
+{
+    std::ifstream file(path);
+    EXPECT_TRUE(file.good()) << path;
+    std::vector<LogLine> lines;
+    std::string line;
+    while (std::getline(file, line)) {
+        const std::string text = line.size() > 2 ? line.substr(2) : "";
+        lines.push_back(line[0] == '~' ? like(text) : line[0] == '>' ? startingWith(text) : exact(text));
+    }
+    return lines;
 }
 
 std::string literal(const std::string& text)

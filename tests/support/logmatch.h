@@ -43,6 +43,10 @@ inline void append(std::vector<LogLine>& to, const std::vector<LogLine>& lines)
     to.insert(to.end(), lines.begin(), lines.end());
 }
 
+// The expected lines of a file, one a line, each tagged by its first character
+// and a space: '=' exact, '~' a regular expression, '>' a prefix.
+std::vector<LogLine> readLogLines(const std::string& path);
+
 // The text, line by line, against the expected lines; the text ends with a line feed.
 void expectLog(const std::string& text, const std::vector<LogLine>& expected);
 

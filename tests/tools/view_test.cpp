@@ -58,7 +58,7 @@ protected:
     }
 };
 
-TEST_F(Viewer, ScreenshotShowsTheModelInTheMiddle)
+TEST_F(Viewer, ScreenshotShowsTheModelInTheMiddleAndMissingFilesAreRefused)
 {
     convert("Collada/duck.dae", "duck.pve");
     const Picture picture = view(dir.file("duck.pve") + " --frames 3 --screenshot " + dir.file("shot.png"));
@@ -79,6 +79,16 @@ TEST_F(Viewer, ScreenshotShowsTheModelInTheMiddle)
     const unsigned char* middle = &picture.rgb[(60 * 160 + 80) * 3];
     EXPECT_GT(middle[0], middle[2] + 40);
     EXPECT_GT(middle[1], middle[2] + 40);
+
+    for (const std::string& missing : {std::string(" --anim ") + dir.file("none.pva"), std::string()}) {
+        const std::string scene = missing.empty() ? dir.file("none.pve") : dir.file("duck.pve");
+        const pvtest::ToolRun run =
+            pvtest::runTool("env -u DISPLAY " + std::string(PEVRANO_VIEW), scene + missing, dir);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.error, missing.empty() ? "pevrano-view: cannot load the scene file " + scene + "\n"
+                                             : "pevrano-view: cannot load the animation file " +
+                                                   dir.file("none.pva") + "\n");
+    }
 }
 
 TEST_F(Viewer, AnimationMovesTheModel)
@@ -119,25 +129,6 @@ TEST_F(Viewer, LargeModelsLookLikeSmallOnes)
     }
     EXPECT_GT(model, 160 * 120 / 20);
     EXPECT_LT(different, model / 50) << "of " << model;
-}
-
-TEST_F(Viewer, RefusesMissingFiles)
-{
-    convert("Collada/duck.dae", "duck.pve");
-    const struct {
-        std::string arguments;
-        std::string message;
-    } cases[] = {
-        {dir.file("none.pve"), "pevrano-view: cannot load the scene file " + dir.file("none.pve") + "\n"},
-        {dir.file("duck.pve") + " --anim " + dir.file("none.pva"),
-         "pevrano-view: cannot load the animation file " + dir.file("none.pva") + "\n"},
-    };
-    for (const auto& c : cases) {
-        const pvtest::ToolRun run =
-            pvtest::runTool("env -u DISPLAY " + std::string(PEVRANO_VIEW), c.arguments, dir);
-        EXPECT_EQ(run.status, 1);
-        EXPECT_EQ(run.error, c.message);
-    }
 }
 
 }  // namespace
