@@ -57,6 +57,22 @@ void addSource(const aiScene* scene, const aiNode* node, const aiMatrix4x4& pare
         addSource(scene, node->mChildren[c], world, totals);
 }
 
+Totals sourceTotals(const aiScene* scene)
+{
+    Totals totals;
+    addSource(scene, scene->mRootNode, aiMatrix4x4(), totals);
+    return totals;
+}
+
+// Both boxes agree on every axis to within tolerance.
+void expectSameBox(const Box& engine, const Box& source, float tolerance)
+{
+    for (int axis = 0; axis < 3; axis++) {
+        EXPECT_NEAR(engine.low[axis], source.low[axis], tolerance) << "axis " << axis;
+        EXPECT_NEAR(engine.high[axis], source.high[axis], tolerance) << "axis " << axis;
+    }
+}
+
 // What the engine holds: every mesh with geometry, placed by its world matrix.
 void addEngine(PVNODE* node, Totals& totals)
 {
@@ -119,11 +135,10 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
         EXPECT_EQ(unexpectedWarnings(caseLog.text()), "");
 
         Assimp::Importer importer;
-        std::string error;
-        const aiScene* scene = ModelConverter::importModel(importer, models + file, error);
-        ASSERT_NE(scene, nullptr) << error;
-        Totals source, engine;
-        addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+        const aiScene* scene = pvtest::importSource(importer, models + file);
+        ASSERT_NE(scene, nullptr);
+        const Totals source = sourceTotals(scene);
+        Totals engine;
         addEngine(root, engine);
         EXPECT_GT(source.faces, 0u);
         EXPECT_EQ(engine.meshes, source.meshes);
@@ -131,11 +146,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsAndPlacement)
         EXPECT_EQ(engine.faces, source.faces);
         EXPECT_EQ(PVMATERIAL::getNumberOfMaterials() - materialsBefore, int(scene->mNumMaterials));
         // 16.16 vertices and float transforms: a thousandth of the model's size.
-        const float tolerance = source.box.size() * 1e-3f;
-        for (int axis = 0; axis < 3; axis++) {
-            EXPECT_NEAR(engine.box.low[axis], source.box.low[axis], tolerance) << "axis " << axis;
-            EXPECT_NEAR(engine.box.high[axis], source.box.high[axis], tolerance) << "axis " << axis;
-        }
+        expectSameBox(engine.box, source.box, source.box.size() * 1e-3f);
     }
 }
 
@@ -203,9 +214,8 @@ TEST(SkeletonPose, FirstKeysGiveTheStoredPoseUnderNonUniformScale)
     for (const char* model : {"ASE/anim.ASE", "ASE/anim2.ASE"}) {
         SCOPED_TRACE(model);
         Assimp::Importer importer;
-        std::string error;
-        const aiScene* scene = ModelConverter::importModel(importer, models + model, error);
-        ASSERT_NE(scene, nullptr) << error;
+        const aiScene* scene = pvtest::importSource(importer, models + model);
+        ASSERT_NE(scene, nullptr);
         const SkeletonPose pose(scene, "HumanoidRoot");
         const std::vector<aiMatrix4x4> worlds = pose.worldsAt(*scene->mAnimations[0], 0);
         for (size_t n = 0; n < worlds.size(); n++) {
@@ -222,11 +232,9 @@ TEST(SkeletonPose, FirstKeysGiveTheStoredPoseUnderNonUniformScale)
 TEST_F(ConvertedModels, ScaleAndFitResizeTheWholeModel)
 {
     Assimp::Importer importer;
-    std::string error;
-    const aiScene* scene = ModelConverter::importModel(importer, models + "FBX/spider.fbx", error);
-    ASSERT_NE(scene, nullptr) << error;
-    Totals source;
-    addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+    const aiScene* scene = pvtest::importSource(importer, models + "FBX/spider.fbx");
+    ASSERT_NE(scene, nullptr);
+    const Totals source = sourceTotals(scene);
     const struct {
         const char* options;
         float scale;
@@ -279,10 +287,8 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
     anim->setTranslating(true);
 
     Assimp::Importer importer;
-    std::string error;
-    const aiScene* scene =
-        ModelConverter::importModel(importer, PEVRANO_TEST_DATA "/convert/deep_chain.gltf", error);
-    ASSERT_NE(scene, nullptr) << error;
+    const aiScene* scene = pvtest::importSource(importer, PEVRANO_TEST_DATA "/convert/deep_chain.gltf");
+    ASSERT_NE(scene, nullptr);
     aiNode* turning = scene->mRootNode->FindNode("link20");
     ASSERT_NE(turning, nullptr);
     for (unsigned int frame : {0u, anim->getNumberOfFrames() - 1}) {
@@ -299,13 +305,9 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
         EXPECT_EQ(frameLog.text().find("[!]"), std::string::npos) << frameLog.text();
 
-        Totals source, engine;
-        addSource(scene, scene->mRootNode, aiMatrix4x4(), source);
+        Totals engine;
         addEngine(root, engine);
-        for (int axis = 0; axis < 3; axis++) {
-            EXPECT_NEAR(engine.box.low[axis], source.box.low[axis], 1e-3f) << "axis " << axis;
-            EXPECT_NEAR(engine.box.high[axis], source.box.high[axis], 1e-3f) << "axis " << axis;
-        }
+        expectSameBox(engine.box, sourceTotals(scene).box, 1e-3f);
     }
     PEVRANO::free();
 }

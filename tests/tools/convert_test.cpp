@@ -77,7 +77,6 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
         SCOPED_TRACE(c.input);
         EXPECT_EQ(run(c.input + " " + dir.file("out.pve")), 1);
         EXPECT_NE(error.find(c.message), std::string::npos) << error;
-        EXPECT_EQ(output.find("wrote"), std::string::npos);
         EXPECT_EQ(pvtest::readFile(dir.file("out.pve")), "");
     }
 }
@@ -128,7 +127,6 @@ TEST_F(Converter, StopsAtItsMemoryLimit)
 TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
 {
     ASSERT_EQ(run(models + "Collada/duck.dae " + dir.file("duck.pve")), 0) << error;
-    EXPECT_NE(output.find("wrote " + dir.file("duck_0.tga") + "\n"), std::string::npos);
     PVTEXTURE texture;
     ASSERT_TRUE(texture.load(dir.file("duck_0.tga").c_str())) << log.text();
     ASSERT_EQ(texture.getSizeX(), 256u);
@@ -139,27 +137,17 @@ TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
     unsigned char* source = stbi_load((models + "Collada/duckCM.tga").c_str(), &width, &height, &channels, 3);
     ASSERT_NE(source, nullptr);
     ASSERT_EQ(width, 512);
-    const unsigned char* bitmap = texture.getBitmap();
-    int far = 0;
-    double sourceSum[3] = {}, convertedSum[3] = {};
-    for (int y = 0; y < 256; y++)
-        for (int x = 0; x < 256; x++)
-            for (int c = 0; c < 3; c++) {
-                // The bitmap holds the bottom row first, the decoded source the top row.
-                const int sourceRow = 511 - 2 * y;
-                double expected = 0;
-                for (int dy = 0; dy < 2; dy++)
-                    for (int dx = 0; dx < 2; dx++)
-                        expected += source[((sourceRow - dy) * 512 + 2 * x + dx) * 3 + c] / 4.0;
-                const int converted = bitmap[(y * 256 + x) * 3 + c];
-                far += std::fabs(converted - expected) > 24;
-                sourceSum[c] += expected;
-                convertedSum[c] += converted;
-            }
+    double difference = 0;
+    for (int i = 0; i < 256 * 256 * 3; i++) {
+        // The bitmap holds the bottom row first, the decoded source the top row.
+        const int x = i / 3 % 256, sourceRow = 511 - 2 * (i / 768), c = i % 3;
+        double expected = 0;
+        for (int d = 0; d < 4; d++)
+            expected += source[((sourceRow - d / 2) * 512 + 2 * x + d % 2) * 3 + c] / 4.0;
+        difference += std::fabs(texture.getBitmap()[i] - expected);
+    }
     stbi_image_free(source);
-    for (int c = 0; c < 3; c++)
-        EXPECT_NEAR(convertedSum[c] / 65536, sourceSum[c] / 65536, 2.0) << "channel " << c;
-    EXPECT_LT(far, 256 * 256 * 3 / 100);
+    EXPECT_LT(difference / (256 * 256 * 3), 1.0);
 }
 
 // One animation file per animation, every frame of the resampled duration,
@@ -168,12 +156,9 @@ TEST_F(Converter, AnimationsAreResampledAtTheGivenRate)
 {
     ASSERT_EQ(run("--fps 10 " + models + "X/Testwuson.X " + dir.file("wuson.pve")), 0) << error;
     const char* files[] = {"wuson_0_Wuson_Run.pva", "wuson_1_Wuson_Walk.pva", "wuson_2_Wuson_Bind.pva"};
-    for (const char* file : files)
-        EXPECT_NE(output.find("wrote " + dir.file(file) + "\n"), std::string::npos) << output;
     Assimp::Importer importer;
-    std::string failure;
-    const aiScene* scene = ModelConverter::importModel(importer, models + "X/Testwuson.X", failure);
-    ASSERT_NE(scene, nullptr) << failure;
+    const aiScene* scene = pvtest::importSource(importer, models + "X/Testwuson.X");
+    ASSERT_NE(scene, nullptr);
     ASSERT_EQ(scene->mNumAnimations, 3u);
     for (unsigned int a = 0; a < 3; a++) {
         SCOPED_TRACE(files[a]);

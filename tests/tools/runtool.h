@@ -9,6 +9,9 @@
 #include <cstdlib>
 #include <string>
 
+#include <gtest/gtest.h>
+
+#include "modelconverter.h"
 #include "support/scratch.h"
 
 namespace pvtest {
@@ -43,6 +46,16 @@ inline ToolRun convertModel(const std::string& model, const std::string& pve, co
                             const std::string& options = "")
 {
     return runTool(PEVRANO_CONVERT, options + " " + models + model + " " + scratch.file(pve), scratch);
+}
+
+// Assimp's scene of a source model, as the converter imports it; null (and a
+// test failure) when it does not import.
+inline const aiScene* importSource(Assimp::Importer& importer, const std::string& path)
+{
+    std::string error;
+    const aiScene* scene = ModelConverter::importModel(importer, path, error);
+    EXPECT_NE(scene, nullptr) << path << ": " << error;
+    return scene;
 }
 
 }  // namespace pvtest
