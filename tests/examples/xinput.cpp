@@ -31,48 +31,28 @@ Window listeningWindow(Display* display, Window window, long mask)
     return found;
 }
 
-void sendKey(Display* display, Window window, KeySym symbol)
-{
-    XEvent event;
-    std::memset(&event, 0, sizeof event);
-    event.xkey.display = display;
-    event.xkey.window = window;
-    event.xkey.root = DefaultRootWindow(display);
-    event.xkey.same_screen = True;
-    event.xkey.keycode = XKeysymToKeycode(display, symbol);
-    for (int type : {KeyPress, KeyRelease}) {
-        event.type = type;
-        XSendEvent(display, window, True, type == KeyPress ? KeyPressMask : KeyReleaseMask, &event);
-    }
-}
+struct Step {
+    int type;
+    long mask;
+};
 
-// A pointer event at (x, y); motion and button events share these fields.
-XEvent pointerEvent(Display* display, Window window, int type, int x, int y)
+// Sends the events of steps to window at (x, y). Key, button and motion
+// events share the fields set here; detail is the key code or the button.
+void send(Display* display, Window window, std::initializer_list<Step> steps, int x, int y,
+          unsigned int detail)
 {
-    XEvent event;
-    std::memset(&event, 0, sizeof event);
-    event.xbutton.type = type;
-    event.xbutton.display = display;
-    event.xbutton.window = window;
-    event.xbutton.root = DefaultRootWindow(display);
-    event.xbutton.same_screen = True;
-    event.xbutton.x = x;
-    event.xbutton.y = y;
-    if (type != MotionNotify)
-        event.xbutton.button = Button1;
-    return event;
-}
-
-void sendClick(Display* display, Window window, int x, int y)
-{
-    const struct {
-        int type;
-        long mask;
-    } steps[] = {{MotionNotify, PointerMotionMask},
-                 {ButtonPress, ButtonPressMask},
-                 {ButtonRelease, ButtonReleaseMask}};
-    for (const auto& step : steps) {
-        XEvent event = pointerEvent(display, window, step.type, x, y);
+    for (const Step& step : steps) {
+        XEvent event;
+        std::memset(&event, 0, sizeof event);
+        XButtonEvent& common = event.xbutton;
+        common.type = step.type;
+        common.display = display;
+        common.window = window;
+        common.root = DefaultRootWindow(display);
+        common.same_screen = True;
+        common.x = x;
+        common.y = y;
+        common.button = step.type == MotionNotify ? 0 : detail;
         XSendEvent(display, window, True, step.mask, &event);
         XFlush(display);
     }
@@ -99,9 +79,14 @@ int main(int argc, char** argv)
         given ? given
               : listeningWindow(display, DefaultRootWindow(display), key ? KeyPressMask : ButtonPressMask);
     if (target && key)
-        sendKey(display, target, XStringToKeysym(argv[2]));
+        send(display, target, {{KeyPress, KeyPressMask}, {KeyRelease, KeyReleaseMask}}, 0, 0,
+             XKeysymToKeycode(display, XStringToKeysym(argv[2])));
     else if (target)
-        sendClick(display, target, std::atoi(argv[2]), std::atoi(argv[3]));
+        send(display, target,
+             {{MotionNotify, PointerMotionMask},
+              {ButtonPress, ButtonPressMask},
+              {ButtonRelease, ButtonReleaseMask}},
+             std::atoi(argv[2]), std::atoi(argv[3]), Button1);
     XCloseDisplay(display);
     return target ? 0 : 1;
 }
