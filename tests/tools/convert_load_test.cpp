@@ -176,15 +176,16 @@ TEST_F(ConvertedModels, NormalsFollowTheWinding)
             if (node->getType() != PV_TYPE_MESH || static_cast<PVMESH*>(node)->getNumberOfFaces() == 0)
                 continue;
             PVMESH* mesh = static_cast<PVMESH*>(node);
+            const GLfixed* vertices = mesh->getVertexPtr();
             aiVector3D centre;
             for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++)
-                centre += vectorAt(mesh->getVertexPtr(), v) / float(mesh->getNumberOfVertices());
+                centre += vectorAt(vertices, v) / float(mesh->getNumberOfVertices());
             unsigned int faces = 0, reversedFaces = 0, reversedVertices = 0, inward = 0;
             for (unsigned int f = 0; f < mesh->getNumberOfFaces(); f++) {
                 const uint16_t* corner = mesh->getFacePtr()[f].index;
-                const aiVector3D a = vectorAt(mesh->getVertexPtr(), corner[0]);
-                aiVector3D winding = (vectorAt(mesh->getVertexPtr(), corner[1]) - a) ^
-                                     (vectorAt(mesh->getVertexPtr(), corner[2]) - a);
+                const aiVector3D a = vectorAt(vertices, corner[0]);
+                aiVector3D winding =
+                    (vectorAt(vertices, corner[1]) - a) ^ (vectorAt(vertices, corner[2]) - a);
                 if (winding.Length() < 1e-6f)
                     continue;  // too small for its 16.16 corners to give a direction
                 winding.Normalize();
@@ -324,7 +325,6 @@ TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
     PVMESH* skin = static_cast<PVMESH*>(root->getChild(1));
     ASSERT_TRUE(skin->isSkinned());
     ASSERT_EQ(skin->getNumberOfBones(), 2u);
-    EXPECT_EQ(log.text().find("[!]"), std::string::npos) << log.text();
 
     PVANIM anim;
     ASSERT_TRUE(anim.acquireStructure(skin));
@@ -338,6 +338,7 @@ TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
     EXPECT_FALSE(anim.acquireStructure(&plain));
     EXPECT_FALSE(anim.acquireStructure(nullptr));
     EXPECT_EQ(anim.getNumberOfBones(), 2u);
+    // The load warned of nothing; the refusals say why once.
     EXPECT_EQ(log.text().substr(log.text().find("[!]") - 3),
               "   [!] Invalid params @ PVANIM::acquireStructure\n");
 }
