@@ -7,11 +7,7 @@
 set -uo pipefail
 expected=$1
 shift
-# Under the sanitizers, leaks are left to the log's count and to the
-# memcheck soak run: the one block Mesa's driver keeps (tools/valgrind.supp)
-# is found only after the driver is unloaded, and with Mesa's frames missing
-# no suppression can name it.
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
+source "$(dirname "$0")/common.sh"
 env -u DISPLAY "$@" >output.txt 2>errors.txt
 status=$?
 if [ "$status" -ne 0 ]; then
@@ -36,9 +32,4 @@ while IFS= read -r pattern; do
     exit 1
   fi
 done <"$expected"
-summary=$(grep '^Final memory ratio' pevrano_log.txt | tail -n 1)
-if ! [[ $summary =~ ^Final\ memory\ ratio:\ 0\ \(([0-9]+)/([0-9]+)\)$ ]] ||
-  [ "${BASH_REMATCH[1]}" != "${BASH_REMATCH[2]}" ]; then
-  echo "log summary: '$summary'"
-  exit 1
-fi
+memory_balanced

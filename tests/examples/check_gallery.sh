@@ -6,13 +6,11 @@
 set -uo pipefail
 checker=$1 program=$2 frames=$3 property=$4
 shift 4
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
+source "$(dirname "$0")/common.sh"
 shoot() {
   env -u DISPLAY "$program" --frames "$1" --size 320x240 --screenshot "$2" >output.txt 2>&1 ||
     { cat output.txt; echo "the example failed"; exit 1; }
-  summary=$(grep '^Final memory ratio' pevrano_log.txt | tail -n 1)
-  [[ $summary =~ ^Final\ memory\ ratio:\ 0\ \(([0-9]+)/([0-9]+)\)$ ]] && [ "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ] ||
-    { echo "log summary: '$summary'"; exit 1; }
+  memory_balanced || exit 1
 }
 shoot "$frames" shot.png
 if [ "$property" = differs ]; then
