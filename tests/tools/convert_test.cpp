@@ -6,8 +6,6 @@
 #include <cstdlib>
 #include <string>
 
-#include <stb/stb_image.h>
-
 #include "assets/pvanim.h"
 #include "assets/pvtexture.h"
 #include "modelconverter.h"
@@ -133,20 +131,18 @@ TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
     ASSERT_EQ(texture.getSizeY(), 256u);
     ASSERT_EQ(texture.getFormat(), 3u);
 
-    int width, height, channels;
-    unsigned char* source = stbi_load((models + "Collada/duckCM.tga").c_str(), &width, &height, &channels, 3);
-    ASSERT_NE(source, nullptr);
-    ASSERT_EQ(width, 512);
+    const pvtest::Picture source = pvtest::readPicture(models + "Collada/duckCM.tga");
+    ASSERT_EQ(source.width, 512);
+    ASSERT_EQ(source.height, 512);
     double difference = 0;
     for (int i = 0; i < 256 * 256 * 3; i++) {
         // The bitmap holds the bottom row first, the decoded source the top row.
         const int x = i / 3 % 256, sourceRow = 511 - 2 * (i / 768), c = i % 3;
         double expected = 0;
         for (int d = 0; d < 4; d++)
-            expected += source[((sourceRow - d / 2) * 512 + 2 * x + d % 2) * 3 + c] / 4.0;
+            expected += source.rgb[((sourceRow - d / 2) * 512 + 2 * x + d % 2) * 3 + c] / 4.0;
         difference += std::fabs(texture.getBitmap()[i] - expected);
     }
-    stbi_image_free(source);
     EXPECT_LT(difference / (256 * 256 * 3), 1.0);
 }
 

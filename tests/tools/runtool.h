@@ -8,6 +8,9 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
+
+#include <stb/stb_image.h>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +49,24 @@ inline ToolRun convertModel(const std::string& model, const std::string& pve, co
                             const std::string& options = "")
 {
     return runTool(PEVRANO_CONVERT, options + " " + models + model + " " + scratch.file(pve), scratch);
+}
+
+// A picture file decoded to 8-bit RGB, top row first; empty when unreadable.
+struct Picture {
+    int width = 0, height = 0;
+    std::vector<unsigned char> rgb;
+};
+
+inline Picture readPicture(const std::string& path)
+{
+    Picture picture;
+    int channels;
+    unsigned char* pixels = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
+    if (pixels) {
+        picture.rgb.assign(pixels, pixels + size_t(picture.width) * picture.height * 3);
+        stbi_image_free(pixels);
+    }
+    return picture;
 }
 
 // Assimp's scene of a source model, as the converter imports it; null (and a

@@ -4,9 +4,6 @@
 
 #include <cstdlib>
 #include <string>
-#include <vector>
-
-#include <stb/stb_image.h>
 
 #include "support/glfixture.h"
 #include "tools/runtool.h"
@@ -17,28 +14,14 @@ namespace {
 const int background[3] = {51, 64, 77};
 const int tolerance = 9;
 
-struct Picture {
-    int width = 0, height = 0;
-    std::vector<unsigned char> rgb;
-    bool isBackground(int x, int y) const
-    {
-        for (int c = 0; c < 3; c++)
-            if (std::abs(rgb[(size_t(y) * width + x) * 3 + c] - background[c]) > tolerance)
-                return false;
-        return true;
-    }
-};
+using pvtest::Picture;
 
-Picture readPng(const std::string& path)
+bool isBackground(const Picture& picture, int x, int y)
 {
-    Picture picture;
-    int channels;
-    unsigned char* pixels = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
-    if (pixels) {
-        picture.rgb.assign(pixels, pixels + size_t(picture.width) * picture.height * 3);
-        stbi_image_free(pixels);
-    }
-    return picture;
+    for (int c = 0; c < 3; c++)
+        if (std::abs(picture.rgb[(size_t(y) * picture.width + x) * 3 + c] - background[c]) > tolerance)
+            return false;
+    return true;
 }
 
 class Viewer : public pvtest::RecordingTest {
@@ -53,7 +36,7 @@ protected:
         const pvtest::ToolRun run =
             pvtest::runTool("env -u DISPLAY " PEVRANO_VIEW, arguments + " --size 160x120", dir);
         EXPECT_EQ(run.status, 0) << run.error;
-        return readPng(dir.file("shot.png"));
+        return pvtest::readPicture(dir.file("shot.png"));
     }
 };
 
@@ -66,7 +49,7 @@ TEST_F(Viewer, ScreenshotShowsTheModelInTheMiddleAndMissingFilesAreRefused)
     int model = 0;
     for (int y = 0; y < 120; y++)
         for (int x = 0; x < 160; x++)
-            model += !picture.isBackground(x, y);
+            model += !isBackground(picture, x, y);
     // Framed: the duck covers a good part of the picture without filling it.
     EXPECT_GT(model, 160 * 120 / 10);
     EXPECT_LT(model, 160 * 120 * 8 / 10);
@@ -93,11 +76,11 @@ TEST_F(Viewer, AnimationMovesTheModel)
     const Picture first = view(base + " --frames 1");
     const Picture later = view(base + " --frames 8");
     ASSERT_EQ(first.rgb.size(), later.rgb.size());
-    EXPECT_FALSE(first.isBackground(80, 60));
+    EXPECT_FALSE(isBackground(first, 80, 60));
     int changed = 0;
     for (int y = 0; y < 120; y++)
         for (int x = 0; x < 160; x++)
-            changed += first.isBackground(x, y) != later.isBackground(x, y);
+            changed += isBackground(first, x, y) != isBackground(later, x, y);
     EXPECT_GT(changed, 50);
 }
 
@@ -114,7 +97,7 @@ TEST_F(Viewer, LargeModelsLookLikeSmallOnes)
     ASSERT_EQ(large.rgb.size(), expected.rgb.size());
     int model = 0, different = 0;
     for (size_t i = 0; i < expected.rgb.size(); i += 3) {
-        model += !expected.isBackground(int(i / 3 % 160), int(i / 3 / 160));
+        model += !isBackground(expected, int(i / 3 % 160), int(i / 3 / 160));
         bool far = false;
         for (int c = 0; c < 3; c++)
             far = far || std::abs(large.rgb[i + c] - expected.rgb[i + c]) > tolerance;
