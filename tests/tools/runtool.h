@@ -1,5 +1,6 @@
-// Runs a command-line tool of the engine as a user would, in a folder of its
-// own (a tool linked with the engine writes its log in its working folder).
+// The tool tests' helpers: a command-line tool of the engine run as a user
+// would, in a folder of its own (a tool linked with the engine writes its log
+// in its working folder); the sample models, their pictures and their scenes.
 #ifndef PEVRANO_TESTS_TOOLS_RUNTOOL_H
 #define PEVRANO_TESTS_TOOLS_RUNTOOL_H
 
