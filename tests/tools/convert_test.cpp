@@ -45,10 +45,7 @@ TEST_F(Converter, HelpListsTheOptions)
 // message and status 1, and nothing is written.
 TEST_F(Converter, RefusesWhatItCannotConvert)
 {
-    struct Case {
-        std::string input;
-        std::string message;
-    } cases[] = {
+    const std::string cases[][2] = {
         {dir.file("missing.obj"), "pevrano-convert: cannot read '" + dir.file("missing.obj") + "': "},
         {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
         {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
@@ -67,14 +64,13 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
          "': the tree is 32 levels deep (node 'tip') even with the nodes that carry no geometry and no "
          "animation folded away; the engine draws at most 31 levels\n"},
         {models + "Collada/anims_with_full_rotations_between_keys.DAE",
-         "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no geometry and "
-         "no "
-         "animation folded away; the engine draws at most 31 levels\n"},
+         "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no "
+         "geometry and no animation folded away; the engine draws at most 31 levels\n"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.input);
-        EXPECT_EQ(run(c.input + " " + dir.file("out.pve")), 1);
-        EXPECT_NE(error.find(c.message), std::string::npos) << error;
+    for (const auto& [input, message] : cases) {
+        SCOPED_TRACE(input);
+        EXPECT_EQ(run(input + " " + dir.file("out.pve")), 1);
+        EXPECT_NE(error.find(message), std::string::npos) << error;
         EXPECT_EQ(pvtest::readFile(dir.file("out.pve")), "");
     }
 }
@@ -83,10 +79,7 @@ TEST_F(Converter, RefusesWhatItCannotConvert)
 // is converted all the same.
 TEST_F(Converter, WarnsAboutWhatItCannotKeep)
 {
-    const struct {
-        std::string model;
-        std::string warning;
-    } cases[] = {
+    const std::string cases[][2] = {
         {"glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf",
          "animation 0 'Square' is not converted: it changes mesh shapes (morph targets or mesh replacement), "
          "which the engine's animations cannot"},
@@ -94,10 +87,10 @@ TEST_F(Converter, WarnsAboutWhatItCannotKeep)
          "the model has coordinates that are not finite numbers (node 'nodes_1'), which the engine cannot "
          "place"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.model);
-        ASSERT_EQ(run(models + c.model + " " + dir.file("model.pve")), 0);
-        EXPECT_EQ(error, "pevrano-convert: warning: " + c.warning + "\n");
+    for (const auto& [model, warning] : cases) {
+        SCOPED_TRACE(model);
+        ASSERT_EQ(run(models + model + " " + dir.file("model.pve")), 0);
+        EXPECT_EQ(error, "pevrano-convert: warning: " + warning + "\n");
         EXPECT_EQ(output, "wrote " + dir.file("model.pve") + "\n");
     }
 }
