@@ -70,8 +70,7 @@ TEST_F(Events, EachEventReachesTheInterfaceAsItComes)
         bool over;
         // The state once it is polled: where the event and getPointer put the
         // pointer, the buttons held, a key held or not.
-        int x, y, buttons;
-        int key;
+        int x, y, buttons, key;
         bool held;
     };
     const unsigned int id = hello->getId();
