@@ -1,6 +1,7 @@
 // The event pump: pushed and window events polled one by one, each handed to
 // the interface of the last 2D pass, and the key and pointer state they leave.
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -23,11 +24,8 @@ PVEVENT key(PV_EVENT_TYPE type, int symbol, unsigned int typed) { return {type, 
 
 PVEVENT resize(int width, int height) { return {PV_EVENT_RESIZE, 0, 0, 0, 0, 0, 0, width, height}; }
 
-std::string describe(const PVEVENT& e)
-{
-    return std::to_string(e.type) + " " + std::to_string(e.key) + " " + std::to_string(e.x) + " " +
-           std::to_string(e.y) + " " + std::to_string(e.button) + " " + std::to_string(e.unicode);
-}
+// type key x y button unicode
+std::array<int, 6> fieldsOf(const PVEVENT& e) { return {e.type, e.key, e.x, e.y, e.button, int(e.unicode)}; }
 
 // Pushed events only: the engine draws off-screen even under X, where its
 // window would add events of its own.
@@ -38,18 +36,13 @@ protected:
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         return startEngineInWindow();
     }
-    void SetUp() override
-    {
-        ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
-        root = new PVBOX();
-        root->setSizes(0, 0);
-    }
-    PVBOX* root = nullptr;
 };
 
 // Everything below is pushed within one frame, after one 2D pass.
 TEST_F(Events, EachEventReachesTheInterfaceAsItComes)
 {
+    PVBOX* root = new PVBOX();
+    root->setSizes(0, 0);
     PVBUTTON* hello = new PVBUTTON();
     hello->setPosition(10, 10);
     hello->setSizes(20, 10);
@@ -157,8 +150,7 @@ TEST_F(Events, AResizeMakesTheNextFrameFillTheNewSize)
     box->setSizes(width, height);
     box->setColor(1.0f, 1.0f, 1.0f, 1.0f);
     box->setThickness(0);
-    box->link(root);
-    drawFrame2D(root);
+    drawFrame2D(box);
     const Rgb white = {1, 1, 1}, black = {0, 0, 0};
     // GL counts rows from the bottom: the new window is the lower-left part.
     expectColour(white, pixelAt(2, 2), "lower left corner");
@@ -185,17 +177,20 @@ TEST_F(WindowEvents, XInputIsPolled)
     ASSERT_EQ(0, send(info.info.x11.window, "click 30 40"));
     ASSERT_EQ(0, send(info.info.x11.wmwindow, "key a"));
 
-    // type key x y button unicode
-    const std::vector<std::string> expected = {"2 0 30 40 0 0", "3 0 30 40 1 0", "4 0 30 40 1 0",
-                                               "0 97 30 40 0 97", "1 97 30 40 0 0"};
-    std::vector<std::string> seen;
+    using Fields = std::array<int, 6>;
+    const Fields expected[] = {{2, 0, 30, 40, 0, 0},
+                               {3, 0, 30, 40, 1, 0},
+                               {4, 0, 30, 40, 1, 0},
+                               {0, 97, 30, 40, 0, 97},
+                               {1, 97, 30, 40, 0, 0}};
+    std::vector<Fields> seen;
     auto found = [&] {
-        return std::search(seen.begin(), seen.end(), expected.begin(), expected.end()) != seen.end();
+        return std::search(seen.begin(), seen.end(), std::begin(expected), std::end(expected)) != seen.end();
     };
     for (int wait = 0; wait < 500 && !found(); wait++) {
         PVEVENT polled;
         while (PEVRANO::pollEvent(&polled))
-            seen.push_back(describe(polled));
+            seen.push_back(fieldsOf(polled));
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     EXPECT_TRUE(found()) << ::testing::PrintToString(seen);
