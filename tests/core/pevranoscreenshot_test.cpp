@@ -69,8 +69,8 @@ TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
     EXPECT_EQ(log.fresh(), "");
 
     const Png png(dir.file("shot.png"));
-    ASSERT_EQ((std::vector<png_uint_32> {png.image.width, png.image.height}),
-              (std::vector<png_uint_32> {width, height}));
+    ASSERT_EQ(png.image.width, png_uint_32(width));
+    ASSERT_EQ(png.image.height, png_uint_32(height));
     const std::tuple<int, int, Rgb> probes[] = {
         {0, 0, red},   {width - 1, 9, red},           {5, height - 1, green}, {19, height - 20, green},
         {0, 10, blue}, {width / 2, height / 2, blue}, {20, height - 1, blue}, {width - 1, height - 1, blue}};
