@@ -346,11 +346,7 @@ TEST_F(MeshScene, ASkinnedMeshFollowsItsBone)
 // arrays stay set), and every quad shows the same lit texture.
 TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
 {
-    std::string texel;
-    for (int i = 0; i < 4; i++)
-        texel += std::string("\xC0\x80\x40", 3);
-    writeFile("grey.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, Bytes(texel.begin(), texel.end())));
-    const int side = 3;
+    writeFile("grey.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, repeated({0xC0, 0x80, 0x40}, 4)));
     PVNODE* root = load("quad-grid.pve");
     ASSERT_NE(nullptr, root);
     record([&] { drawFrame(root, nullptr); });
@@ -361,7 +357,7 @@ TEST_F(MeshScene, QuadsSharingEverythingDrawWithoutStateCalls)
     std::map<std::string, size_t> after;
     for (auto call = firstDraw + 1; call < calls.end(); ++call)
         after[GlRecorder::functionOf(*call)]++;
-    const size_t others = size_t(side * side - 1);
+    const size_t others = 3 * 3 - 1;  // the grid is 3 x 3
     // Each loaded quad has arrays of its own: three pointers per quad.
     EXPECT_EQ((std::map<std::string, size_t> {{"glDrawElements", others},
                                               {"glLoadMatrixx", others},
