@@ -5,8 +5,7 @@
 // lists what each holds).
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -199,12 +198,8 @@ TEST_F(PveLoad, EveryTruncationIsRefusedAndCleanedUp)
 std::vector<std::string> filesIn(const std::string& folder)
 {
     std::vector<std::string> names;
-    if (DIR* dir = opendir(folder.c_str())) {
-        while (dirent* entry = readdir(dir))
-            if (entry->d_name[0] != '.')
-                names.push_back(entry->d_name);
-        closedir(dir);
-    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename());
     return names;
 }
 

@@ -25,6 +25,7 @@ const Bytes bgr1 = {1, 2, 3}, bgr2 = {4, 5, 6}, bgra = {1, 2, 3, 4};
 const Bytes rgb1 = {3, 2, 1}, rgb2 = {6, 5, 4};
 const std::string corrupted = "   [!] File corrupted t.tga @ PVTEXTURE::loadTGA\n";
 const std::string unsupported = "   [!] Unsupported depth or sizes for t.tga @ PVTEXTURE::loadTGA\n";
+const std::string idField = "   [!] Unsupported file header for t.tga @ PVTEXTURE::loadTGA\n";
 
 // A file refused with its log line: no bitmap, no size.
 TgaCase refused(const char* what, const std::string& file, const std::string& log, unsigned format = 0)
@@ -61,14 +62,7 @@ std::vector<TgaCase> tgaCases()
          rgb1, 1, 1, 3},
         {"widest file", tgaFile(TGA_RLE, 256, 1, 24, 0, joined(joined({0xFF}, bgr1), joined({0xFF}, bgr2))),
          true, "", joined(repeated(rgb1, 128), repeated(rgb2, 128)), 256, 1, 3},
-        {"image-ID field",
-         tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, bgr2), 1),
-         true,
-         "   [!] Unsupported file header for t.tga @ PVTEXTURE::loadTGA\n",
-         {},
-         2,
-         1,
-         3},
+        {"image-ID field", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, bgr2), 1), true, idField, {}, 2, 1, 3},
         refused("raw data short", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, {4, 5})), corrupted, 3),
         refused("run-length data short", tgaFile(TGA_RLE, 2, 1, 24, 0, joined({0x80}, bgr1)), corrupted, 3),
         refused("repeat pixel short", tgaFile(TGA_RLE, 2, 1, 32, 0, {0x81, 1, 2, 3}), corrupted, 4),

