@@ -1,13 +1,11 @@
 #include "modelviewer.h"
 
 #include <GLES/gl.h>
-#include <SDL/SDL.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
-#include <vector>
-
-#include <stb/stb_image_write.h>
+#include <thread>
 
 namespace {
 
@@ -187,49 +185,40 @@ bool ModelViewer::renderToFile(std::string& error)
     return true;
 }
 
+// Keys as the engine's events report them (SDL 1.2 key symbols).
+enum ViewerKey { KEY_ESCAPE = 27, KEY_SPACE = 32, KEY_PLUS = 43, KEY_MINUS = 45, KEY_EQUALS = 61 };
+
 void ModelViewer::runInteractive()
 {
     bool running = true, dragging = false;
+    int lastX = 0, lastY = 0;
     while (running) {
-        SDL_Event event;
-        while (SDL_PollEvent(&event)) {
-            if (event.type == SDL_QUIT || (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE))
+        PVEVENT event;
+        while (PEVRANO::pollEvent(&event)) {
+            if (event.type == PV_EVENT_QUIT || (event.type == PV_EVENT_KEY_DOWN && event.key == KEY_ESCAPE))
                 running = false;
-            else if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_SPACE)
+            else if (event.type == PV_EVENT_KEY_DOWN && event.key == KEY_SPACE)
                 playing = !playing;
-            else if (event.type == SDL_KEYDOWN &&
-                     (event.key.keysym.sym == SDLK_PLUS || event.key.keysym.sym == SDLK_EQUALS))
+            else if (event.type == PV_EVENT_KEY_DOWN && (event.key == KEY_PLUS || event.key == KEY_EQUALS))
                 zoom(0.9f);
-            else if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_MINUS)
+            else if (event.type == PV_EVENT_KEY_DOWN && event.key == KEY_MINUS)
                 zoom(1.1f);
-            else if (event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_WHEELUP)
-                zoom(0.9f);
-            else if (event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_WHEELDOWN)
-                zoom(1.1f);
-            else if (event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP)
-                dragging = event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_LEFT;
-            else if (event.type == SDL_MOUSEMOTION && dragging) {
-                yaw -= event.motion.xrel * 0.5f;
-                pitch = std::max(-89.0f, std::min(89.0f, pitch + event.motion.yrel * 0.5f));
+            else if (event.type == PV_EVENT_WHEEL)
+                zoom(event.wheel > 0 ? 0.9f : 1.1f);
+            else if (event.type == PV_EVENT_POINTER_DOWN || event.type == PV_EVENT_POINTER_UP)
+                dragging = event.type == PV_EVENT_POINTER_DOWN && event.button == PV_POINTER_LEFT;
+            else if (event.type == PV_EVENT_POINTER_MOVE && dragging) {
+                yaw -= float(event.x - lastX) * 0.5f;
+                pitch = std::max(-89.0f, std::min(89.0f, pitch + float(event.y - lastY) * 0.5f));
             }
+            lastX = event.x;
+            lastY = event.y;
         }
         placeCamera();
         drawFrame();
         PEVRANO::swap();
-        SDL_Delay(16);
+        std::this_thread::sleep_for(std::chrono::milliseconds(16));
     }
 }
 
-// The colour buffer (rows bottom-up) as an RGB PNG, top row first.
-bool ModelViewer::saveScreenshot(const std::string& path) const
-{
-    const int width = PVSETTINGS::getSDLWindowX(), height = PVSETTINGS::getSDLWindowY();
-    std::vector<unsigned char> pixels(size_t(width) * height * 4);
-    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    std::vector<unsigned char> rgb(size_t(width) * height * 3);
-    for (int y = 0; y < height; y++)
-        for (int x = 0; x < width; x++)
-            for (int c = 0; c < 3; c++)
-                rgb[(size_t(height - 1 - y) * width + x) * 3 + c] = pixels[(size_t(y) * width + x) * 4 + c];
-    return stbi_write_png(path.c_str(), width, height, 3, rgb.data(), width * 3) != 0;
-}
+bool ModelViewer::saveScreenshot(const std::string& path) const { return PEVRANO::screenshot(path.c_str()); }
