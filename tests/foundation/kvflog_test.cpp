@@ -2,26 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
+#include <filesystem>
 #include <string>
 
 #include "foundation/logpattern.h"
 #include "support/scratch.h"
 
 using namespace pvtest;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
 
 namespace {
-
-int filesIn(const std::string& directory)
-{
-    int count = 0;
-    DIR* dir = opendir(directory.c_str());
-    while (dirent* entry = readdir(dir))
-        if (entry->d_name[0] != '.')
-            ++count;
-    closedir(dir);
-    return count;
-}
 
 // An error record as the log file holds it, in text form.
 std::string textErrorRecord(const std::string& from, const std::string& text)
@@ -53,13 +44,13 @@ TEST(Log, ClosedLogWritesNothingAnywhere)
     restartLog("closed.txt");
     kvfShutdown();
     std::string closedLog = readFile("closed.txt");
-    StdoutCapture out;
+    CaptureStdout();
     kvfSetConsoleEcho(true);
     EXPECT_FALSE(kvfLog("lost %d\n", 1));
     // An error still reaches the console, only the console.
     EXPECT_FALSE(kvfError("PVTEXTURE::load", "", "bad header"));
     kvfSetConsoleEcho(false);
-    EXPECT_EQ(out.text(), "ERROR\n   from: PVTEXTURE::load - Error\n   text: bad header\n");
+    EXPECT_EQ(GetCapturedStdout(), "ERROR\n   from: PVTEXTURE::load - Error\n   text: bad header\n");
     EXPECT_EQ(readFile("closed.txt"), closedLog);
 }
 
@@ -67,7 +58,7 @@ TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem)
 {
     ScratchDir dir;
     kvfShutdown();
-    StdoutCapture out;
+    CaptureStdout();
     kvfSetConsoleEcho(true);
     EXPECT_TRUE(kvfInit(nullptr));
     EXPECT_EQ(kvfNewId(), 1u);
@@ -77,15 +68,15 @@ TEST(Log, InitWithoutNameStartsTheTablesOnlyAndShutdownEndsThem)
     EXPECT_EQ(kvfNewId(), 0u);
     EXPECT_FALSE(kvfReleaseId(1));
     kvfSetConsoleEcho(false);
-    EXPECT_EQ(out.text(), "");
-    EXPECT_EQ(filesIn(dir.path()), 0);
+    EXPECT_EQ(GetCapturedStdout(), "");
+    EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
 }
 
 TEST(Log, ErrorRecordsInText)
 {
     ScratchDir dir;
     LogCapture capture;
-    StdoutCapture out;
+    CaptureStdout();
     EXPECT_FALSE(kvfError("PVTEXTURE::load", "wall.tga", "bad size %d", 3));
     kvfSetConsoleEcho(true);
     EXPECT_FALSE(kvfError("PVMESH::render", "", "%s", "100% wrong"));
@@ -94,7 +85,7 @@ TEST(Log, ErrorRecordsInText)
     EXPECT_TRUE(matchesWhole(
         capture.text(), textErrorRecord("PVTEXTURE::load - Error (wall.tga)", "bad size 3") + meshRecord))
         << capture.text();
-    std::string echoed = out.text();
+    std::string echoed = GetCapturedStdout();
     EXPECT_TRUE(matchesWhole(
         echoed, literal("ERROR\n   from: PVMESH::render - Error\n   text: 100% wrong\n") + meshRecord))
         << echoed;
@@ -104,7 +95,7 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown)
 {
     ScratchDir dir;
     restartLog("page.html");
-    StdoutCapture out;
+    CaptureStdout();
     kvfSetConsoleEcho(true);
     kvfLog("   three blanks\n");
     kvfSetConsoleEcho(false);
@@ -114,7 +105,7 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown)
     kvfShutdown();
     std::string log = readFile("page.html");
     LogSummary summary = readSummary(log);
-    EXPECT_TRUE(summary.balanced()) << log;
+    ASSERT_TRUE(summary.balanced()) << log;
     std::string expected =
         htmlStartBanner(true) +
         literal("&nbsp&nbsp three blanks<BR>\none two<BR>\nsecond&nbsp line x<BR>\n") +
@@ -125,7 +116,7 @@ TEST(Log, HtmlPageAndTheModeOutlivingShutdown)
         dateTimePattern + literal("]<BR>\n</H4></BODY></HTML>");
     EXPECT_TRUE(matchesWhole(log, expected)) << log;
     // The console gets the text as formatted, not its HTML form.
-    EXPECT_EQ(out.text(), "   three blanks\n");
+    EXPECT_EQ(GetCapturedStdout(), "   three blanks\n");
 
     // A later log, whatever its name, is written as HTML without the page start.
     ASSERT_TRUE(kvfInit("later.txt"));
@@ -147,11 +138,9 @@ TEST(Log, OverlongHtmlExpansionsAreCutAtWholePieces)
     // 1,019 bytes and a break would need 1,025 with the terminator.
     kvfLog("%s", (std::string(1019, 'z') + "\n").c_str());
     kvfLog("end");
-    std::string expected;
+    std::string blanks, breaks;
     for (int i = 0; i < 204; ++i)
-        expected += "&nbsp";
-    for (int i = 0; i < 204; ++i)
-        expected += "<BR>\n";
+        blanks += "&nbsp", breaks += "<BR>\n";
     EXPECT_EQ(readFile("long.html").substr(before.size()),
-              expected + std::string(1020, 'y') + std::string(1019, 'z') + "end");
+              blanks + breaks + std::string(1020, 'y') + std::string(1019, 'z') + "end");
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -16,14 +17,6 @@ namespace {
 void collect(const char* message, void* context)
 {
     static_cast<std::vector<std::string>*>(context)->push_back(message);
-}
-
-std::string joined(const std::vector<std::string>& messages)
-{
-    std::string all;
-    for (const std::string& message : messages)
-        all += message;
-    return all;
 }
 
 }  // namespace
@@ -41,7 +34,7 @@ TEST(LogSink, ReceivesTheTextLogMessageByMessageUntilRemoved)
     kvfError("PVMESH::render", "", "broken");
     kvfShutdown();
     kvfSetLogSink(nullptr, nullptr);
-    EXPECT_EQ(joined(messages), readFile("sink.txt"));
+    EXPECT_EQ(std::accumulate(messages.begin(), messages.end(), std::string()), readFile("sink.txt"));
     EXPECT_EQ(messages[1], "   Progress 50%\n");
     EXPECT_EQ(messages[2], std::string(1023, 'z'));
 

@@ -16,34 +16,20 @@ using Timers = RecordingTest;
 using Ids = RecordingTest;
 
 // The library's calls to the counter resolve to this definition in the test
-// executable, so a test can hold the clock still or move it at will; without
-// a fake value it answers with the library's own counter.
+// executable, so a test can hold the clock still or move it at will; while it
+// is 0 the library's own counter answers.
 namespace {
-bool fakeClock = false;
 long long fakeNow = 0;
 }  // namespace
 
 long long kvfPerformanceCounter()
 {
-    if (fakeClock)
+    if (fakeNow)
         return fakeNow;
     using Counter = long long (*)();
     static Counter real = reinterpret_cast<Counter>(dlsym(RTLD_NEXT, "_Z21kvfPerformanceCounterv"));
     return real ? real() : 0;
 }
-
-namespace {
-
-struct FakeClock {
-    explicit FakeClock(long long start)
-    {
-        fakeClock = true;
-        fakeNow = start;
-    }
-    ~FakeClock() { fakeClock = false; }
-};
-
-}  // namespace
 
 // A timer of rate zero looks free: its slot is handed out again.
 TEST_F(Timers, NinthTimerIsRefusedUntilOneIsFreed)
@@ -83,37 +69,32 @@ TEST_F(Timers, BadHandlesAndFreeSlots)
 
 TEST_F(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
 {
-    FakeClock clock(5000000000LL);
-    int timer = kvfNewTimer(2.0f);
-    ASSERT_GE(timer, 0);
-    // Never adjourned: a fresh slot reads 0.
-    EXPECT_EQ(kvfGetTimerFactor(timer), 0.0f);
-    EXPECT_EQ(kvfGetTimerFps(timer), 0.0f);
-    // A quarter of a second at rate 2: factor 0.5, fps 4.
-    fakeNow += 250000000LL;
-    EXPECT_TRUE(kvfAdjournTimer(timer));
-    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
-    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 4.0f);
-    // Reading does not measure again.
-    fakeNow += 1000000000LL;
-    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 0.5f);
-    // Two seconds since the previous adjourn: factor 4, fps 0.5.
-    fakeNow += 1000000000LL;
-    EXPECT_TRUE(kvfAdjournTimer(timer));
-    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 4.0f);
-    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 0.5f);
+    fakeNow = 5000000000LL;
+    const int timer = kvfNewTimer(2.0f);
+    // Each step moves the counter, adjourns the timer or not, then reads it.
+    const struct {
+        long long advance;
+        bool adjourn;
+        float factor, fps;
+    } steps[] = {
+        {0, false, 0, 0},  // never adjourned: a fresh slot reads 0
+        {250000000, true, 0.5f, 4},  // a quarter of a second at rate 2
+        {1000000000, false, 0.5f, 4},  // reading does not measure again
+        {1000000000, true, 4, 0.5f},  // two seconds since the previous adjourn
+        {0, true, 1, 2},  // the same tick: factor 1, fps equal to the rate
+        {-10, true, 1, 2},  // a counter going back alike
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.advance);
+        fakeNow += step.advance;
+        EXPECT_TRUE(!step.adjourn || kvfAdjournTimer(timer));
+        EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), step.factor);
+        EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), step.fps);
+    }
     // Freed and taken again, the slot still reads its last figures.
     EXPECT_TRUE(kvfFreeTimer(timer));
     ASSERT_EQ(kvfNewTimer(2.0f), timer);
-    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 4.0f);
-    EXPECT_FLOAT_EQ(kvfGetTimerFps(timer), 0.5f);
-    // Same tick, then a counter going back: factor 1, fps equal to the rate.
-    EXPECT_TRUE(kvfAdjournTimer(timer));
-    EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
-    EXPECT_EQ(kvfGetTimerFps(timer), 2.0f);
-    fakeNow -= 10;
-    EXPECT_TRUE(kvfAdjournTimer(timer));
-    EXPECT_EQ(kvfGetTimerFactor(timer), 1.0f);
+    EXPECT_FLOAT_EQ(kvfGetTimerFactor(timer), 1.0f);
     EXPECT_EQ(log.text(), "");
 }
 
