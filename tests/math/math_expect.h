@@ -24,27 +24,21 @@ inline K3MVECTOR4D axisAngle(double angle, double x, double y, double z)
     return K3MVECTOR4D(x * s, y * s, z * s, std::cos(angle / 2));
 }
 
-inline ::testing::AssertionResult nearAll(const float* actual, std::initializer_list<double> expected,
-                                          double tolerance)
-{
-    int i = 0;
-    for (double e : expected) {
-        if (!(std::fabs(actual[i] - e) <= tolerance))
-            return ::testing::AssertionFailure()
-                   << "component " << i << " is " << actual[i] << ", expected " << e;
-        i++;
-    }
-    return ::testing::AssertionSuccess();
-}
-
-inline ::testing::AssertionResult nearArray(const float* actual, const float* expected, int count,
-                                            double tolerance)
+// The first count elements against the expected ones, within a tolerance.
+template <typename T>
+::testing::AssertionResult nearArray(const float* actual, const T* expected, int count, double tolerance)
 {
     for (int i = 0; i < count; i++)
         if (!(std::fabs(double(actual[i]) - expected[i]) <= tolerance))
             return ::testing::AssertionFailure()
                    << "element " << i << " is " << actual[i] << ", expected " << expected[i];
     return ::testing::AssertionSuccess();
+}
+
+inline ::testing::AssertionResult nearAll(const float* actual, std::initializer_list<double> expected,
+                                          double tolerance)
+{
+    return nearArray(actual, expected.begin(), int(expected.size()), tolerance);
 }
 
 }  // namespace mathtest

@@ -40,24 +40,18 @@ TEST(Matrix, StorageAndAccessors)
     m.setTranslation(-1, -2, -3);
     EXPECT_COMPONENTS(m.m, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, -1, -2, -3, 16);
 
-    // setScaling writes the diagonal only, even over a rotation.
-    K3MMATRIX rotated;
-    rotated.setRotation(30, 0, 0, 1);
-    K3MMATRIX scaled = rotated;
+    // setScaling writes the diagonal only, even over a rotation (sin 30 = 0.5).
+    K3MMATRIX scaled;
+    scaled.setRotation(30, 0, 0, 1);
     scaled.setScaling(K3MVECTOR3D(2, 3, 4));
-    for (int i = 0; i < 16; i++) {
-        float expected = i == 0 ? 2.0f : i == 5 ? 3.0f : i == 10 ? 4.0f : rotated.m[i];
-        EXPECT_EQ(expected, scaled.m[i]) << "element " << i;
-    }
+    EXPECT_COMPONENTS_NEAR(1e-7, scaled.m, 2, 0.5, 0, 0, -0.5, 3, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1);
 }
 
 TEST(Matrix, ProductAppliesRightOperandAfterLeft)
 {
     K3MMATRIX a = counting(1), b = counting(17);
     K3MMATRIX c = a * b;
-    // By hand: C[0] = 1*17 + 2*21 + 3*25 + 4*29.
-    EXPECT_EQ(250.0f, c.m[0]);
-    // Whole product: B.A in GL terms.
+    // B.A in GL terms.
     const Mat4 ga = Mat4::fromGl(a.m), gb = Mat4::fromGl(b.m);
     expectMatrixNear(gb * ga, c.m, "a * b", 0.0);
     expectMatrixNear(ga * gb, (b * a).m, "b * a", 0.0);
@@ -99,9 +93,8 @@ TEST(Matrix, TransposeDeterminantAndInverse)
     K3MMATRIX scale;
     scale.setScaling(K3MVECTOR3D(1.5f, 0.5f, 2.0f));
     m = scale * m;
-    const float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    EXPECT_TRUE(mathtest::nearArray((m * m.inverse()).m, identity, 16, 1e-5));
-    EXPECT_TRUE(mathtest::nearArray((m.inverse() * m).m, identity, 16, 1e-5));
+    EXPECT_TRUE(mathtest::nearArray((m * m.inverse()).m, K3MMATRIX().m, 16, 1e-5));
+    EXPECT_TRUE(mathtest::nearArray((m.inverse() * m).m, K3MMATRIX().m, 16, 1e-5));
     K3MMATRIX inverted = m;
     inverted.invert();
     EXPECT_TRUE(mathtest::nearArray(inverted.m, m.inverse().m, 16, 0.0));
@@ -135,15 +128,6 @@ TEST(Matrix, SingleAxisRotations)
     one.setRotationZ(57.2957763671875f);
     EXPECT_EQ(float(std::cos(1.0)), one.m[0]);
     EXPECT_EQ(float(std::sin(1.0)), one.m[1]);
-
-    // Their 3x3 blocks turn the axes the GL way.
-    K3MMATRIX quarter;
-    quarter.setRotationZ(90);
-    EXPECT_COMPONENTS_NEAR(1e-6, quarter.rotate(K3MVECTOR3D(1, 0, 0)), 0, 1, 0);
-    quarter.setRotationX(90);
-    EXPECT_COMPONENTS_NEAR(1e-6, quarter.rotate(K3MVECTOR3D(0, 1, 0)), 0, 0, 1);
-    quarter.setRotationY(90);
-    EXPECT_COMPONENTS_NEAR(1e-6, quarter.rotate(K3MVECTOR3D(0, 0, 1)), 1, 0, 0);
 }
 
 TEST(Matrix, AxisAngleRotation)

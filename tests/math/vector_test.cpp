@@ -91,11 +91,9 @@ TEST(Vector, NormalizeAndSetLength)
     // A zero vector stays zero, with no NaN.
     K3MVECTOR3D zero;
     EXPECT_COMPONENTS(zero.normalize(), 0, 0, 0);
-    EXPECT_COMPONENTS(zero, 0, 0, 0);
 
     K3MVECTOR3D w(0, 3, 4);
     EXPECT_COMPONENTS(w.setLength(10), 0, 6, 8);
-    EXPECT_COMPONENTS(w, 0, 6, 8);
 
     // setLength has no such guard.
     K3MVECTOR3D z;

@@ -5,29 +5,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
-
-namespace {
-
-bool copyFile(const char* from, const char* to)
-{
-    FILE* in = fopen(from, "rb");
-    if (!in)
-        return false;
-    FILE* out = fopen(to, "wb");
-    if (!out) {
-        fclose(in);
-        return false;
-    }
-    char block[4096];
-    size_t length;
-    while ((length = fread(block, 1, sizeof block, in)) > 0)
-        fwrite(block, 1, length, out);
-    fclose(out);
-    fclose(in);
-    return true;
-}
-
-}  // namespace
+#include <filesystem>
 
 int main(int argc, char** argv)
 {
@@ -47,5 +25,7 @@ int main(int argc, char** argv)
     dlclose(library);
     if (dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD))
         return 4;
-    return copyFile("pevrano_log.txt", "after_unload.txt") ? 0 : 5;
+    std::error_code failed;
+    std::filesystem::copy_file("pevrano_log.txt", "after_unload.txt", failed);
+    return failed ? 5 : 0;
 }
