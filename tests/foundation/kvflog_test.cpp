@@ -1,12 +1,6 @@
-#include <pevrano.h>
-
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <string>
 
 #include "foundation/logpattern.h"
-#include "support/scratch.h"
 
 using namespace pvtest;
 using testing::internal::CaptureStdout;

@@ -1,14 +1,7 @@
-#include <pevrano.h>
-
-#include <gtest/gtest.h>
-
 #include <numeric>
-#include <string>
-#include <vector>
 
 #include "foundation/kvflogsink.h"
 #include "foundation/logpattern.h"
-#include "support/scratch.h"
 
 using namespace pvtest;
 

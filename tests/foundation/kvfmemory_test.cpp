@@ -1,13 +1,7 @@
-#include <pevrano.h>
-
-#include <gtest/gtest.h>
-
 #include <dlfcn.h>
-#include <string>
 
 #include "foundation/kvfplatform.h"
 #include "foundation/logpattern.h"
-#include "support/scratch.h"
 
 using namespace pvtest;
 

@@ -1,11 +1,7 @@
 #include <pevrano.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <string>
 #include <sys/stat.h>
-#include <vector>
 
 #include "support/glfixture.h"
 

@@ -2,9 +2,6 @@
 // that does not fit refused without moving the cursor or touching the output.
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <string>
-
 #include "foundation/kvfreader.h"
 
 namespace {

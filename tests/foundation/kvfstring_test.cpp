@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <string>
-
 #include "foundation/kvfstring.h"
 
 TEST(CopyIfFits, CopiesWholeStringsOnlyAndNeverReadsPastTheCapacity)

@@ -2,10 +2,7 @@
 
 #include "foundation/kvfplatform.h"
 
-#include <gtest/gtest.h>
-
 #include <dlfcn.h>
-#include <string>
 
 #include "support/glfixture.h"
 

@@ -1,14 +1,11 @@
 // The engine library opens its log when it is loaded into a process and
 // closes it, with the memory summary, when it is unloaded.
-#include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "foundation/logpattern.h"
-#include "support/scratch.h"
 
 using namespace pvtest;
 

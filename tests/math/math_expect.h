@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <initializer_list>
-#include <string>
 
 #include "math/k3mvector4d.h"
 

@@ -5,8 +5,6 @@
 #include "math_expect.h"
 #include "support/viewmath.h"
 
-#include <cmath>
-
 using mathtest::axisAngle;
 using mathtest::RAD;
 using pvtest::expectMatrixNear;

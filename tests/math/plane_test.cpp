@@ -3,7 +3,6 @@
 #include "math_expect.h"
 
 #include <array>
-#include <cmath>
 
 namespace {
 

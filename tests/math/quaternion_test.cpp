@@ -3,10 +3,7 @@
 // scalar/vector form of the product, q1 q2 = (w1 w2 - v1.v2, w1 v2 + w2 v1 + v1 x v2),
 // and from the closed form (sin(t/2) axis, cos(t/2)); a combined Euler rotation
 // is checked against the product of its single-axis ones.
-#include "math/k3mvector4d.h"
 #include "math_expect.h"
-
-#include <cmath>
 
 using mathtest::axisAngle;
 using mathtest::PI;

@@ -1,10 +1,7 @@
 // Vectors: construction and conversion rules, component-wise arithmetic,
 // lengths and the deliberate oddities (reset zeroing w, the 4D distance to a
 // 3D point, zero-length normalisation, out-of-range indexing).
-#include "math/k3mvector4d.h"
 #include "math_expect.h"
-
-#include <cmath>
 
 using mathtest::PI;
 
