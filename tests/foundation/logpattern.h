@@ -23,22 +23,8 @@ const std::string dateTimePattern =
 const std::string clockPattern = "[0-9]{1,2}:[0-9]{1,2}:[0-9]{1,2}\\.[0-9]{1,3}";
 const std::string dashes = "-------------------------------------------------------";
 
-inline std::string textStartBanner()
-{
-    return literal("[Kolvane foundation 0.4 started at ") + dateTimePattern +
-           literal("]\n" + dashes + "\n\n");
-}
-
 // The peak line: its byte count is printed signed, so a peak above 2 GB reads negative.
 const std::string peakPattern = "Max\\. physical memory usage: ([0-9]+\\.[0-9]{2}) mb \\((-?[0-9]+) bytes\\)";
-
-// End of a text log: separator, memory summary with the given ratio line and
-// total line, terminated banner. The peak line's figures are left open.
-inline std::string textSummary(const std::string& ratioLine, const std::string& totalLine)
-{
-    return literal("\n" + dashes + "\n" + ratioLine + "\n") + peakPattern + "\n" +
-           literal(totalLine + "\n[Kolvane foundation 0.4 terminated at ") + dateTimePattern + literal("]\n");
-}
 
 // Start banner of an HTML log, opening the page itself or not.
 inline std::string htmlStartBanner(bool opensPage)
