@@ -5,14 +5,9 @@
 
 using namespace pvtest;
 
-namespace {
-
-void collect(const char* message, void* context)
-{
+const auto collect = [](const char* message, void* context) {
     static_cast<std::vector<std::string>*>(context)->push_back(message);
-}
-
-}  // namespace
+};
 
 TEST(LogSink, ReceivesTheTextLogMessageByMessageUntilRemoved)
 {
@@ -35,15 +30,11 @@ TEST(LogSink, ReceivesTheTextLogMessageByMessageUntilRemoved)
     ASSERT_TRUE(kvfInit("after.txt"));
     kvfLog("unseen\n");
     EXPECT_EQ(messages.size(), seen);
-}
 
-TEST(LogSink, HtmlLogsHandOverTheTextBeforeExpansion)
-{
-    ScratchDir dir;
+    // An HTML log hands over the text before its expansion.
     restartLog("sink.html");
-    std::vector<std::string> messages;
     kvfSetLogSink(collect, &messages);
     kvfLog("  a\nb");
     kvfSetLogSink(nullptr, nullptr);
-    EXPECT_EQ(messages, std::vector<std::string> {"  a\nb"});
+    EXPECT_EQ(messages.back(), "  a\nb");
 }

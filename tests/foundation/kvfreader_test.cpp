@@ -2,6 +2,8 @@
 // that does not fit refused without moving the cursor or touching the output.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "foundation/kvfreader.h"
 
 namespace {
@@ -28,59 +30,47 @@ TEST(KvfReader, ReadsEachTypeLittleEndian)
     EXPECT_TRUE(reader.good());
 }
 
-// Each case starts at an offset and makes one read that must fail there.
-struct Overrun {
-    const char* what;
-    size_t start;
-    bool (*read)(KVFREADER&);
+// Where a read puts its value; a read that fails leaves it untouched.
+union Output {
+    uint8_t u8;
+    uint16_t u16;
+    uint32_t u32;
+    float floats[2];
+    char text[2];
 };
-
-// True when the read succeeds or touches its output.
-template <typename T, bool (KVFREADER::*read)(T&)> bool failsUntouched(KVFREADER& reader)
-{
-    T value = 7;
-    return (reader.*read)(value) || value != 7;
-}
 
 TEST(KvfReader, RefusesReadsPastTheEnd)
 {
-    const Overrun cases[] = {
-        {"u8 at end", sizeof sample, failsUntouched<uint8_t, &KVFREADER::readU8>},
-        {"u16 one byte short", sizeof sample - 1, failsUntouched<uint16_t, &KVFREADER::readU16>},
-        {"u32 three bytes short", sizeof sample - 3, failsUntouched<uint32_t, &KVFREADER::readU32>},
-        {"floats past end", 7,
-         [](KVFREADER& r) {
-             float v[2] = {7, 7};
-             return r.readFloats(v, 2) || v[0] != 7;
-         }},
-        {"huge float count", 0,
-         [](KVFREADER& r) {
-             float v = 7;
-             return r.readFloats(&v, size_t(1) << 62) || v != 7;
-         }},
-        {"bytes past end", 10, [](KVFREADER& r) { return r.readBytes(nullptr, 5); }},
-        {"string without NUL", 11,
-         [](KVFREADER& r) {
-             char s[2] = "x";
-             return r.readString(s, 0) || s[0] != 'x';
-         }},
-        {"string too long", 11,
-         [](KVFREADER& r) {
-             char s[2] = "x";
-             return r.readString(s, 2) || s[0] != 'x';
-         }},
-        {"start past end", sizeof sample + 1, failsUntouched<uint8_t, &KVFREADER::readU8>},
+    const size_t n = sizeof sample;
+    // Each case reads the first size bytes of the sample from an offset and must fail there.
+    const struct {
+        const char* what;
+        size_t size, start;
+        bool (*read)(KVFREADER&, Output&);
+    } cases[] = {
+        {"u8 at end", n, n, [](KVFREADER& r, Output& o) { return r.readU8(o.u8); }},
+        {"u16 one byte short", n, n - 1, [](KVFREADER& r, Output& o) { return r.readU16(o.u16); }},
+        {"u32 three bytes short", n, n - 3, [](KVFREADER& r, Output& o) { return r.readU32(o.u32); }},
+        {"floats past end", n, 7, [](KVFREADER& r, Output& o) { return r.readFloats(o.floats, 2); }},
+        {"huge float count", n, 0,
+         [](KVFREADER& r, Output& o) { return r.readFloats(o.floats, size_t(1) << 62); }},
+        {"bytes past end", n, 10, [](KVFREADER& r, Output&) { return r.readBytes(nullptr, 5); }},
+        {"string without NUL", n - 1, 11, [](KVFREADER& r, Output& o) { return r.readString(o.text, 0); }},
+        {"string too long", n, 11, [](KVFREADER& r, Output& o) { return r.readString(o.text, 2); }},
+        {"start past end", n, n + 1, [](KVFREADER& r, Output& o) { return r.readU8(o.u8); }},
     };
-    for (const Overrun& c : cases) {
-        // The string case without a NUL reads a buffer that ends before it.
-        const size_t size = std::string(c.what) == "string without NUL" ? sizeof sample - 1 : sizeof sample;
-        KVFREADER reader(sample, size, c.start);
-        const size_t before = reader.position();
-        EXPECT_FALSE(c.read(reader)) << c.what;
-        EXPECT_FALSE(reader.good()) << c.what;
-        EXPECT_EQ(before, reader.position()) << c.what;
-        uint8_t after = 0;
-        EXPECT_FALSE(reader.readU8(after)) << c.what << ": a failed reader stays failed";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        KVFREADER reader(sample, c.size, c.start);
+        const size_t start = reader.position();
+        Output out;
+        memset(&out, 7, sizeof out);
+        const Output untouched = out;
+        EXPECT_FALSE(c.read(reader, out));
+        EXPECT_EQ(memcmp(&out, &untouched, sizeof out), 0);
+        EXPECT_FALSE(reader.good());
+        EXPECT_EQ(start, reader.position());
+        EXPECT_FALSE(reader.readU8(out.u8)) << "a failed reader stays failed";
     }
 }
 
