@@ -145,7 +145,7 @@ TEST_F(Parser, Lookups)
 {
     // Comments are stripped first: what follows a mark is no key.
     OpenParser file("WIDTH = 640\nHEIGHT=480px\nABCD=7\nABC=5\nNAME = \"my file\"\nRAW = plain\nHALF=\"open\n"
-                    "SCALE=2.5e1x #NOTE=3\nWIDTH=1024\nSIGN=-12\nKEYONLY");
+                    "SCALE=2.5e1x #NOTE=3\nKEYONLY\nWIDTH=1024\nSIGN=-12");
     ASSERT_TRUE(kvfStripComments(&file.parser, '#'));
     const struct {
         const char* key;
