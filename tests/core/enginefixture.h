@@ -1,15 +1,18 @@
-// Fixture of the tests that start the whole engine: scratch directory, log
-// capture and GL call recorder; the engine is stopped at the end of the case.
+// Fixture of the tests that start the whole engine (scratch directory, log
+// capture, GL call recorder; the engine is stopped at the end of the case) and
+// the expected log lines of its start and stop, read from data/expected.
 #ifndef PEVRANO_TESTS_CORE_ENGINEFIXTURE_H
 #define PEVRANO_TESTS_CORE_ENGINEFIXTURE_H
 
 #include <GLES/gl.h>
 
 #include <array>
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "core/pevrano.h"
 #include "core/pvsettings.h"
-#include "displaylog.h"
 #include "support/glfixture.h"
 
 namespace pvtest {
@@ -17,13 +20,9 @@ namespace pvtest {
 class EngineTest : public RecordingTest {
 protected:
     void start(PVSETTINGS settings = PVSETTINGS()) { ASSERT_TRUE(PEVRANO::init(&settings)) << log.text(); }
-    // The effect switches are class-wide: they are turned back off.
     void TearDown() override
     {
         recorder.stop();
-        PEVRANO::wireframeOff();
-        PEVRANO::bloomingOff();
-        PEVRANO::DOFOff();
         PEVRANO::free();
     }
 };
@@ -35,12 +34,37 @@ inline PVSETTINGS landscapeSettings()
     return settings;
 }
 
+// True when the tests run against an X server (SDL's X11 window path).
+inline bool onX11() { return std::getenv("DISPLAY") && *std::getenv("DISPLAY"); }
+
 // GL's viewport: x, y, width, height.
 inline std::array<GLint, 4> viewportInForce()
 {
     std::array<GLint, 4> viewport = {-1, -1, -1, -1};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     return viewport;
+}
+
+// The expected log of the engine's start-up with no settings given; with
+// settings there is no "Standard configuration used" line and the requested
+// sizes line reads "depth: <sizes>".
+inline std::vector<LogLine> initLines(const char* sizes = nullptr)
+{
+    std::vector<LogLine> lines = readLogLines(PEVRANO_TEST_DATA "/expected/init.log");
+    if (!sizes)
+        return lines;
+    lines.erase(lines.begin() + 3);
+    lines[6] = exact(std::string("          depth: ") + sizes);
+    return lines;
+}
+
+// The lines up to and including the first one expected to read last.
+inline std::vector<LogLine> upTo(std::vector<LogLine> lines, const std::string& last)
+{
+    for (size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].text == last)
+            lines.resize(i + 1);
+    return lines;
 }
 
 }  // namespace pvtest

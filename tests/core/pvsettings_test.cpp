@@ -1,4 +1,4 @@
-// The settings record: defaults, setters, the PEVRANO_* configuration file
+// The settings record: defaults (what loading no key leaves), setters, the PEVRANO_* configuration file
 // with its parser quirks, and the configuration in force after start-up.
 #include <gtest/gtest.h>
 
@@ -40,12 +40,6 @@ using SettingsInForce = pvtest::EngineTest;
 using Viewport = std::array<GLint, 4>;
 
 }  // namespace
-
-TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
-{
-    PVSETTINGS settings;
-    EXPECT_EQ(describe(settings), defaults);
-}
 
 TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
@@ -104,13 +98,15 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
     EXPECT_EQ(pvtest::viewportInForce(), (Viewport {0, 0, 200, 100}));
 }
 
-// What is in force comes from GL, not from the request; the values with no
-// consumer on this target stay zero.
+// What is in force comes from GL, not from the request: no colour sizes go
+// to EGL, the first configuration is used (5-6-5 off-screen) whatever depth
+// is asked. The values with no consumer on this target stay zero.
 TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
 {
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
     PVSETTINGS s;
+    s.setColorDepth(24);
     s.setForceFBO(true);
     s.setShaders(true);
     s.setResizable(true);
@@ -127,14 +123,13 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), red + green + blue + alpha);
     EXPECT_EQ(PVSETTINGS::getSDLZetaDepth(), depth);
     EXPECT_EQ(PVSETTINGS::getSDLStencilDepth(), stencil);
+    EXPECT_GE(depth, 16);
     if (!pvtest::onX11()) {
         EXPECT_EQ(red * 100 + green * 10 + blue, 565);
         EXPECT_EQ(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
     } else {
         EXPECT_NE(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
     }
-    EXPECT_GE(depth, 16);
-
     EXPECT_TRUE(PVSETTINGS::isActive());
     EXPECT_FALSE(PVSETTINGS::isSDLFullScreen());
     EXPECT_TRUE(PVSETTINGS::isSDLResizable());
@@ -143,24 +138,4 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
     EXPECT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PVSETTINGS::isActive());
-}
-
-// No colour sizes go to EGL: the first configuration is used whatever depth
-// is asked, and the depth in force is what GL reports for it (5-6-5 off-screen).
-TEST_F(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
-{
-    PVSETTINGS deep;
-    deep.setColorDepth(24);
-    start(deep);
-    const int deepInForce = PVSETTINGS::getSDLColorDepth();
-    pvtest::expectLog(log.text(),
-                      pvtest::replacing(pvtest::initLines(false), "          depth: 16, zeta: 16, stencil: 0",
-                                        pvtest::exact("          depth: 24, zeta: 16, stencil: 0")));
-    ASSERT_TRUE(PEVRANO::free());
-
-    start();
-    EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), deepInForce);
-    if (!pvtest::onX11()) {
-        EXPECT_EQ(deepInForce, 16);
-    }
 }
