@@ -58,15 +58,6 @@ inline std::vector<LogLine> initLines(const char* sizes = nullptr)
     return lines;
 }
 
-// The lines up to and including the first one expected to read last.
-inline std::vector<LogLine> upTo(std::vector<LogLine> lines, const std::string& last)
-{
-    for (size_t i = 0; i < lines.size(); ++i)
-        if (lines[i].text == last)
-            lines.resize(i + 1);
-    return lines;
-}
-
 }  // namespace pvtest
 
 #endif

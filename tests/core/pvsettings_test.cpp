@@ -36,7 +36,6 @@ const std::string defaults =
     "water=256 forceFBO=0 pve= pva= mpg= texture= shader= font=";
 
 using SettingsFile = pvtest::EngineTest;
-using SettingsInForce = pvtest::EngineTest;
 
 }  // namespace
 
@@ -71,45 +70,23 @@ TEST_F(SettingsFile, KeysFollowTheParserRules)
               "pve=models/ pva= mpg= texture=textures/ shader=a\"b font=\"fonts/");
 }
 
-// The file's values reach the display: the configuration in force, and the
-// folders handed on to the engine and shaders; a resize changes the size and
-// the viewport.
-TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
-{
-    pvtest::writeFile("small.cfg",
-                      "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
-                      "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
-                      "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
-    PVSETTINGS s;
-    ASSERT_TRUE(s.load("small.cfg"));
-    start(s);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
-    EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
-    EXPECT_TRUE(PVSETTINGS::isSDLLandscape());
-    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 160, 120}));
-    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
-    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
-
-    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
-    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 200, 100}));
-}
-
-// What is in force comes from GL, not from the request: no colour sizes go
-// to EGL, the first configuration is used (5-6-5 off-screen) whatever depth
-// is asked. The values with no consumer on this target stay zero.
-TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
+// The file's values reach the display; what is in force comes from GL, not
+// from the request: no colour sizes go to EGL, the first configuration is used
+// (5-6-5 off-screen) whatever depth is asked. The folders are handed on to the
+// engine and shaders, the values with no consumer on this target stay zero,
+// and a resize changes the size and the viewport.
+TEST_F(SettingsFile, LoadedValuesOpenTheDisplayWithWhatGlGives)
 {
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
+    pvtest::writeFile("small.cfg",
+                      "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
+                      "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
+                      "PEVRANO_fullScreen=0\nPEVRANO_resizable=1\nPEVRANO_useShaders=1\n"
+                      "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
     PVSETTINGS s;
-    s.setColorDepth(24);
+    ASSERT_TRUE(s.load("small.cfg"));
     s.setForceFBO(true);
-    s.setShaders(true);
-    s.setResizable(true);
-    s.setFullScreen(false);
     start(s);
 
     GLint red = 0, green = 0, blue = 0, alpha = 0, depth = 0, stencil = 0;
@@ -133,5 +110,16 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_EQ((std::vector<bool> {PVSETTINGS::isSDLFullScreen(), PVSETTINGS::isSDLResizable(),
                                   PVSETTINGS::isSDLLandscape(), PVSETTINGS::getSDLShaders(),
                                   PVSETTINGS::getSDLForceFBO()}),
-              (std::vector<bool> {false, true, false, true, false}));
+              (std::vector<bool> {false, true, true, true, false}));
+    EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
+    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
+    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
+    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 160, 120}));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
+
+    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
+    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 200, 100}));
 }
