@@ -45,16 +45,20 @@ inline std::array<GLint, 4> viewportInForce()
     return viewport;
 }
 
-// The expected log of the engine's start-up with no settings given; with
-// settings there is no "Standard configuration used" line and the requested
-// sizes line reads "depth: <sizes>".
-inline std::vector<LogLine> initLines(const char* sizes = nullptr)
+// The expected log of the engine's start-up with no settings given; given
+// settings, there is no "Standard configuration used" line and the requested
+// sizes are theirs.
+inline std::vector<LogLine> initLines(PVSETTINGS* settings = nullptr)
 {
     std::vector<LogLine> lines = readLogLines(PEVRANO_TEST_DATA "/expected/init.log");
-    if (!sizes)
+    if (!settings)
         return lines;
     lines.erase(lines.begin() + 3);
-    lines[6] = exact(std::string("          depth: ") + sizes);
+    const auto number = [](int value) { return std::to_string(unsigned(value)); };
+    lines[5] =
+        exact("          X: " + number(settings->getWindowX()) + ", Y: " + number(settings->getWindowY()));
+    lines[6] = exact("          depth: " + number(settings->getColorDepth()) + ", zeta: " +
+                     number(settings->getZetaDepth()) + ", stencil: " + number(settings->getStencilDepth()));
     return lines;
 }
 
