@@ -12,8 +12,10 @@
 #include <vector>
 
 #include "core/pevrano.h"
+#include "core/pvgl.h"
 #include "core/pvsettings.h"
 #include "support/glfixture.h"
+#include "support/viewmath.h"
 
 namespace pvtest {
 
@@ -43,6 +45,31 @@ inline std::array<GLint, 4> viewportInForce()
     std::array<GLint, 4> viewport = {-1, -1, -1, -1};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     return viewport;
+}
+
+using Matrix = std::array<float, 16>;
+
+// The top of a shadow matrix stack (PV_GL_MODELVIEW_STACK or
+// PV_GL_PROJECTION_STACK); a stack the wrapper does not keep leaves -12345s.
+inline Matrix shadowMatrix(int which)
+{
+    Matrix m;
+    m.fill(-12345.0f);
+    PV_glGetFloatv(which, m.data());
+    return m;
+}
+
+// The top of one of GL's own matrix stacks (GL_*_MATRIX).
+inline Matrix glMatrix(GLenum which)
+{
+    Matrix m {};
+    glGetFloatv(which, m.data());
+    return m;
+}
+
+inline void expectMatrixNear(const Matrix& actual, const Mat4& expected, double tolerance, const char* what)
+{
+    expectMatrixNear(expected, actual.data(), what, tolerance);
 }
 
 // The expected log of the engine's start-up with no settings given; given

@@ -18,7 +18,6 @@
 #include "enginefixture.h"
 #include "scene/pvlight.h"
 #include "support/pixels.h"
-#include "support/viewmath.h"
 
 namespace {
 
@@ -55,13 +54,6 @@ void drawRectangle()
     PV_glColor4f(1.0f, 0.0f, 0.0f, 1.0f);
     glVertexPointer(2, GL_FIXED, 0, v);
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-}
-
-std::array<float, 16> shadowProjection()
-{
-    std::array<float, 16> shadow;
-    PV_glGetFloatv(PV_GL_PROJECTION_STACK, shadow.data());
-    return shadow;
 }
 
 // Every cached switch that begin2D turns is first put in the other state, so
@@ -121,19 +113,19 @@ TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
         PEVRANO::clear(true, true, false);
         setEveryTwoDSwitchTheOtherWay();
-        const std::array<float, 16> perspective = shadowProjection();
+        const pvtest::Matrix perspective = pvtest::shadowMatrix(PV_GL_PROJECTION_STACK);
         // Every switch begin2D turns, then the projection of one unit per pixel.
         EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::begin2D()); }),
                   pvtest::readCalls(PEVRANO_TEST_DATA "/expected/begin2d-" + name + ".calls"));
         // The shadow projection holds what GL holds (true of an orthographic one).
-        GLfloat gl[16];
-        glGetFloatv(GL_PROJECTION_MATRIX, gl);
-        pvtest::expectMatrixNear(pvtest::Mat4::fromGl(gl), shadowProjection().data(), "2D projection", 1e-5);
+        pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK),
+                                 pvtest::Mat4::fromGl(pvtest::glMatrix(GL_PROJECTION_MATRIX).data()), 1e-5,
+                                 "2D");
         drawRectangle();
         EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end2D()); }),
                   (Calls {"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
                           "glEnable(GL_CULL_FACE)", "glEnable(GL_DEPTH_TEST)"}));
-        EXPECT_EQ(shadowProjection(), perspective);
+        EXPECT_EQ(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK), perspective);
         expectWindow(blue, rectangle, red);
         PEVRANO::free();
     }

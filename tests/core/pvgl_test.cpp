@@ -9,35 +9,15 @@
 #include <string>
 #include <vector>
 
-#include "core/pvgl.h"
-#include "support/glfixture.h"
-#include "support/viewmath.h"
+#include "enginefixture.h"
 
 namespace {
 
-using Matrix = std::array<float, 16>;
 using pvtest::Calls;
+using pvtest::glMatrix;
 using pvtest::Mat4;
-
-Matrix shadow(int which)
-{
-    Matrix m;
-    m.fill(-12345.0f);
-    PV_glGetFloatv(which, m.data());
-    return m;
-}
-
-Matrix glMatrix(GLenum which)
-{
-    Matrix m {};
-    glGetFloatv(which, m.data());
-    return m;
-}
-
-void expectMatrixNear(const Matrix& actual, const Mat4& expected, double tolerance, const char* what)
-{
-    pvtest::expectMatrixNear(expected, actual.data(), what, tolerance);
-}
+using pvtest::Matrix;
+using pvtest::shadowMatrix;
 
 using GlWrapper = pvtest::GlContextTest;
 
@@ -96,9 +76,9 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
     // Each operation X makes the top X * top.
     const Mat4 expected =
         Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
     // GL, fed the same operations in fixed point, holds the same matrix.
-    expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
+    pvtest::expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
 }
 
 TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
@@ -112,7 +92,8 @@ TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
     // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
     // -(f+n)/(f-n) = -12/8, -2fn/(f-n) = -40/8, -1 in 14.
     const float shadowExpected[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f, "shadow");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f,
+                             "shadow");
 }
 
 TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
@@ -130,8 +111,9 @@ TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
               Calls(32, "glPushMatrix()"));
     EXPECT_EQ(log.text(), "   [!] Stack overflow in glWrapper\n");
     // The deepest push leaves the projection stack alone.
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(7, 8, 9), 0.0f, "projection");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(7, 8, 9), 0.0f,
+                             "projection");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
 
     // The last pop finds the stack at depth zero: only a warning.
     EXPECT_EQ(record([] {
@@ -154,10 +136,12 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
                   PV_glTranslatef(5.0f, 0.0f, 0.0f);
               }),
               (Calls {"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f, "projection follows");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f,
+                             "projection follows");
+    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f,
+                             "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
-    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
+    pvtest::expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
 }
 
 TEST_F(GlWrapper, OnlyTheTwoShadowStacksAreRead)
@@ -165,7 +149,7 @@ TEST_F(GlWrapper, OnlyTheTwoShadowStacksAreRead)
     Matrix untouched;
     untouched.fill(-12345.0f);
     for (int which : {2, -1, int(GL_MODELVIEW)})
-        EXPECT_EQ(shadow(which), untouched) << which;
+        EXPECT_EQ(shadowMatrix(which), untouched) << which;
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include "enginefixture.h"
 #include "support/switches.h"
 #include "support/testaccess.h"
-#include "support/viewmath.h"
 
 namespace {
 
@@ -118,9 +117,8 @@ TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngl
                       {-h * aspect, h * aspect, -h, h, 1.0, 1024.0});
 
     // The model-view shadow is the identity again.
-    float modelView[16];
-    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, modelView);
-    pvtest::expectMatrixNear(pvtest::Mat4::identity(), modelView, "model-view", 0.0);
+    pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_MODELVIEW_STACK), pvtest::Mat4::identity(), 0,
+                             "model-view");
 
     PVOPENGL::setNearPlane(2.0f);
     PVOPENGL::setFarPlane(50.0f);
@@ -159,12 +157,11 @@ TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
     // Shadow: F * R with F = (2/(r-l), 2/(t-b) = 1/h on the diagonal, no
     // factor n) and R the quarter turn, so column 0 of R (0, 1) is scaled by
     // 2/h and column 1 (-1, 0) by 1/h; the depth rows are F's.
-    float projection[16];
-    PV_glGetFloatv(PV_GL_PROJECTION_STACK, projection);
-    const double expected[16] = {0, 2 / h, 0,  0, -1 / h, 0, 0, 0, 0, 0, -1025.0 / 1023.0, -2048.0 / 1023.0,
-                                 0, 0,     -1, 0};
-    for (int i = 0; i < 16; i++)
-        EXPECT_NEAR(projection[i], expected[i], 1e-5) << "shadow element " << i;
+    const float expected[16] = {
+        0, float(2 / h), 0, 0, float(-1 / h), 0, 0, 0, 0, 0, -1025.0f / 1023.0f, -2048.0f / 1023.0f, 0,
+        0, -1,           0};
+    pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK), pvtest::Mat4::fromGl(expected),
+                             1e-5, "shadow");
     EXPECT_EQ(log.text().substr(initLength), "");
 }
 
