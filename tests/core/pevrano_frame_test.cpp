@@ -27,7 +27,6 @@ using pvtest::Rgb;
 
 const Rgb red = {1, 0, 0};
 const Rgb blue = {0, 0, 1};
-const Rgb yellow = {1, 1, 0};
 
 // Every pixel of the 240 x 320 window has the colour, but those of the GL
 // rectangle [left, right) x [bottom, top) that have the other one.
@@ -96,21 +95,38 @@ TEST_F(Frame, ClearBuildsOneMaskAndSkipsAnEmptyOne)
     expectWindow({1, 1, 1});
 }
 
-// begin2D sets the interface state and a projection of one unit per pixel
-// from the top left; in landscape the interface turns by 90 degrees, so that
-// interface point (u, v) lands on window column v, GL row u. end2D gives the
-// 3D pass its projection, culling and depth test back.
-TEST_F(Frame, Begin2DMapsOneUnitToOnePixelFromTheTopLeft)
+// Picking at window point (50, 100) clears only the pixel under it (to colour
+// code 0), reads it back and restores the rest, the background colour
+// included. Portrait reads GL row 320 - 100 = 220; landscape exchanges the
+// axes: x' = 320 - 100 = 220, y' = 50, GL row 320 - 50 = 270.
+// begin2D then sets the interface state and a projection of one unit per
+// pixel from the top left; in landscape the interface turns by 90 degrees, so
+// that interface point (u, v) lands on window column v, GL row u. end2D gives
+// the 3D pass its projection, culling and depth test back.
+TEST_F(Frame, SelectAndThe2DPassMapTheWindowInPortraitAndLandscape)
 {
-    // The red rectangle in GL's window rectangles: portrait GL rows are
-    // counted up (319 - y), landscape columns are v and rows u.
-    const std::tuple<std::string, PVSETTINGS, std::array<int, 4>> cases[] = {
-        {"portrait", PVSETTINGS(), {10, 280, 30, 300}},
-        {"landscape", pvtest::landscapeSettings(), {20, 10, 40, 30}}};
-    for (const auto& [name, settings, rectangle] : cases) {
+    // The picked pixel, and the red rectangle (10, 20) - (30, 40) in GL's
+    // window rectangles: portrait GL rows are counted up (319 - y), landscape
+    // columns are v and rows u.
+    const std::tuple<std::string, PVSETTINGS, std::array<int, 4>, std::array<int, 4>> cases[] = {
+        {"portrait", PVSETTINGS(), {50, 220, 51, 221}, {10, 280, 30, 300}},
+        {"landscape", pvtest::landscapeSettings(), {220, 270, 221, 271}, {20, 10, 40, 30}}};
+    for (const auto& [name, settings, picked, rectangle] : cases) {
         SCOPED_TRACE(name);
         start(settings);
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin3D(nullptr);
+        PEVRANO::end3D(false);
+        EXPECT_EQ(PEVRANO::select(50, 100), 0u);
+        EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
+        EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+        GLint depthFunc = 0;
+        glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
+        EXPECT_EQ(depthFunc, GL_LESS);
+        expectWindow(blue, picked);
+
         PEVRANO::clear(true, true, false);
         setEveryTwoDSwitchTheOtherWay();
         const pvtest::Matrix perspective = pvtest::shadowMatrix(PV_GL_PROJECTION_STACK);
@@ -178,36 +194,6 @@ TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
         << recorder.text();
     EXPECT_EQ(recorder.count("glDisable"), 1u);
     EXPECT_EQ(recorder.count("glLightModelx"), 1u);
-}
-
-// Picking at window point (50, 100) clears only the pixel under it (to colour
-// code 0), reads it back and restores the rest. Portrait reads GL row
-// 320 - 100 = 220; landscape exchanges the axes: x' = 320 - 100 = 220,
-// y' = 50, GL row 320 - 50 = 270. The restored projection is the portrait one.
-TEST_F(Frame, SelectClearsAndReadsOnlyThePixelUnderThePoint)
-{
-    const std::tuple<PVSETTINGS, int, int> cases[] = {{PVSETTINGS(), 50, 220},
-                                                      {pvtest::landscapeSettings(), 220, 270}};
-    for (const auto& [settings, x, y] : cases) {
-        SCOPED_TRACE(x);
-        start(settings);
-        PVOPENGL::setBackgroundColor(1.0f, 1.0f, 0.0f, 1.0f);
-        PEVRANO::clear(true, true, false);
-        PEVRANO::begin3D(nullptr);
-        PEVRANO::end3D(false);
-        EXPECT_EQ(PEVRANO::select(50, 100), 0u);
-        EXPECT_EQ(PVOPENGL::getProfile(), PV_OPENGL_PROFILE_NORMAL);
-        EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
-        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
-        GLint depthFunc = 0;
-        glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
-        EXPECT_EQ(depthFunc, GL_LESS);
-        expectWindow(yellow, {x, y, x + 1, y + 1});
-        // The background colour is back for the next frame.
-        PEVRANO::clear(true, false, false);
-        expectWindow(yellow);
-        PEVRANO::free();
-    }
 }
 
 // The frame stamp starts at 65536, begin3D adds one, begin2D none; without an engine
