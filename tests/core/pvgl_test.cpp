@@ -13,11 +13,7 @@
 
 namespace {
 
-using pvtest::Calls;
-using pvtest::glMatrix;
-using pvtest::Mat4;
-using pvtest::Matrix;
-using pvtest::shadowMatrix;
+using namespace pvtest;
 
 using GlWrapper = pvtest::GlContextTest;
 
@@ -53,7 +49,7 @@ TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedSaturatedFixedPoint)
         PV_glLightfv(GL_LIGHT0, GL_POSITION, special);
         PV_glClearDepthf(40000.0f);
     });
-    EXPECT_EQ(calls, pvtest::readCalls(PEVRANO_TEST_DATA "/expected/float-arguments.calls"));
+    EXPECT_EQ(calls, readCalls(PEVRANO_TEST_DATA "/expected/float-arguments.calls"));
 }
 
 TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
@@ -76,31 +72,24 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
     // Each operation X makes the top X * top.
     const Mat4 expected =
         Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
     // GL, fed the same operations in fixed point, holds the same matrix.
-    pvtest::expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
+    expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
 }
 
-TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
+// The frustum's shadow deliberately differs from GL's: no factor n on the
+// diagonal, off-diagonal terms in 2, 6 and 11: 2/(r-l) = 2/3, 2/(t-b) = 1,
+// (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0, -(f+n)/(f-n) = -12/8,
+// -2fn/(f-n) = -40/8, -1 in 14. The stacks hold 32 matrices: the 33rd push
+// and the last pop only warn.
+TEST_F(GlWrapper, FrustumShadowAndThirtyThreePushesReachingGlThirtyTwoTimes)
 {
     PV_glMatrixMode(GL_PROJECTION);
     PV_glLoadIdentity();
     EXPECT_EQ(record([] { PV_glFrustum(-1.0f, 2.0f, -1.0f, 1.0f, 2.0f, 10.0f); }),
               Calls {"glFrustumx(-65536,131072,-65536,65536,131072,655360)"});
-
-    // Shadow: no factor n on the diagonal, off-diagonal terms in 2, 6 and 11:
-    // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
-    // -(f+n)/(f-n) = -12/8, -2fn/(f-n) = -40/8, -1 in 14.
-    const float shadowExpected[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f,
-                             "shadow");
-}
-
-TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
-{
-    PV_glMatrixMode(GL_PROJECTION);
-    PV_glLoadIdentity();
-    PV_glTranslatef(7.0f, 8.0f, 9.0f);
+    const float frustum[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(frustum), 1e-6f, "frustum");
     PV_glMatrixMode(GL_MODELVIEW);
     PV_glLoadIdentity();
 
@@ -111,11 +100,9 @@ TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
               Calls(32, "glPushMatrix()"));
     EXPECT_EQ(log.text(), "   [!] Stack overflow in glWrapper\n");
     // The deepest push leaves the projection stack alone.
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(7, 8, 9), 0.0f,
-                             "projection");
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(frustum), 1e-6f, "projection");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
 
-    // The last pop finds the stack at depth zero: only a warning.
     EXPECT_EQ(record([] {
                   for (int i = 0; i < 33; i++)
                       PV_glPopMatrix();
@@ -136,12 +123,11 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
                   PV_glTranslatef(5.0f, 0.0f, 0.0f);
               }),
               (Calls {"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f,
-                             "projection follows");
-    pvtest::expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f,
-                             "model-view untouched");
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f,
+                     "projection follows");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
-    pvtest::expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
+    expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
 }
 
 TEST_F(GlWrapper, OnlyTheTwoShadowStacksAreRead)
