@@ -19,11 +19,11 @@
 #include "scene/pvlight.h"
 #include "support/pixels.h"
 
+using namespace pvtest;
+
 namespace {
 
-using pvtest::Calls;
-using Frame = pvtest::EngineTest;
-using pvtest::Rgb;
+using Frame = EngineTest;
 
 const Rgb red = {1, 0, 0};
 const Rgb blue = {0, 0, 1};
@@ -39,7 +39,7 @@ void expectWindow(const Rgb& colour, std::array<int, 4> leftBottomRightTop = {},
     for (int i = 0; i < 240 * 320; ++i) {
         const int x = i % 240, y = i / 240;
         const Rgb want = (x >= left && x < right && y >= bottom && y < top) ? other : colour;
-        wrong += !pvtest::colourNear(want, {p[4 * i] / 255.0, p[4 * i + 1] / 255.0, p[4 * i + 2] / 255.0});
+        wrong += !colourNear(want, {p[4 * i] / 255.0, p[4 * i + 1] / 255.0, p[4 * i + 2] / 255.0});
     }
     EXPECT_EQ(wrong, 0);
 }
@@ -110,7 +110,7 @@ TEST_F(Frame, SelectAndThe2DPassMapTheWindowInPortraitAndLandscape)
     // columns are v and rows u.
     const std::tuple<std::string, PVSETTINGS, std::array<int, 4>, std::array<int, 4>> cases[] = {
         {"portrait", PVSETTINGS(), {50, 220, 51, 221}, {10, 280, 30, 300}},
-        {"landscape", pvtest::landscapeSettings(), {220, 270, 221, 271}, {20, 10, 40, 30}}};
+        {"landscape", landscapeSettings(), {220, 270, 221, 271}, {20, 10, 40, 30}}};
     for (const auto& [name, settings, picked, rectangle] : cases) {
         SCOPED_TRACE(name);
         start(settings);
@@ -129,35 +129,43 @@ TEST_F(Frame, SelectAndThe2DPassMapTheWindowInPortraitAndLandscape)
 
         PEVRANO::clear(true, true, false);
         setEveryTwoDSwitchTheOtherWay();
-        const pvtest::Matrix perspective = pvtest::shadowMatrix(PV_GL_PROJECTION_STACK);
+        const Matrix perspective = shadowMatrix(PV_GL_PROJECTION_STACK);
         // Every switch begin2D turns, then the projection of one unit per pixel.
         EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::begin2D()); }),
-                  pvtest::readCalls(PEVRANO_TEST_DATA "/expected/begin2d-" + name + ".calls"));
+                  readCalls(PEVRANO_TEST_DATA "/expected/begin2d-" + name + ".calls"));
         // The shadow projection holds what GL holds (true of an orthographic one).
-        pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK),
-                                 pvtest::Mat4::fromGl(pvtest::glMatrix(GL_PROJECTION_MATRIX).data()), 1e-5,
-                                 "2D");
+        expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK),
+                         Mat4::fromGl(glMatrix(GL_PROJECTION_MATRIX).data()), 1e-5, "2D");
         drawRectangle();
         EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end2D()); }),
                   (Calls {"glMatrixMode(GL_PROJECTION)", "glPopMatrix()", "glMatrixMode(GL_MODELVIEW)",
                           "glEnable(GL_CULL_FACE)", "glEnable(GL_DEPTH_TEST)"}));
-        EXPECT_EQ(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK), perspective);
+        EXPECT_EQ(shadowMatrix(PV_GL_PROJECTION_STACK), perspective);
         expectWindow(blue, rectangle, red);
         PEVRANO::free();
     }
 }
 
-// Wireframe shows the back faces of the 3D pass; the 2D pass ends with
-// culling back on because the switch itself was never turned off, and leaves
-// it off once the switch is.
-TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
+// The per-frame resets (the mesh class's client arrays, blending, two-sided
+// lighting) come before the camera loads its view. Wireframe shows the back
+// faces of the 3D pass; the 2D pass ends with culling back on because the
+// switch itself was never turned off, and leaves it off once the switch is.
+TEST_F(Frame, Begin3DResetsAndWireframeDisablesCullingForThe3DPassOnly)
 {
     start();
-    // Depth of field has no shader capability here: no pre-pass either.
+    // Depth of field has no shader capability here: end3D makes no pre-pass.
     PEVRANO::DOFOn();
-    PEVRANO::begin3D(nullptr);
+    PVOPENGL::blendingOn();
+    PVOPENGL::twoSideOn();
+    Calls calls = record([] { EXPECT_TRUE(PEVRANO::begin3D(nullptr)); });
+    calls.resize(4);
+    EXPECT_EQ(calls, (Calls {"glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
+                             "glDisableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisable(GL_BLEND)",
+                             "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
+        << recorder.text();
+    EXPECT_EQ(recorder.count("glDisable"), 1u);
+    EXPECT_EQ(recorder.count("glLightModelx"), 1u);
     EXPECT_EQ(record([] { EXPECT_TRUE(PEVRANO::end3D(false)); }), Calls {});
-    PEVRANO::DOFOff();
 
     PEVRANO::wireframeOn();
     for (bool swapNow : {false, true}) {
@@ -177,23 +185,6 @@ TEST_F(Frame, WireframeDisablesCullingForThe3DPassOnly)
     PEVRANO::begin2D();
     PEVRANO::end2D();
     EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
-}
-
-// The per-frame resets (the mesh class's client arrays, blending, two-sided
-// lighting) come before the camera loads its view.
-TEST_F(Frame, Begin3DResetsBlendingAndTwoSideBeforeTheCamera)
-{
-    start();
-    PVOPENGL::blendingOn();
-    PVOPENGL::twoSideOn();
-    Calls calls = record([] { EXPECT_TRUE(PEVRANO::begin3D(nullptr)); });
-    calls.resize(4);
-    EXPECT_EQ(calls, (Calls {"glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
-                             "glDisableClientState(GL_TEXTURE_COORD_ARRAY)", "glDisable(GL_BLEND)",
-                             "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,0)"}))
-        << recorder.text();
-    EXPECT_EQ(recorder.count("glDisable"), 1u);
-    EXPECT_EQ(recorder.count("glLightModelx"), 1u);
 }
 
 // The frame stamp starts at 65536, begin3D adds one, begin2D none; without an engine

@@ -13,12 +13,11 @@
 #include "scene/pvelement.h"
 #include "support/testaccess.h"
 
-using pvtest::exact;
-using pvtest::LogLine;
+using namespace pvtest;
 
 namespace {
 
-class Lifecycle : public pvtest::EngineTest {
+class Lifecycle : public EngineTest {
 protected:
     // init fails, logging the start-up up to the line reading last, then the
     // failure lines; once release ran, nothing is left active and the engine
@@ -27,20 +26,20 @@ protected:
         PVSETTINGS* settings, const std::string& last, const std::vector<LogLine>& failure,
         const std::function<void()>& release = [] {})
     {
-        std::vector<LogLine> lines = pvtest::initLines(settings);
+        std::vector<LogLine> lines = initLines(settings);
         auto kept =
             std::find_if(lines.begin(), lines.end(), [&](const LogLine& line) { return line.text == last; });
         lines.erase(kept + (kept != lines.end()), lines.end());
-        pvtest::append(lines, failure);
+        append(lines, failure);
         const size_t before = log.text().size();
         EXPECT_FALSE(PEVRANO::init(settings));
-        pvtest::expectLog(log.text().substr(before), lines);
+        expectLog(log.text().substr(before), lines);
         release();
         EXPECT_FALSE(PEVRANO::isActive());
         EXPECT_FALSE(PVSETTINGS::isActive());
         const size_t after = log.text().size();
         ASSERT_TRUE(PEVRANO::init(nullptr));
-        pvtest::expectLog(log.text().substr(after), pvtest::initLines());
+        expectLog(log.text().substr(after), initLines());
         EXPECT_TRUE(PEVRANO::free());
     }
 };
@@ -55,10 +54,11 @@ TEST_F(Lifecycle, InitAndFreeLogEveryStepInOrder)
 {
     EXPECT_FALSE(PEVRANO::free());
     EXPECT_EQ(log.text(), "");
+    EXPECT_EQ(PEVRANO::getVideoMemory(), 0u);
     ASSERT_TRUE(PEVRANO::init(nullptr)) << log.text();
     EXPECT_TRUE(PEVRANO::isActive());
     EXPECT_TRUE(PVSETTINGS::isActive());
-    pvtest::expectLog(log.fresh(), pvtest::initLines());
+    expectLog(log.fresh(), initLines());
 
     PVSETTINGS other;
     other.setWindowX(100);
@@ -72,10 +72,25 @@ TEST_F(Lifecycle, InitAndFreeLogEveryStepInOrder)
     PEVRANO::wireframeOn();
     EXPECT_TRUE(PEVRANO::isWireframed());
 
+    // The video memory budget is 16 MB; nothing checks the counter, so popping
+    // more than was pushed wraps around.
+    EXPECT_EQ(PEVRANO::getVideoMemory(), 16777216u);
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 0u);
+    EXPECT_EQ(PEVRANO::pushVideoMemory(1000u), 1000u);
+    EXPECT_EQ(PEVRANO::popVideoMemory(1001u), 4294967295u);
+    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 16777217u);
+    EXPECT_EQ(PEVRANO::pushVideoMemory(16777217u), 16777216u);
+    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 0u);
+    EXPECT_EQ(PEVRANO::pushVideoMemory(1u), 16777217u);
+    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 4294967295u);
+
     ASSERT_TRUE(PEVRANO::free());
     EXPECT_FALSE(PVSETTINGS::isActive());
     EXPECT_FALSE(PEVRANO::free());
-    pvtest::expectLog(log.fresh(), pvtest::readLogLines(PEVRANO_TEST_DATA "/expected/shutdown.log"));
+    expectLog(log.fresh(), readLogLines(PEVRANO_TEST_DATA "/expected/shutdown.log"));
+    // The counters outlive the engine.
+    EXPECT_EQ(PEVRANO::getVideoMemory(), 16777216u);
+    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 16777217u);
 }
 
 // No surface offers 64 depth bits: the settings step fails after counting the
@@ -85,8 +100,7 @@ TEST_F(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
     PVSETTINGS impossible;
     impossible.setZetaDepth(64);
     expectInitFails(&impossible, "          Font path   : ''",
-                    {pvtest::like("      OpenGL ES [0-9]+\\.[0-9]+"),
-                     exact("      Number of available configs: 0"),
+                    {like("      OpenGL ES [0-9]+\\.[0-9]+"), exact("      Number of available configs: 0"),
                      exact("   [!] Unable to find enough EGL configurations @ PVSETTINGS::init"),
                      exact("   [!] Unable to init settings @ PEVRANO::init")});
 }
@@ -96,7 +110,7 @@ TEST_F(Lifecycle, FailingDisplayStepUnwindsAndInitCanBeRetried)
 TEST_F(Lifecycle, FailingOpenGLStepReleasesTheSettings)
 {
     {
-        pvtest::GlContext context;
+        GlContext context;
         ASSERT_TRUE(PVTESTACCESS::openglInit());
     }
     expectInitFails(nullptr, "   Settings initialized",
@@ -135,7 +149,7 @@ TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
         {2147483647, 320, 16, 16, 0}, {240, 2147483647, 16, 16, 0}, {16385, 16, 16, 16, 0},
         {5000, 16, 16, 16, 0},        {0, 320, 16, 16, 0},          {240, 320, 16, -1, 0},
         {240, 320, 16, 16, -8},       {507, 240, 17, 24, 8},        {507, 240, 15, 24, 0}};
-    if (pvtest::onX11())
+    if (onX11())
         cases.push_back({8000, 8000, 16, 16, 0});
     for (const Case& c : cases) {
         PVSETTINGS settings;
@@ -152,26 +166,4 @@ TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
                             EXPECT_TRUE(PVSETTINGS().isOk());
                         });
     }
-}
-
-TEST_F(Lifecycle, VideoMemoryBudgetIsSixteenMegabytesAndCountersWrap)
-{
-    EXPECT_EQ(PEVRANO::getVideoMemory(), 0u);
-    ASSERT_TRUE(PEVRANO::init(nullptr));
-    EXPECT_EQ(PEVRANO::getVideoMemory(), 16777216u);
-    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 0u);
-
-    EXPECT_EQ(PEVRANO::pushVideoMemory(1000u), 1000u);
-    // Nothing checks the counter: popping more than was pushed wraps around.
-    EXPECT_EQ(PEVRANO::popVideoMemory(1001u), 4294967295u);
-    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 16777217u);
-    EXPECT_EQ(PEVRANO::pushVideoMemory(16777217u), 16777216u);
-    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 0u);
-    EXPECT_EQ(PEVRANO::pushVideoMemory(1u), 16777217u);
-    EXPECT_EQ(PEVRANO::getFreeVideoMemory(), 4294967295u);
-
-    ASSERT_TRUE(PEVRANO::free());
-    // The counters outlive the engine.
-    EXPECT_EQ(PEVRANO::getVideoMemory(), 16777216u);
-    EXPECT_EQ(PEVRANO::getUsedVideoMemory(), 16777217u);
 }

@@ -13,10 +13,11 @@
 #include "enginefixture.h"
 #include "support/pixels.h"
 
+using namespace pvtest;
+
 namespace {
 
-using pvtest::Rgb;
-using Screenshot = pvtest::EngineTest;
+using Screenshot = EngineTest;
 
 const int width = 160, height = 120;
 
@@ -80,7 +81,7 @@ TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
         {0, 0, red},   {width - 1, 9, red},           {5, height - 1, green}, {19, height - 20, green},
         {0, 10, blue}, {width / 2, height / 2, blue}, {20, height - 1, blue}, {width - 1, height - 1, blue}};
     for (const auto& [x, y, colour] : probes)
-        pvtest::expectColour(colour, png.at(x, y), std::to_string(x) + ", " + std::to_string(y));
+        expectColour(colour, png.at(x, y), std::to_string(x) + ", " + std::to_string(y));
 }
 
 // The start-up leaves the caption empty; off-screen there is no window to name.

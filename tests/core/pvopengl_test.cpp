@@ -14,15 +14,13 @@
 #include "support/switches.h"
 #include "support/testaccess.h"
 
+using namespace pvtest;
+
 namespace {
 
-using pvtest::Calls;
-using OpenGlState = pvtest::GlContextTest;
+using OpenGlState = GlContextTest;
 
 std::string glText(GLenum which) { return reinterpret_cast<const char*>(glGetString(which)); }
-
-using pvtest::cachedSwitches;
-using pvtest::Switch;
 
 void expectSwitches(bool on)
 {
@@ -64,10 +62,10 @@ TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
 
     Calls withoutQueries;
     for (const std::string& call : recorder.calls())
-        if (pvtest::GlRecorder::functionOf(call) != "glGetString")
+        if (GlRecorder::functionOf(call) != "glGetString")
             withoutQueries.push_back(call);
     // The engine defaults, then four light slots' spot and attenuation defaults.
-    EXPECT_EQ(withoutQueries, pvtest::readCalls(PEVRANO_TEST_DATA "/expected/opengl-init.calls"));
+    EXPECT_EQ(withoutQueries, readCalls(PEVRANO_TEST_DATA "/expected/opengl-init.calls"));
     EXPECT_EQ(recorder.count("glGetString"), 4u);
 
     std::string expectedLog = "   Init OpenGL...\n      Vendor    : " + glText(GL_VENDOR) +
@@ -91,11 +89,11 @@ void expectResizeCalls(Calls calls, const std::string& viewport, const std::vect
 {
     ASSERT_EQ(calls.size(), landscape ? 7u : 6u);
     std::string& frustumCall = calls[calls.size() - 3];
-    const std::vector<long long> fixed = pvtest::GlRecorder::numbersOf(frustumCall);
+    const std::vector<long long> fixed = GlRecorder::numbersOf(frustumCall);
     ASSERT_EQ(fixed.size(), frustum.size());
     for (size_t i = 0; i < frustum.size(); i++)
         EXPECT_NEAR(double(fixed[i]), frustum[i] * 65536.0, 1.5) << "argument " << i;
-    frustumCall = pvtest::GlRecorder::functionOf(frustumCall);
+    frustumCall = GlRecorder::functionOf(frustumCall);
     Calls expected = {"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()", viewport};
     if (landscape)
         expected.push_back("glRotatex(5898240,0,0,65536)");  // 90 degrees about z
@@ -117,8 +115,7 @@ TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngl
                       {-h * aspect, h * aspect, -h, h, 1.0, 1024.0});
 
     // The model-view shadow is the identity again.
-    pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_MODELVIEW_STACK), pvtest::Mat4::identity(), 0,
-                             "model-view");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0, "model-view");
 
     PVOPENGL::setNearPlane(2.0f);
     PVOPENGL::setFarPlane(50.0f);
@@ -134,15 +131,21 @@ TEST_F(OpenGlState, ResizeSetsTheViewportAndAPerspectiveOfTheStoredPlanesAndAngl
     EXPECT_EQ(log.text(), "   [!] invalid params @ PVOPENGL::resize\n");
     EXPECT_EQ(recorder.filter("glViewport"), Calls {"glViewport(0," + std::to_string(windowY) + ",0,0)"});
     EXPECT_EQ(recorder.count("glFrustumx"), 1u);
+
+    // setFrustum loads the projection it is given and an identity model-view.
+    EXPECT_EQ(record([] { EXPECT_TRUE(PVOPENGL::setFrustum(-1.0f, 1.0f, -0.5f, 0.5f, 1.0f, 9.0f, true)); }),
+              (Calls {"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
+                      "glFrustumx(-65536,65536,-32768,32768,65536,589824)", "glMatrixMode(GL_MODELVIEW)",
+                      "glLoadIdentity()"}));
 }
 
 // Landscape display: the projection is turned by 90 degrees about z before the
 // frustum, whose aspect is height / width.
-using OpenGlLandscape = pvtest::EngineTest;
+using OpenGlLandscape = EngineTest;
 
 TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
 {
-    PVSETTINGS settings = pvtest::landscapeSettings();
+    PVSETTINGS settings = landscapeSettings();
     settings.setWindowX(160);
     settings.setWindowY(120);
     start(settings);
@@ -160,17 +163,8 @@ TEST_F(OpenGlLandscape, ResizeTurnsTheProjectionAndSwapsTheAspect)
     const float expected[16] = {
         0, float(2 / h), 0, 0, float(-1 / h), 0, 0, 0, 0, 0, -1025.0f / 1023.0f, -2048.0f / 1023.0f, 0,
         0, -1,           0};
-    pvtest::expectMatrixNear(pvtest::shadowMatrix(PV_GL_PROJECTION_STACK), pvtest::Mat4::fromGl(expected),
-                             1e-5, "shadow");
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(expected), 1e-5, "shadow");
     EXPECT_EQ(log.text().substr(initLength), "");
-}
-
-TEST_F(OpenGlState, SetFrustumLoadsProjectionAndIdentityModelView)
-{
-    EXPECT_EQ(record([] { EXPECT_TRUE(PVOPENGL::setFrustum(-1.0f, 1.0f, -0.5f, 0.5f, 1.0f, 9.0f, true)); }),
-              (Calls {"glMatrixMode(GL_PROJECTION)", "glLoadIdentity()",
-                      "glFrustumx(-65536,65536,-32768,32768,65536,589824)", "glMatrixMode(GL_MODELVIEW)",
-                      "glLoadIdentity()"}));
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "assets/pvshader.h"
 #include "enginefixture.h"
 
+using namespace pvtest;
+
 namespace {
 
 // Every field of a settings record, for whole-record comparisons.
@@ -35,14 +37,14 @@ const std::string defaults =
     "full=1 resizable=0 landscape=0 cave=0 audio=16,32,128 elems=0 shaders=0 shadow=1024 fbo=1024,768 "
     "water=256 forceFBO=0 pve= pva= mpg= texture= shader= font=";
 
-using SettingsFile = pvtest::EngineTest;
+using SettingsFile = EngineTest;
 
 }  // namespace
 
 TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
-    pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
-    pvtest::writeFile("empty.cfg", "");
+    writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
+    writeFile("empty.cfg", "");
     PVSETTINGS s;
     EXPECT_FALSE(s.load(nullptr));
     EXPECT_FALSE(s.load("absent.cfg"));
@@ -59,7 +61,7 @@ TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 // is skipped whatever it is.
 TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::writeFile("game.cfg", pvtest::readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
+    writeFile("game.cfg", readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
     PVSETTINGS s;
     s.setRenderingElements(77);
     ASSERT_TRUE(s.load("game.cfg"));
@@ -79,11 +81,10 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplayWithWhatGlGives)
 {
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
-    pvtest::writeFile("small.cfg",
-                      "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
-                      "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
-                      "PEVRANO_fullScreen=0\nPEVRANO_resizable=1\nPEVRANO_useShaders=1\n"
-                      "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
+    writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
+                           "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
+                           "PEVRANO_fullScreen=0\nPEVRANO_resizable=1\nPEVRANO_useShaders=1\n"
+                           "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
     PVSETTINGS s;
     ASSERT_TRUE(s.load("small.cfg"));
     s.setForceFBO(true);
@@ -100,7 +101,7 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplayWithWhatGlGives)
     EXPECT_EQ(PVSETTINGS::getSDLZetaDepth(), depth);
     EXPECT_EQ(PVSETTINGS::getSDLStencilDepth(), stencil);
     EXPECT_GE(depth, 16);
-    if (!pvtest::onX11()) {
+    if (!onX11()) {
         EXPECT_EQ(red * 100 + green * 10 + blue, 565);
         EXPECT_EQ(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
     } else {
@@ -114,12 +115,12 @@ TEST_F(SettingsFile, LoadedValuesOpenTheDisplayWithWhatGlGives)
     EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
     EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
     EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
-    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 160, 120}));
+    EXPECT_EQ(viewportInForce(), (std::array<GLint, 4> {0, 0, 160, 120}));
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
 
     ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
     EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    EXPECT_EQ(pvtest::viewportInForce(), (std::array<GLint, 4> {0, 0, 200, 100}));
+    EXPECT_EQ(viewportInForce(), (std::array<GLint, 4> {0, 0, 200, 100}));
 }
