@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <string>
 #include <vector>
@@ -142,22 +143,20 @@ TEST_F(Lifecycle, FailingRenderListStepReleasesTheEarlierStepsInReverse)
 // buffer sizes never reach SDL.
 TEST_F(Lifecycle, UnopenableSizesAndDepthsAreRefusedBeforeSDL)
 {
-    struct Case {
-        int x, y, colour, zeta, stencil;
-    };
-    std::vector<Case> cases = {
+    // Width, height, colour, depth and stencil bits.
+    std::vector<std::array<int, 5>> cases = {
         {2147483647, 320, 16, 16, 0}, {240, 2147483647, 16, 16, 0}, {16385, 16, 16, 16, 0},
         {5000, 16, 16, 16, 0},        {0, 320, 16, 16, 0},          {240, 320, 16, -1, 0},
         {240, 320, 16, 16, -8},       {507, 240, 17, 24, 8},        {507, 240, 15, 24, 0}};
     if (onX11())
         cases.push_back({8000, 8000, 16, 16, 0});
-    for (const Case& c : cases) {
+    for (const auto& [x, y, colour, zeta, stencil] : cases) {
         PVSETTINGS settings;
-        settings.setWindowX(c.x);
-        settings.setWindowY(c.y);
-        settings.setColorDepth(c.colour);
-        settings.setZetaDepth(c.zeta);
-        settings.setStencilDepth(c.stencil);
+        settings.setWindowX(x);
+        settings.setWindowY(y);
+        settings.setColorDepth(colour);
+        settings.setZetaDepth(zeta);
+        settings.setStencilDepth(stencil);
         expectInitFails(&settings, "          Water map size : 256",
                         {exact("   [!] Incompatible config @ PVSETTINGS::init"),
                          exact("   [!] Unable to init settings @ PEVRANO::init")},

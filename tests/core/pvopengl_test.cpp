@@ -56,12 +56,9 @@ TEST_F(OpenGlState, SwitchesStartOffAndCallGlOnlyOnChange)
 TEST_F(OpenGlState, InitSetsTheEngineDefaultsLogsTheDriverAndFreeLogsRelease)
 {
     PVOPENGL::setBackgroundColor(0.5f, 0.25f, 0.0f, 1.0f);
-    recorder.start();
-    ASSERT_TRUE(PVTESTACCESS::openglInit());
-    recorder.stop();
-
+    const Calls calls = record([] { ASSERT_TRUE(PVTESTACCESS::openglInit()); });
     Calls withoutQueries;
-    for (const std::string& call : recorder.calls())
+    for (const std::string& call : calls)
         if (GlRecorder::functionOf(call) != "glGetString")
             withoutQueries.push_back(call);
     // The engine defaults, then four light slots' spot and attenuation defaults.
