@@ -1,6 +1,7 @@
 // Fixture of the tests that start the whole engine (scratch directory, log
-// capture, GL call recorder; the engine is stopped at the end of the case) and
-// the expected log lines of its start and stop, read from data/expected.
+// capture, GL call recorder; the engine is stopped at the end of the case),
+// the expected log of its start-up, read from data/expected, and readers of
+// the shadow and GL matrix tops.
 #ifndef PEVRANO_TESTS_CORE_ENGINEFIXTURE_H
 #define PEVRANO_TESTS_CORE_ENGINEFIXTURE_H
 
