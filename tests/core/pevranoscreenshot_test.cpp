@@ -13,10 +13,11 @@
 #include "enginefixture.h"
 #include "support/pixels.h"
 
+using namespace pvtest;
+
 namespace {
 
-using pvtest::Rgb;
-using Screenshot = pvtest::EngineTest;
+using Screenshot = EngineTest;
 
 const int width = 160, height = 120;
 
@@ -50,9 +51,12 @@ void fill(int x, int y, int w, int h, const Rgb& colour)
 }
 
 // Blue, a red band along the top, a green square in the bottom-left corner:
-// the file starts with the red rows and ends with the green corner.
-TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
+// the file starts with the red rows and ends with the green corner. The
+// start-up leaves the caption empty; off-screen there is no window to name.
+TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirstAndNamesTheWindow)
 {
+    EXPECT_FALSE(PEVRANO::screenshot(dir.file("early.png").c_str()));
+    EXPECT_EQ(log.fresh(), "   [!] No frame to capture @ PEVRANO::screenshot\n");
     PVSETTINGS settings;
     settings.setWindowX(width);
     settings.setWindowY(height);
@@ -66,6 +70,19 @@ TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
     glDisable(GL_SCISSOR_TEST);
     log.fresh();
     ASSERT_TRUE(PEVRANO::screenshot(dir.file("shot.png").c_str()));
+    EXPECT_FALSE(PEVRANO::screenshot("/nonexistent/folder/shot.png"));
+    EXPECT_FALSE(PEVRANO::screenshot(nullptr));
+    EXPECT_FALSE(PEVRANO::setCaption(nullptr));
+    EXPECT_EQ(log.fresh(), "   [!] Unable to write /nonexistent/folder/shot.png @ PEVRANO::screenshot\n"
+                           "   [!] Invalid params @ PEVRANO::screenshot\n"
+                           "   [!] Invalid params @ PEVRANO::setCaption\n");
+    char* title = nullptr;
+    char* icon = nullptr;
+    SDL_WM_GetCaption(&title, &icon);
+    EXPECT_EQ(title, nullptr);
+    EXPECT_TRUE(PEVRANO::setCaption("Pevrano test"));
+    SDL_WM_GetCaption(&title, &icon);
+    EXPECT_STREQ(title, PVSETTINGS::getSDLWindow() ? "Pevrano test" : nullptr);
     EXPECT_EQ(log.fresh(), "");
 
     const Png png(dir.file("shot.png"));
@@ -75,35 +92,7 @@ TEST_F(Screenshot, WritesTheBackBufferAsRgbTopRowFirst)
         {0, 0, red},   {width - 1, 9, red},           {5, height - 1, green}, {19, height - 20, green},
         {0, 10, blue}, {width / 2, height / 2, blue}, {20, height - 1, blue}, {width - 1, height - 1, blue}};
     for (const auto& [x, y, colour] : probes)
-        pvtest::expectColour(colour, png.at(x, y), std::to_string(x) + ", " + std::to_string(y));
-}
-
-TEST_F(Screenshot, RefusalsAndTheCaption)
-{
-    EXPECT_FALSE(PEVRANO::screenshot(dir.file("early.png").c_str()));
-    EXPECT_EQ(log.fresh(), "   [!] No frame to capture @ PEVRANO::screenshot\n");
-    start();
-    log.fresh();
-    EXPECT_FALSE(PEVRANO::screenshot("/nonexistent/folder/shot.png"));
-    EXPECT_FALSE(PEVRANO::screenshot(nullptr));
-    EXPECT_FALSE(PEVRANO::setCaption(nullptr));
-    EXPECT_EQ(log.fresh(), "   [!] Unable to write /nonexistent/folder/shot.png @ PEVRANO::screenshot\n"
-                           "   [!] Invalid params @ PEVRANO::screenshot\n"
-                           "   [!] Invalid params @ PEVRANO::setCaption\n");
-
-    // The start-up leaves the caption empty; off-screen there is no window to name.
-    char* title = nullptr;
-    char* icon = nullptr;
-    SDL_WM_GetCaption(&title, &icon);
-    EXPECT_EQ(title, nullptr);
-    EXPECT_TRUE(PEVRANO::setCaption("Pevrano test"));
-    SDL_WM_GetCaption(&title, &icon);
-    if (PVSETTINGS::getSDLWindow()) {
-        EXPECT_STREQ(title, "Pevrano test");
-    } else {
-        EXPECT_EQ(title, nullptr);
-    }
-    EXPECT_EQ(log.fresh(), "");
+        expectColour(colour, png.at(x, y), std::to_string(x) + ", " + std::to_string(y));
 }
 
 }  // namespace

@@ -9,36 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "core/pvgl.h"
-#include "support/glfixture.h"
-#include "support/viewmath.h"
+#include "enginefixture.h"
 
 namespace {
 
-using Matrix = std::array<float, 16>;
-using pvtest::Calls;
-
-using pvtest::Mat4;
-
-Matrix shadow(int which)
-{
-    Matrix m;
-    m.fill(-12345.0f);
-    PV_glGetFloatv(which, m.data());
-    return m;
-}
-
-Matrix glMatrix(GLenum which)
-{
-    Matrix m {};
-    glGetFloatv(which, m.data());
-    return m;
-}
-
-void expectMatrixNear(const Matrix& actual, const Mat4& expected, double tolerance, const char* what)
-{
-    pvtest::expectMatrixNear(expected, actual.data(), what, tolerance);
-}
+using namespace pvtest;
 
 using GlWrapper = pvtest::GlContextTest;
 
@@ -74,21 +49,7 @@ TEST_F(GlWrapper, EveryFloatArgumentReachesGlAsTruncatedSaturatedFixedPoint)
         PV_glLightfv(GL_LIGHT0, GL_POSITION, special);
         PV_glClearDepthf(40000.0f);
     });
-    EXPECT_EQ(calls,
-              (Calls {"glColor4x(65536,65536,65536,65536)", "glColor4x(32768,-98304,131071,-32768)",
-                      "glClearColorx(1,-1,0,0)", "glClearColorx(16384,49152,0,65536)",
-                      "glLightxv(GL_LIGHT1,GL_AMBIENT,{16384,32768,49152,65536})",
-                      "glLightxv(GL_LIGHT2,GL_POSITION,{-131072,8192,6553600,0})",
-                      "glLightx(GL_LIGHT3,GL_SPOT_CUTOFF,2981888)",
-                      "glMaterialxv(GL_FRONT_AND_BACK,GL_EMISSION,{6553,13107,19660,26214})",
-                      "glMaterialx(GL_FRONT_AND_BACK,GL_SHININESS,786432)",
-                      "glLightModelxv(GL_LIGHT_MODEL_AMBIENT,{16384,32768,49152,65536})",
-                      "glLightModelx(GL_LIGHT_MODEL_TWO_SIDE,65536)", "glClearDepthx(49152)",
-                      "glAlphaFuncx(GL_GEQUAL,32768)",
-                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483392,-2147483392,-2147483648,32768})",
-                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,2147483647,-2147483648})",
-                      "glLightxv(GL_LIGHT0,GL_POSITION,{2147483647,-2147483648,0,0})",
-                      "glClearDepthx(2147483647)"}));
+    EXPECT_EQ(calls, readCalls(PEVRANO_TEST_DATA "/expected/float-arguments.calls"));
 }
 
 TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
@@ -111,30 +72,24 @@ TEST_F(GlWrapper, ShadowFollowsRotateTranslateAndMultiply)
     // Each operation X makes the top X * top.
     const Mat4 expected =
         Mat4::translation(1, -2, 3) * Mat4::rotation(30.0, 0.6, 0.0, 0.8) * Mat4::fromGl(m.data());
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), expected, 1e-5f, "shadow");
     // GL, fed the same operations in fixed point, holds the same matrix.
     expectMatrixNear(glMatrix(GL_MODELVIEW_MATRIX), expected, 2e-4f, "GL model-view");
 }
 
-TEST_F(GlWrapper, FrustumShadowDeliberatelyDiffersFromGl)
+// The frustum's shadow deliberately differs from GL's: no factor n on the
+// diagonal, off-diagonal terms in 2, 6 and 11: 2/(r-l) = 2/3, 2/(t-b) = 1,
+// (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0, -(f+n)/(f-n) = -12/8,
+// -2fn/(f-n) = -40/8, -1 in 14. The stacks hold 32 matrices: the 33rd push
+// and the last pop only warn.
+TEST_F(GlWrapper, FrustumShadowAndThirtyThreePushesReachingGlThirtyTwoTimes)
 {
     PV_glMatrixMode(GL_PROJECTION);
     PV_glLoadIdentity();
     EXPECT_EQ(record([] { PV_glFrustum(-1.0f, 2.0f, -1.0f, 1.0f, 2.0f, 10.0f); }),
               Calls {"glFrustumx(-65536,131072,-65536,65536,131072,655360)"});
-
-    // Shadow: no factor n on the diagonal, off-diagonal terms in 2, 6 and 11:
-    // 2/(r-l) = 2/3, 2/(t-b) = 1, (r+l)/(r-l) = 1/3, (t+b)/(t-b) = 0,
-    // -(f+n)/(f-n) = -12/8, -2fn/(f-n) = -40/8, -1 in 14.
-    const float shadowExpected[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::fromGl(shadowExpected), 1e-6f, "shadow");
-}
-
-TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
-{
-    PV_glMatrixMode(GL_PROJECTION);
-    PV_glLoadIdentity();
-    PV_glTranslatef(7.0f, 8.0f, 9.0f);
+    const float frustum[16] = {2.0f / 3, 0, 1.0f / 3, 0, 0, 1, 0, 0, 0, 0, -1.5f, -5, 0, 0, -1, 0};
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(frustum), 1e-6f, "frustum");
     PV_glMatrixMode(GL_MODELVIEW);
     PV_glLoadIdentity();
 
@@ -145,10 +100,9 @@ TEST_F(GlWrapper, ThirtyThreePushesReachGlThirtyTwoTimes)
               Calls(32, "glPushMatrix()"));
     EXPECT_EQ(log.text(), "   [!] Stack overflow in glWrapper\n");
     // The deepest push leaves the projection stack alone.
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(7, 8, 9), 0.0f, "projection");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::fromGl(frustum), 1e-6f, "projection");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view top");
 
-    // The last pop finds the stack at depth zero: only a warning.
     EXPECT_EQ(record([] {
                   for (int i = 0; i < 33; i++)
                       PV_glPopMatrix();
@@ -169,8 +123,9 @@ TEST_F(GlWrapper, TextureModeKeepsThePreviousShadowStack)
                   PV_glTranslatef(5.0f, 0.0f, 0.0f);
               }),
               (Calls {"glMatrixMode(GL_TEXTURE)", "glTranslatex(327680,0,0)"}));
-    expectMatrixNear(shadow(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f, "projection follows");
-    expectMatrixNear(shadow(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
+    expectMatrixNear(shadowMatrix(PV_GL_PROJECTION_STACK), Mat4::translation(5, 0, 0), 0.0f,
+                     "projection follows");
+    expectMatrixNear(shadowMatrix(PV_GL_MODELVIEW_STACK), Mat4::identity(), 0.0f, "model-view untouched");
     // GL itself moved the texture matrix, not the projection.
     expectMatrixNear(glMatrix(GL_PROJECTION_MATRIX), Mat4::identity(), 0.0f, "GL projection");
 }
@@ -179,11 +134,8 @@ TEST_F(GlWrapper, OnlyTheTwoShadowStacksAreRead)
 {
     Matrix untouched;
     untouched.fill(-12345.0f);
-    for (int which : {2, -1, int(GL_MODELVIEW)}) {
-        Matrix out = untouched;
-        PV_glGetFloatv(which, out.data());
-        EXPECT_EQ(out, untouched) << which;
-    }
+    for (int which : {2, -1, int(GL_MODELVIEW)})
+        EXPECT_EQ(shadowMatrix(which), untouched) << which;
 }
 
 }  // namespace

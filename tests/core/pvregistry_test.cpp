@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/pvregistry.h"
@@ -20,42 +21,32 @@ using Registry = PVREGISTRY<Item, &Item::first, &Item::previous, &Item::next>;
 // The registry's names walked from the head, then back from the last one.
 std::string forwardThenBackward()
 {
-    std::string forward, backward;
+    std::string names;
     Item* last = nullptr;
-    for (Item* item = Item::first; item; item = item->next) {
-        forward += item->name;
-        last = item;
-    }
+    for (Item* item = Item::first; item; last = item, item = item->next)
+        names += item->name;
+    names += '|';
     for (Item* item = last; item; item = item->previous)
-        backward += item->name;
-    return forward + "|" + backward;
+        names += item->name;
+    return names;
 }
-
-struct Case {
-    const char* steps;  // "+x" appends item x, "-x" removes it
-    const char* expected;
-};
 
 }  // namespace
 
+// Each step "+x" appends item x, "-x" removes it.
 TEST(Registry, AppendsAtTheTailWhateverWasRemovedBefore)
 {
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"+a+b+c", "abc|cba"}, {"+a+b+c-c+d", "abd|dba"},     {"+a+b-b-a+c+d", "cd|dc"},
         {"+a-a+b", "b|b"},     {"+a+b+c-b+d-d+e", "ace|eca"}, {"+a+b+c-a-c+d", "bd|db"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [steps, expected] : cases) {
         std::vector<Item> items(26);
-        const std::string steps = c.steps;
-        for (size_t i = 0; i + 1 < steps.size(); i += 2) {
-            Item& item = items[steps[i + 1] - 'a'];
-            item.name = steps[i + 1];
-            if (steps[i] == '+')
-                Registry::append(&item);
-            else
-                Registry::remove(&item);
+        for (const char* step = steps; *step; step += 2) {
+            items[step[1] - 'a'].name = step[1];
+            (step[0] == '+' ? Registry::append : Registry::remove)(&items[step[1] - 'a']);
         }
-        EXPECT_EQ(forwardThenBackward(), c.expected) << c.steps;
+        EXPECT_EQ(forwardThenBackward(), expected) << steps;
         while (Item::first)
             Registry::remove(Item::first);
     }

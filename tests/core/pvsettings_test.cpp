@@ -1,5 +1,5 @@
-// The settings record: defaults, setters, the PEVRANO_* configuration file
-// with its parser quirks, and the configuration in force after start-up.
+// The settings record: defaults (what loading no key leaves), setters, the
+// PEVRANO_* configuration file with its parser quirks, and the configuration in force after start-up.
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
@@ -10,6 +10,8 @@
 
 #include "assets/pvshader.h"
 #include "enginefixture.h"
+
+using namespace pvtest;
 
 namespace {
 
@@ -35,22 +37,14 @@ const std::string defaults =
     "full=1 resizable=0 landscape=0 cave=0 audio=16,32,128 elems=0 shaders=0 shadow=1024 fbo=1024,768 "
     "water=256 forceFBO=0 pve= pva= mpg= texture= shader= font=";
 
-using SettingsFile = pvtest::EngineTest;
-using SettingsInForce = pvtest::EngineTest;
-using Viewport = std::array<GLint, 4>;
+using SettingsFile = EngineTest;
 
 }  // namespace
 
-TEST(Settings, DefaultRecordIsAPortraitSixteenBitFullScreenDisplay)
-{
-    PVSETTINGS settings;
-    EXPECT_EQ(describe(settings), defaults);
-}
-
 TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 {
-    pvtest::writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
-    pvtest::writeFile("empty.cfg", "");
+    writeFile("comments.cfg", "# PEVRANO_windowX=480\n   # PEVRANO_title=\"x\"\n");
+    writeFile("empty.cfg", "");
     PVSETTINGS s;
     EXPECT_FALSE(s.load(nullptr));
     EXPECT_FALSE(s.load("absent.cfg"));
@@ -67,7 +61,7 @@ TEST_F(SettingsFile, FilesWithoutKeysChangeNothing)
 // is skipped whatever it is.
 TEST_F(SettingsFile, KeysFollowTheParserRules)
 {
-    pvtest::writeFile("game.cfg", pvtest::readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
+    writeFile("game.cfg", readFile(PEVRANO_TEST_DATA "/settings/game.cfg"));
     PVSETTINGS s;
     s.setRenderingElements(77);
     ASSERT_TRUE(s.load("game.cfg"));
@@ -78,43 +72,22 @@ TEST_F(SettingsFile, KeysFollowTheParserRules)
               "pve=models/ pva= mpg= texture=textures/ shader=a\"b font=\"fonts/");
 }
 
-// The file's values reach the display: the configuration in force, and the
-// folders handed on to the engine and shaders; a resize changes the size and
-// the viewport.
-TEST_F(SettingsFile, LoadedValuesOpenTheDisplay)
-{
-    pvtest::writeFile("small.cfg",
-                      "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
-                      "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
-                      "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
-    PVSETTINGS s;
-    ASSERT_TRUE(s.load("small.cfg"));
-    start(s);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
-    EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
-    EXPECT_TRUE(PVSETTINGS::isSDLLandscape());
-    EXPECT_EQ(pvtest::viewportInForce(), (Viewport {0, 0, 160, 120}));
-    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
-    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
-
-    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
-    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
-    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
-    EXPECT_EQ(pvtest::viewportInForce(), (Viewport {0, 0, 200, 100}));
-}
-
-// What is in force comes from GL, not from the request; the values with no
-// consumer on this target stay zero.
-TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
+// The file's values reach the display; what is in force comes from GL, not
+// from the request: no colour sizes go to EGL, the first configuration is used
+// (5-6-5 off-screen) whatever depth is asked. The folders are handed on to the
+// engine and shaders, the values with no consumer on this target stay zero,
+// and a resize changes the size and the viewport.
+TEST_F(SettingsFile, LoadedValuesOpenTheDisplayWithWhatGlGives)
 {
     EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 0);
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), 0);
+    writeFile("small.cfg", "PEVRANO_windowX=160\nPEVRANO_windowY=120\nPEVRANO_title=\"Small\"\n"
+                           "PEVRANO_colorDepth=24\nPEVRANO_landscape=1\nPEVRANO_renderingElements=64\n"
+                           "PEVRANO_fullScreen=0\nPEVRANO_resizable=1\nPEVRANO_useShaders=1\n"
+                           "PEVRANO_pvePath=scenes/\nPEVRANO_shaderPath=shaders/\n");
     PVSETTINGS s;
+    ASSERT_TRUE(s.load("small.cfg"));
     s.setForceFBO(true);
-    s.setShaders(true);
-    s.setResizable(true);
-    s.setFullScreen(false);
     start(s);
 
     GLint red = 0, green = 0, blue = 0, alpha = 0, depth = 0, stencil = 0;
@@ -127,40 +100,27 @@ TEST_F(SettingsInForce, ReadBackFromGLAfterInit)
     EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), red + green + blue + alpha);
     EXPECT_EQ(PVSETTINGS::getSDLZetaDepth(), depth);
     EXPECT_EQ(PVSETTINGS::getSDLStencilDepth(), stencil);
-    if (!pvtest::onX11()) {
+    EXPECT_GE(depth, 16);
+    if (!onX11()) {
         EXPECT_EQ(red * 100 + green * 10 + blue, 565);
         EXPECT_EQ(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
     } else {
         EXPECT_NE(PVSETTINGS::getSDLWindow(), EGLNativeWindowType(0));
     }
-    EXPECT_GE(depth, 16);
+    // Full screen, resizable, landscape, shaders, forced frame buffers.
+    EXPECT_EQ((std::vector<bool> {PVSETTINGS::isSDLFullScreen(), PVSETTINGS::isSDLResizable(),
+                                  PVSETTINGS::isSDLLandscape(), PVSETTINGS::getSDLShaders(),
+                                  PVSETTINGS::getSDLForceFBO()}),
+              (std::vector<bool> {false, true, true, true, false}));
+    EXPECT_STREQ(PVSETTINGS::getSDLTitle(), "Small");
+    EXPECT_STREQ(PEVRANO::getPVEPath(), "scenes/");
+    EXPECT_STREQ(PVSHADER::getPath(), "shaders/");
+    EXPECT_EQ(viewportInForce(), (std::array<GLint, 4> {0, 0, 160, 120}));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 160);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 120);
 
-    EXPECT_TRUE(PVSETTINGS::isActive());
-    EXPECT_FALSE(PVSETTINGS::isSDLFullScreen());
-    EXPECT_TRUE(PVSETTINGS::isSDLResizable());
-    EXPECT_FALSE(PVSETTINGS::isSDLLandscape());
-    EXPECT_TRUE(PVSETTINGS::getSDLShaders());
-    EXPECT_FALSE(PVSETTINGS::getSDLForceFBO());
-    EXPECT_TRUE(PEVRANO::free());
-    EXPECT_FALSE(PVSETTINGS::isActive());
-}
-
-// No colour sizes go to EGL: the first configuration is used whatever depth
-// is asked, and the depth in force is what GL reports for it (5-6-5 off-screen).
-TEST_F(SettingsInForce, ColourDepthIsThatOfTheFirstConfigurationNotTheRequest)
-{
-    PVSETTINGS deep;
-    deep.setColorDepth(24);
-    start(deep);
-    const int deepInForce = PVSETTINGS::getSDLColorDepth();
-    pvtest::expectLog(log.text(),
-                      pvtest::replacing(pvtest::initLines(false), "          depth: 16, zeta: 16, stencil: 0",
-                                        pvtest::exact("          depth: 24, zeta: 16, stencil: 0")));
-    ASSERT_TRUE(PEVRANO::free());
-
-    start();
-    EXPECT_EQ(PVSETTINGS::getSDLColorDepth(), deepInForce);
-    if (!pvtest::onX11()) {
-        EXPECT_EQ(deepInForce, 16);
-    }
+    ASSERT_TRUE(PVSETTINGS::resize(0, 0, 200, 100));
+    EXPECT_EQ(PVSETTINGS::getSDLWindowX(), 200);
+    EXPECT_EQ(PVSETTINGS::getSDLWindowY(), 100);
+    EXPECT_EQ(viewportInForce(), (std::array<GLint, 4> {0, 0, 200, 100}));
 }
