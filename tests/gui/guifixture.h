@@ -8,7 +8,6 @@
 
 #include <GLES/gl.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -17,17 +16,6 @@
 #include "scene/scenefixture.h"
 
 namespace pvtest {
-
-// The pixel tests' window, turned a quarter (landscape).
-inline bool startEngineInLandscape()
-{
-    PVSETTINGS settings;
-    settings.setWindowX(windowWidth);
-    settings.setWindowY(windowHeight);
-    settings.setFullScreen(false);
-    settings.setLandscape(true);
-    return PEVRANO::init(&settings);
-}
 
 class GuiTest : public RecordingTest {
 protected:
@@ -62,9 +50,8 @@ protected:
     static PVTEXTURE* solidSheet()
     {
         PVTEXTURE* sheet = new PVTEXTURE();
-        std::vector<char> white(256 * 256 * 4, char(0xFF));
-        EXPECT_TRUE(sheet->create(256, 256, 4));
-        EXPECT_TRUE(sheet->modify(white.data(), false));
+        const std::vector<char> white(256 * 256 * 4, char(0xFF));
+        EXPECT_TRUE(sheet->create(256, 256, 4) && sheet->modify(white.data(), false));
         return sheet;
     }
 
@@ -77,16 +64,19 @@ protected:
 
     // The colour at (x, y), y counted from the top of the window.
     static Rgb screen(int x, int y) { return pixelAt(x, windowHeight - 1 - y); }
+};
 
-    // Channels clamped to 1 as GL clamps vertex colours.
-    static Rgb clamped(double r, double g, double b)
+// The same cases with the window turned a quarter (landscape).
+template <typename Base> class Landscape : public Base {
+protected:
+    bool startEngine() override
     {
-        return {std::min(1.0, r), std::min(1.0, g), std::min(1.0, b)};
-    }
-    // Half of each colour, as the border quads blend over the fill.
-    static Rgb halfAndHalf(Rgb over, Rgb under)
-    {
-        return {(over.r + under.r) / 2, (over.g + under.g) / 2, (over.b + under.b) / 2};
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        settings.setLandscape(true);
+        return PEVRANO::init(&settings);
     }
 };
 

@@ -74,28 +74,24 @@ TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
     }
 }
 
-TEST_F(Input, ThePointerOverAWidgetIsReported)
-{
-    button(10, 10, PV_BUTTON_ON_RELEASE);
-    PVBOX* inert = new PVBOX();  // not hittable
-    inert->link(root);
-    send(30, 20, false);
-    EXPECT_TRUE(over);
-    send(31, 20, false);
-    EXPECT_FALSE(over);
-    EXPECT_TRUE(PVELEMENT::manageGUIEvents(0, 15, 15, 0, 0, nullptr));  // no id wanted
-}
-
+// The pointer over a widget is reported, and the foremost of overlapping
+// widgets wins.
 TEST_F(Input, TheForemostOfOverlappingWidgetsWins)
 {
     PVBUTTON* under = button(10, 10, PV_BUTTON_ON_PRESS);
-    PVBUTTON* over = button(15, 12, PV_BUTTON_ON_PRESS);
-    EXPECT_EQ(over->getId(), send(18, 15, true));
+    PVBUTTON* upper = button(15, 12, PV_BUTTON_ON_PRESS);
+    (new PVBOX())->link(root);  // not hittable, and over everything
+    send(35, 22, false);
+    EXPECT_TRUE(over);
+    send(36, 22, false);
+    EXPECT_FALSE(over);
+    EXPECT_TRUE(PVELEMENT::manageGUIEvents(0, 15, 15, 0, 0, nullptr));  // no id wanted
+    EXPECT_EQ(upper->getId(), send(18, 15, true));
     send(18, 15, false);
     under->setForemost(0);
     EXPECT_EQ(under->getId(), send(18, 15, true));
     send(18, 15, false);
-    EXPECT_EQ(over->getId(), send(34, 21, true));  // only the upper one is there
+    EXPECT_EQ(upper->getId(), send(34, 21, true));  // only the upper one is there
 }
 
 TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
@@ -178,10 +174,7 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     delete other;
 }
 
-class LandscapeInput : public Input {
-protected:
-    bool startEngine() override { return startEngineInLandscape(); }
-};
+using LandscapeInput = Landscape<Input>;
 
 // The interface is turned a quarter: its x runs up the window from the
 // bottom and its y along the window from the left.

@@ -1,8 +1,5 @@
 // Buttons, labels, text fields, scroll bars and windows: captions that fit or
 // are replaced, every message, keys, slider values, scrolling and clipping.
-#include <cstring>
-#include <functional>
-
 #include "gui/guifixture.h"
 
 using namespace pvtest;
@@ -16,16 +13,12 @@ protected:
         ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
         font = solidFont();
     }
-    // The glyph draws of one 2D frame of root (the boxes' draws are strips
-    // or indexed).
-    Calls textDraws(PVNODE* root)
+    // The array draws of one 2D frame of root: a borderless box's strip and
+    // the glyphs (borders are indexed).
+    Calls arrayDraws(PVNODE* root)
     {
         record([&] { drawFrame2D(root); });
-        Calls glyphs;
-        for (const std::string& draw : recorder.filter("glDrawArrays"))
-            if (draw.rfind("glDrawArrays(GL_TRIANGLES,", 0) == 0)
-                glyphs.push_back(draw);
-        return glyphs;
+        return recorder.filter("glDrawArrays");
     }
     PVFONT* font = nullptr;
 };
@@ -49,16 +42,17 @@ TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
         const char* caption;
         Calls draws;
     };
+    const std::string box = "glDrawArrays(GL_TRIANGLE_STRIP,0,4)";
     const Case cases[] = {
-        {48, "ab", {glyphDraw(2)}},  // 32 pixels
-        {48, "abc", {}},  // exactly as wide: "[...]" is wider still
-        {100, "abcdefg", {glyphDraw(5)}},  // "[...]"
-        {100, "", {}},
-        {200, "50%%", {glyphDraw(3)}},
-        {200, "%s%s%s%n%n", {}},
-        {200, "a%-08.3lld b", {glyphDraw(3)}},
-        {200, "x%", {glyphDraw(1)}},
-        {200, "%*.*s", {}},
+        {48, "ab", {box, glyphDraw(2)}},  // 32 pixels
+        {48, "abc", {box}},  // exactly as wide: "[...]" is wider still
+        {100, "abcdefg", {box, glyphDraw(5)}},  // "[...]"
+        {100, "", {box}},
+        {200, "50%%", {box, glyphDraw(3)}},
+        {200, "%s%s%s%n%n", {box}},
+        {200, "a%-08.3lld b", {box, glyphDraw(3)}},
+        {200, "x%", {box, glyphDraw(1)}},
+        {200, "%*.*s", {box}},
     };
     for (const Case& c : cases) {
         PVBUTTON* button = new PVBUTTON();
@@ -66,7 +60,7 @@ TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
         button->setSizeX(c.width);
         button->setThickness(0);  // the box alone is a strip
         button->setCaption(c.caption);
-        EXPECT_EQ(c.draws, textDraws(button)) << c.caption;
+        EXPECT_EQ(c.draws, arrayDraws(button)) << c.caption;
         delete button;
     }
 }
@@ -115,8 +109,7 @@ TEST_F(Widgets, LabelsCopyTheirTextOnceAndDrawOnlyIt)
     EXPECT_TRUE(label->write("%d apples ^c8000%s", 12, "red"));
     EXPECT_STREQ("12 apples ^c8000red", label->getText());
     label->setDisplayStatus(false);  // not looked at
-    EXPECT_EQ((Calls {glyphDraw(13)}), textDraws(label));
-    EXPECT_EQ(1u, recorder.count("glDrawArrays"));  // nothing but the text
+    EXPECT_EQ((Calls {glyphDraw(13)}), arrayDraws(label));
 }
 
 TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
@@ -189,6 +182,8 @@ TEST_F(Widgets, ATextFieldDrawsASunkenFrameOfLines)
     EXPECT_EQ("glTranslatex(131072,131072,0)", recorder.filter("glTranslatex").back());
 }
 
+// Values follow the cursor's place; the bars renew the cursor's limits when
+// drawn and hide it with them.
 TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
 {
     PVHSCROLLBAR* across = new PVHSCROLLBAR();
@@ -196,14 +191,11 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
     for (PVSCROLLBAR* bar : {static_cast<PVSCROLLBAR*>(across), static_cast<PVSCROLLBAR*>(down)}) {
         bar->setMinValue(10);
         bar->setMaxValue(20);
-        for (float v : {10.0f, 12.5f, 15.0f, 19.0f, 20.0f}) {
-            bar->setValue(v);
-            EXPECT_NEAR(v, bar->getValue(), 1e-4) << bar->getType();
+        const float set[] = {10, 12.5f, 15, 19, 20, 99, -5}, got[] = {10, 12.5f, 15, 19, 20, 20, 10};
+        for (size_t i = 0; i < 7; i++) {
+            bar->setValue(set[i]);
+            EXPECT_NEAR(got[i], bar->getValue(), 1e-4) << bar->getType() << " set to " << set[i];
         }
-        bar->setValue(99);
-        EXPECT_EQ(20.0f, bar->getValue());
-        bar->setValue(-5);
-        EXPECT_EQ(10.0f, bar->getValue());
     }
     // At the top end the cursor's centre is on the track's end.
     across->setValue(20);
@@ -215,12 +207,7 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
     EXPECT_EQ(32 - 15, down->getCursor()->getPosition().y);
     EXPECT_EQ(30, down->getCursor()->getSizeY());
     EXPECT_NEAR(15.0f, down->getValue(), 1e-4);
-}
 
-TEST_F(Widgets, ScrollBarsRenewTheirCursorLimitsAndHideWithIt)
-{
-    PVHSCROLLBAR* across = new PVHSCROLLBAR();
-    PVVSCROLLBAR* down = new PVVSCROLLBAR();
     across->setSizeX(100);
     down->setSizeY(50);
     across->link(down);
@@ -230,10 +217,9 @@ TEST_F(Widgets, ScrollBarsRenewTheirCursorLimitsAndHideWithIt)
         return std::vector<int> {c->getStartX(), c->getStartY(), c->getEndX(), c->getEndY()};
     };
     EXPECT_EQ((std::vector<int> {-8, -2, 108, 6}), limits(across));
-    EXPECT_EQ((std::vector<int> {-2, -8, 6, 58}), limits(down));
+    EXPECT_EQ((std::vector<int> {-2, -15, 6, 65}), limits(down));
     down->setDisplayStatus(false);
     EXPECT_FALSE(down->getCursor()->getDisplayStatus());
-    EXPECT_FALSE(down->getDisplayStatus());
 }
 
 TEST_F(Widgets, WindowTextStopsShortOfItsBuffer)
@@ -320,28 +306,42 @@ TEST_F(Widgets, AScrolledWindowDrawsAndHitsItsWidgetsWhereTheyMoved)
     EXPECT_FALSE(button->checkBoundaries(15, 19 + 305));
 }
 
-TEST_F(Widgets, WindowTextIsClippedToTheWindow)
+// Text and widgets alike are cut at the window's right and bottom sides.
+TEST_F(Widgets, AWindowClipsItsTextAndWidgets)
 {
     PVWINDOW* window = new PVWINDOW();
     window->setPosition(20, 30);
-    window->setSizes(64, 40);
+    window->setSizes(64, 40);  // x 20 to 84, y 30 to 70
     window->setColor(0, 0, 0, 1);
     window->setThickness(0);
     window->setFont(font);
     window->getScrollBar()->setDisplayStatus(false);
-    window->write("abcd abcd abcd abcd");
-    window->format();  // four lines of 64 pixels: 64 high, taller than the window
+    window->write("ab ab ab ab");
+    window->format();  // four lines 32 pixels wide: 64 high, taller than the window
+    PVBOX* box = new PVBOX();
+    box->setThickness(0);
+    box->setPosition(40, 20);  // x 60 to 100, y 50 to 80
+    box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
+    box->link(window);
     drawFrame2D(window);
-    expectColour({1, 1, 1}, screen(20, 30), "first glyph");
-    expectColour({1, 1, 1}, screen(83, 69), "last pixel of the window");
-    expectColour({0, 0, 0}, screen(83, 70), "below the window");
-    expectColour({0, 0, 0}, screen(84, 50), "right of the window");
+    const struct {
+        int x, y;
+        Rgb colour;
+        const char* what;
+    } expected[] = {
+        {20, 30, {1, 1, 1}, "first glyph"},
+        {51, 69, {1, 1, 1}, "third line's last glyph, bottom row"},
+        {51, 70, {0, 0, 0}, "fourth line, below the window"},
+        {60, 50, {0.5, 0.25, 0.75}, "the box's corner"},
+        {83, 69, {0.5, 0.25, 0.75}, "the window's last pixel"},
+        {84, 55, {0, 0, 0}, "right of the window"},
+        {70, 70, {0, 0, 0}, "below the window"},
+    };
+    for (const auto& e : expected)
+        expectColour(e.colour, screen(e.x, e.y), e.what);
 }
 
-class LandscapeWidgets : public GuiTest {
-protected:
-    bool startEngine() override { return startEngineInLandscape(); }
-};
+using LandscapeWidgets = Landscape<GuiTest>;
 
 // Windows clip with GL's origin at the bottom left; landscape exchanges the
 // axes of a 50 x 40 window at (10, 20), then gives the display back.
