@@ -38,39 +38,31 @@ protected:
     bool over = false;
 };
 
+// Each case presses a new button at (10, 10): pressed, moved within, released
+// inside or elsewhere (90, 90).
 TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
 {
+    const PV_BUTTON_EVENT release = PV_BUTTON_ON_RELEASE, press = PV_BUTTON_ON_PRESS,
+                          toggle = PV_BUTTON_TOGGLE;
     struct Step {
+        PV_BUTTON_EVENT event;  // a new button when it changes
         int x, y;
-        bool down;
-        bool reported, clicked;
+        bool down, reported, clicked;
     };
-    struct Case {
-        PV_BUTTON_EVENT event;
-        std::vector<Step> steps;
-    };
-    const Case cases[] = {
-        {PV_BUTTON_ON_RELEASE,
-         {{15, 15, true, false, true}, {16, 16, true, false, true}, {16, 16, false, true, false}}},
-        {PV_BUTTON_ON_RELEASE,
-         {{15, 15, true, false, true}, {90, 90, false, false, false}}},  // released elsewhere
-        {PV_BUTTON_ON_PRESS,
-         {{15, 15, true, true, true}, {15, 15, true, false, true}, {15, 15, false, false, false}}},
-        {PV_BUTTON_TOGGLE,
-         {{15, 15, true, true, true},
-          {15, 15, false, false, true},
-          {15, 15, true, true, false},
-          {15, 15, false, false, false}}},
-    };
-    for (const Case& c : cases) {
-        PVBUTTON* pressed = button(10, 10, c.event);
-        for (size_t i = 0; i < c.steps.size(); i++) {
-            const Step& s = c.steps[i];
-            EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down)) << c.event << " step " << i;
-            EXPECT_EQ(s.clicked, pressed->isClicked()) << c.event << " step " << i;
+    const Step steps[] = {{release, 15, 15, 1, 0, 1}, {release, 16, 16, 1, 0, 1}, {release, 16, 16, 0, 1, 0},
+                          {press, 15, 15, 1, 1, 1},   {press, 15, 15, 1, 0, 1},   {press, 15, 15, 0, 0, 0},
+                          {toggle, 15, 15, 1, 1, 1},  {toggle, 15, 15, 0, 0, 1},  {toggle, 15, 15, 1, 1, 0},
+                          {toggle, 15, 15, 0, 0, 0},  {release, 15, 15, 1, 0, 1}, {release, 90, 90, 0, 0, 0}};
+    PVBUTTON* pressed = nullptr;
+    for (const Step& s : steps) {
+        if (!pressed || s.event != pressed->getEventType()) {
+            if (pressed)
+                pressed->unlink();
+            pressed = button(10, 10, s.event);
         }
-        pressed->unlink();  // a deleted node stays listed by its parent
-        delete pressed;
+        EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down))
+            << s.event << " at " << &s - steps;
+        EXPECT_EQ(s.clicked, pressed->isClicked()) << s.event << " at " << &s - steps;
     }
 }
 

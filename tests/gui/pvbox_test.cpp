@@ -88,12 +88,7 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
     struct Case {
         int dx, dy, wantX, wantY;
     };
-    const Case cases[] = {
-        {5, 5, 5, 5},
-        {-50, -50, -10, -10},
-        {200, 200, 70, 20},
-        {70, 20, 70, 20},
-    };
+    const Case cases[] = {{5, 5, 5, 5}, {-50, -50, -10, -10}, {200, 200, 70, 20}, {70, 20, 70, 20}};
     for (const Case& c : cases) {
         dx = c.dx;
         dy = c.dy;

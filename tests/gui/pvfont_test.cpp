@@ -39,6 +39,11 @@ TEST_F(Font, StringLengthAddsAdvancesAndHorizontalEscapes)
         EXPECT_EQ(c.width, font.stringLength(c.text)) << '"' << c.text << '"';
 }
 
+// The blank becomes the break; with no blank a break goes in before the
+// overflow; text exactly as wide as allowed stays whole; a line begun by a
+// newline starts one cell wide; offsets count in the width and vertical ones
+// in the height; "^z" is no escape, '^' a character; the width after a break
+// keeps the blank's advance.
 TEST_F(Font, FormatBreaksAtBlanksOrInsideWordsThatDoNotFit)
 {
     struct Case {
@@ -48,15 +53,9 @@ TEST_F(Font, FormatBreaksAtBlanksOrInsideWordsThatDoNotFit)
         int height;
     };
     const Case cases[] = {
-        {"ab cd", 40, "ab\ncd", 16},  // the blank becomes the break
-        {"abcd", 40, "ab\ncd", 16},  // no blank: a break goes in before the overflow
-        {"abcd", 64, "abcd", 0},  // exactly as wide as allowed
-        {"a\nbcd", 40, "a\nbc\nd", 48},  // a line begun by a newline starts one cell wide
-        {"^x0020ab", 40, "^x0020a\nb", 16},  // offsets count in the width
-        {"^y0005a", 40, "^y0005a", 5},  // and vertical ones in the height
-        {"^zab", 40, "^z\nab", 16},  // not an escape: '^' is a character
-        {"i i i i", 20, "i\ni\ni\n i", 48},  // the width after a break keeps the blank's advance
-    };
+        {"ab cd", 40, "ab\ncd", 16},    {"abcd", 40, "ab\ncd", 16},         {"abcd", 64, "abcd", 0},
+        {"a\nbcd", 40, "a\nbc\nd", 48}, {"^x0020ab", 40, "^x0020a\nb", 16}, {"^y0005a", 40, "^y0005a", 5},
+        {"^zab", 40, "^z\nab", 16},     {"i i i i", 20, "i\ni\ni\n i", 48}};
     for (const Case& c : cases) {
         char out[64];
         EXPECT_EQ(c.height, font.format(c.in, out, c.width, 0)) << '"' << c.in << '"';
@@ -233,26 +232,19 @@ TEST_F(FontDrawing, ColourEscapesTintTheGlyphsThatFollow)
     // Red, green, blue; '9' wraps to 31, a faint white; then offsets and a
     // new line with the colour kept.
     // A faint glyph is blended by its own alpha.
-    const double faint = 31 / 255.0 * 31 / 255.0;
+    const double f = 31 / 255.0 * 31 / 255.0;
     font->putString(10, 20, "^c8008A^c0808B^c0088C^c9999D^c0000E^x-016^c8888F\n^y0004^x0020G");
     const struct {
         int x, y;
-        Rgb colour;
-        const char* what;
-    } expected[] = {
-        {10, 20, {1, 0, 0}, "red"},
-        {25, 35, {1, 0, 0}, "red's far corner"},
-        {26, 20, {0, 1, 0}, "green"},
-        {42, 27, {0, 0, 1}, "blue"},
-        {58, 27, {faint, faint, faint}, "faint"},
-        {74, 27, {1, 1, 1}, "white over the transparent glyph"},
-        {90, 27, {0, 0, 0}, "nothing after the last glyph"},
-        {30, 40, {1, 1, 1}, "second line, moved right and down"},
-        {29, 40, {0, 0, 0}, "left of the second line"},
-        {10, 39, {0, 0, 0}, "between the lines"},
-    };
+        double r, g, b;
+    } expected[] = {{10, 20, 1, 0, 0}, {25, 35, 1, 0, 0}, {26, 20, 0, 1, 0}, {42, 27, 0, 0, 1},
+                    {58, 27, f, f, f}, {74, 27, 1, 1, 1}, {90, 27, 0, 0, 0}, {30, 40, 1, 1, 1},
+                    {29, 40, 0, 0, 0}, {10, 39, 0, 0, 0}};
+    // Red (both corners), green, blue, faint, white over the transparent
+    // glyph, nothing after the last; the second line moved right and down,
+    // left of it and between the lines.
     for (const auto& e : expected)
-        expectColour(e.colour, screen(e.x, e.y), e.what);
+        expectColour({e.r, e.g, e.b}, screen(e.x, e.y), std::to_string(e.x) + ", " + std::to_string(e.y));
 }
 
 }  // namespace
