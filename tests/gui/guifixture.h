@@ -64,6 +64,17 @@ protected:
 
     // The colour at (x, y), y counted from the top of the window.
     static Rgb screen(int x, int y) { return pixelAt(x, windowHeight - 1 - y); }
+
+    // Pixels at (x, y from the top) and the colours expected there.
+    struct Probe {
+        int x, y;
+        double r, g, b;
+    };
+    static void expectPixels(const std::vector<Probe>& probes)
+    {
+        for (const Probe& p : probes)
+            expectColour({p.r, p.g, p.b}, screen(p.x, p.y), std::to_string(p.x) + ", " + std::to_string(p.y));
+    }
 };
 
 // The same cases with the window turned a quarter (landscape).

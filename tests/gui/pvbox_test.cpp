@@ -79,28 +79,24 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
     box->setPosition(10, 10);
     box->setSizes(20, 10);
     box->link(&parent);
-    box->setLimits(0, 0, 100, 40);
-
-    int dx = 5, dy = 5;
-    EXPECT_FALSE(box->checkLimits(&dx, &dy));  // limits off: the move stands
-    EXPECT_EQ(5, dx);
-    box->setLimitStatus(true);
     struct Case {
-        int dx, dy, wantX, wantY;
+        bool limited;
+        int endX, dx, dy, wantX, wantY;
     };
-    const Case cases[] = {{5, 5, 5, 5}, {-50, -50, -10, -10}, {200, 200, 70, 20}, {70, 20, 70, 20}};
+    // With limits off the move stands; a limit rectangle narrower than the
+    // box puts it at endX - sizeX.
+    const Case cases[] = {{false, 100, 200, 200, 200, 200}, {true, 100, 5, 5, 5, 5},
+                          {true, 100, -50, -50, -10, -10},  {true, 100, 200, 200, 70, 20},
+                          {true, 100, 70, 20, 70, 20},      {true, 8, 0, 0, -22, 0}};
+    int dx, dy;
     for (const Case& c : cases) {
+        box->setLimitStatus(c.limited);
+        box->setLimits(0, 0, c.endX, 40);
         dx = c.dx;
         dy = c.dy;
-        EXPECT_TRUE(box->checkLimits(&dx, &dy));
-        EXPECT_EQ(c.wantX, dx) << c.dx;
-        EXPECT_EQ(c.wantY, dy) << c.dy;
+        EXPECT_EQ(c.limited, box->checkLimits(&dx, &dy)) << c.dx;
+        EXPECT_EQ(std::make_pair(c.wantX, c.wantY), std::make_pair(dx, dy)) << c.dx;
     }
-    // A limit rectangle narrower than the box puts it at endX - sizeX.
-    box->setLimits(0, 0, 8, 40);
-    dx = dy = 0;
-    EXPECT_TRUE(box->checkLimits(&dx, &dy));
-    EXPECT_EQ(-22, dx);
     EXPECT_FALSE(box->checkLimits(nullptr, &dy));
     EXPECT_EQ("   [!] Invalid params @ PVBOX::checkLimits\n", logged());
 }
@@ -198,11 +194,9 @@ TEST_F(Box, EveryBorderPixelIsThatOfTheQuadsRingByRing)
         int x, y, w, h, thickness;
         bool pressed;
     };
-    const Case cases[] = {
-        {2, 2, 40, 30, 3, false},    {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
-        {120, 2, 9, 9, 4, false},    {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
-        {110, 40, 20, 50, 10, true},
-    };
+    const Case cases[] = {{2, 2, 40, 30, 3, false},   {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
+                          {120, 2, 9, 9, 4, false},   {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
+                          {110, 40, 20, 50, 10, true}};
     const Rgb base {0.3, 0.6, 0.7};
     PVNODE* root = new PVNODE();
     for (const Case& c : cases) {

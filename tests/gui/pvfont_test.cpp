@@ -206,8 +206,7 @@ TEST_F(FontDrawing, TextBuffersAreFreedAndSurviveTheTextureCollector)
     PEVRANO::clear(true, true, false);
     record([&] { font->putString(0, 20, "drawn once"); });
     EXPECT_EQ(0u, recorder.count("glBufferData"));
-    expectColour({1, 1, 1}, screen(150, 35), "the string's last glyph");
-    expectColour({0, 0, 0}, screen(160, 35), "after it");
+    expectPixels({{150, 35, 1, 1, 1}, {160, 35, 0, 0, 0}});  // the last glyph, after it
 
     for (int pass = 0; pass < 2 * PV_TEXT_CACHE_IDLE_PASSES; pass++) {
         PEVRANO::begin2D();
@@ -234,17 +233,13 @@ TEST_F(FontDrawing, ColourEscapesTintTheGlyphsThatFollow)
     // A faint glyph is blended by its own alpha.
     const double f = 31 / 255.0 * 31 / 255.0;
     font->putString(10, 20, "^c8008A^c0808B^c0088C^c9999D^c0000E^x-016^c8888F\n^y0004^x0020G");
-    const struct {
-        int x, y;
-        double r, g, b;
-    } expected[] = {{10, 20, 1, 0, 0}, {25, 35, 1, 0, 0}, {26, 20, 0, 1, 0}, {42, 27, 0, 0, 1},
-                    {58, 27, f, f, f}, {74, 27, 1, 1, 1}, {90, 27, 0, 0, 0}, {30, 40, 1, 1, 1},
-                    {29, 40, 0, 0, 0}, {10, 39, 0, 0, 0}};
     // Red (both corners), green, blue, faint, white over the transparent
     // glyph, nothing after the last; the second line moved right and down,
     // left of it and between the lines.
-    for (const auto& e : expected)
-        expectColour({e.r, e.g, e.b}, screen(e.x, e.y), std::to_string(e.x) + ", " + std::to_string(e.y));
+    const std::vector<Probe> probes = {
+        {10, 20, 1, 0, 0}, {25, 35, 1, 0, 0}, {26, 20, 0, 1, 0}, {42, 27, 0, 0, 1}, {58, 27, f, f, f},
+        {74, 27, 1, 1, 1}, {90, 27, 0, 0, 0}, {30, 40, 1, 1, 1}, {29, 40, 0, 0, 0}, {10, 39, 0, 0, 0}};
+    expectPixels(probes);
 }
 
 }  // namespace

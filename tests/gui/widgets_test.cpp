@@ -67,11 +67,10 @@ TEST_F(Widgets, APressedCaptionMovesByOnePixel)
     button->setPosition(10, 10);
     button->setCaption("A");
     drawFrame2D(button);
-    expectColour({1, 1, 1}, screen(11, 20), "released, left column");
-    expectColour({1, 1, 1}, screen(26, 26), "released, last pixel");
+    expectPixels({{11, 20, 1, 1, 1}, {26, 26, 1, 1, 1}});  // left column, last pixel
     button->setClickedStatus(true);
     drawFrame2D(button);
-    expectColour({1, 1, 1}, screen(27, 27), "pressed, last pixel");
+    expectPixels({{27, 27, 1, 1, 1}});
     EXPECT_NE(1.0, screen(11, 20).r) << "pressed, left column is border";
 }
 
@@ -256,7 +255,7 @@ TEST_F(Widgets, RestoringDropsTheMarkOnlyFromLongEnoughTitles)
 
 TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
 {
-    PVWINDOW* window = new PVWINDOW();  // 128 x 128
+    PVWINDOW* window = new PVWINDOW();  // 128 x 128 at (0, 19)
     PVBUTTON* button = new PVBUTTON();
     button->setPosition(10, 40);  // 64 high: reaches 104
     button->link(window);
@@ -265,10 +264,16 @@ TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
     EXPECT_EQ(104, window->getContentHeight());
 
     button->setPosition(10, 300);  // content 364: cursor 128 / 364 * 96 = 33 pixels
-    window->setScrollLine(5);
-    window->updateScroll();
+    drawFrame2D(window);  // measures the content
+    window->getScrollBar()->setValue(1.0f);
+    drawFrame2D(window);  // scrolls by 364 - 128 = 236: drawn and hit where it moved
     EXPECT_TRUE(window->getScrollBar()->getDisplayStatus());
     EXPECT_EQ(33, window->getScrollBar()->getCursor()->getSizeY());
+    EXPECT_EQ(64.0f, button->getPosition().y);
+    EXPECT_TRUE(button->checkBoundaries(15, 19 + 70));
+    EXPECT_FALSE(button->checkBoundaries(15, 19 + 305));
+    window->setScrollLine(5);
+    window->updateScroll();
     EXPECT_EQ(295.0f, button->getPosition().y);  // moved by offset - line
 
     PVWINDOW* tall = new PVWINDOW();
@@ -283,22 +288,6 @@ TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
     tall->setScrollLine(7);
     tall->updateScroll();
     EXPECT_EQ(0, tall->getScrollLine());  // short content: no scrolling
-}
-
-TEST_F(Widgets, AScrolledWindowDrawsAndHitsItsWidgetsWhereTheyMoved)
-{
-    PVWINDOW* window = new PVWINDOW();
-    window->setPosition(0, 19);
-    PVBUTTON* button = new PVBUTTON();
-    button->setPosition(10, 300);
-    button->setSizes(20, 20);
-    button->link(window);
-    drawFrame2D(window);  // measures the content: 320
-    window->getScrollBar()->setValue(1.0f);
-    drawFrame2D(window);  // scrolls by 320 - 128 = 192
-    EXPECT_EQ(108.0f, button->getPosition().y);
-    EXPECT_TRUE(button->checkBoundaries(15, 19 + 110));
-    EXPECT_FALSE(button->checkBoundaries(15, 19 + 305));
 }
 
 // Text and widgets alike are cut at the window's right and bottom sides.
@@ -319,16 +308,12 @@ TEST_F(Widgets, AWindowClipsItsTextAndWidgets)
     box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
     box->link(window);
     drawFrame2D(window);
-    const struct {
-        int x, y;
-        double r, g, b;
-    } expected[] = {{20, 30, 1, 1, 1},         {51, 69, 1, 1, 1},         {51, 70, 0, 0, 0},
-                    {60, 50, 0.5, 0.25, 0.75}, {83, 69, 0.5, 0.25, 0.75}, {84, 55, 0, 0, 0},
-                    {70, 70, 0, 0, 0}};
     // The first and last glyph pixels, the box's corner and the window's
     // last pixel; then below and right of the window.
-    for (const auto& e : expected)
-        expectColour({e.r, e.g, e.b}, screen(e.x, e.y), std::to_string(e.x) + ", " + std::to_string(e.y));
+    const std::vector<Probe> probes = {
+        {20, 30, 1, 1, 1},         {51, 69, 1, 1, 1}, {51, 70, 0, 0, 0}, {60, 50, 0.5, 0.25, 0.75},
+        {83, 69, 0.5, 0.25, 0.75}, {84, 55, 0, 0, 0}, {70, 70, 0, 0, 0}};
+    expectPixels(probes);
 }
 
 using LandscapeWidgets = Landscape<GuiTest>;

@@ -68,8 +68,7 @@ TEST_F(XmlLoader, BuildsTheWholeTreeAndLogsEachWidget)
     EXPECT_STREQ("type here", child<PVTEXTFIELD>(root, 2)->getCaption());
 
     PVBOX* red = child<PVBOX>(root, 3);
-    PVBOX* plain = child<PVBOX>(root, 4);
-    EXPECT_EQ(red->getTexture(), plain->getTexture()) << "one texture per file";
+    EXPECT_EQ(red->getTexture(), child<PVBOX>(root, 4)->getTexture()) << "one texture per file";
     EXPECT_EQ(2, red->getTexture()->getReferences());
     EXPECT_EQ(K3MVECTOR4D(0.5f, 0.25f, 1.0f, 0.75f), red->getColor());
     child<PVVSCROLLBAR>(root, 5);
@@ -102,34 +101,24 @@ TEST_F(XmlLoader, RefusedFilesLogWhyAndGiveNull)
     }
 }
 
+// data/xml/fallthrough.xml: a font used before it is defined, properties
+// inside a font or group element, and ones the widget's type ignores.
 TEST_F(XmlLoader, PropertiesFallThroughOrAreIgnoredByType)
 {
-    PVNODE* root = load(
-        "<root>\n"
-        " <window><usefont ref=\"late\"/><kind value=\"switch\"/><kerning value=\"k.txt\"/>\n"
-        "  <font><name value=\"late\"/><title value=\"from the font\"/><position x=\"7\" y=\"8\"/></font>\n"
-        "  <group><name value=\"renamed\"/></group>\n"
-        "  <position x=\"1\"/><size height=\"3\"/><color r=\"1\" g=\"1\" b=\"1\"/>\n"
-        " </window>\n"
-        " <label><title value=\"no caption\"/><usefont ref=\"late\"/></label>\n"
-        " <box><write value=\"no text\"/><kind value=\"normal\"/></box>\n"
-        "</root>\n");
+    PVNODE* root = load(readFile(PEVRANO_TEST_DATA "/xml/fallthrough.xml"));
     PVWINDOW* window = child<PVWINDOW>(root, 0);
     const PVWINDOW fresh;
     EXPECT_EQ(nullptr, window->getFont()) << "used before it was defined";
     EXPECT_EQ(fresh.getEventType(), window->getEventType());
     EXPECT_STREQ("from the font", window->getTitleBar()->getCaption());
-    EXPECT_EQ(7, window->getPosition().x);
-    EXPECT_EQ(8, window->getPosition().y);
+    EXPECT_EQ(K3MVECTOR3D(7, 8, 0), window->getPosition());
     EXPECT_STREQ("renamed", window->getName());
     EXPECT_EQ(fresh.getSizes(), window->getSizes());
     EXPECT_EQ(fresh.getColor(), window->getColor());
     EXPECT_EQ(nullptr, window->getChild(2)) << "nothing created besides the title bar and scroll bar";
 
-    PVLABEL* label = child<PVLABEL>(root, 1);
-    EXPECT_EQ(PVFONT::findByName("late"), label->getFont());
-    PVBOX* box = child<PVBOX>(root, 2);
-    EXPECT_EQ(nullptr, box->getChild(0));
+    EXPECT_EQ(PVFONT::findByName("late"), child<PVLABEL>(root, 1)->getFont());
+    EXPECT_EQ(nullptr, child<PVBOX>(root, 2)->getChild(0));
 }
 
 }  // namespace
