@@ -152,7 +152,7 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     send(5, 5, false, 'h');
     send(90, 90, false, 'i');
     EXPECT_STREQ("hi", first->getCaption());
-    PVBUTTON* other = button(100, 0, PV_BUTTON_ON_RELEASE);
+    button(100, 0, PV_BUTTON_ON_RELEASE);
     send(105, 5, true);
     send(105, 5, false, '!');  // pressing a button keeps the focus
     EXPECT_STREQ("hi!", first->getCaption());
@@ -162,20 +162,29 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     EXPECT_STREQ("hi!", first->getCaption());
     EXPECT_STREQ("b", second->getCaption());
     EXPECT_TRUE(second->isEditing());  // every call keeps the caret alive
-    other->unlink();
-    delete other;
 }
 
-using LandscapeInput = Landscape<Input>;
+using LandscapeInterface = Landscape<Input>;
 
 // The interface is turned a quarter: its x runs up the window from the
-// bottom and its y along the window from the left.
-TEST_F(LandscapeInput, ThePointerAxesAreExchanged)
+// bottom and its y along the window from the left. Windows clip with GL's
+// origin at the bottom left: the scissor of a 50 x 40 window at (10, 20)
+// exchanges its axes, then gives the display back.
+TEST_F(LandscapeInterface, ThePointerAndTheScissorExchangeTheirAxes)
 {
     PVBUTTON* pressed = button(10, 30, PV_BUTTON_ON_PRESS);  // x 10 to 30, y 30 to 40
     EXPECT_EQ(pressed->getId(), send(35, windowHeight - 15, true));
     send(35, windowHeight - 15, false);
     EXPECT_EQ(0u, send(15, windowHeight - 35, true));
+    PVWINDOW* window = new PVWINDOW();
+    window->setPosition(10, 20);
+    window->setSizes(50, 40);
+    record([&] {
+        window->enableScissor();
+        window->disableScissor();
+    });
+    EXPECT_EQ((Calls {"glScissor(20,10,40,50)", "glScissor(0,0,120,160)"}), recorder.filter("glScissor"));
+    EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
 }
 
 }  // namespace
