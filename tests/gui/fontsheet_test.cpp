@@ -61,14 +61,11 @@ TEST_F(MadeFont, CaptionsAfterUntexturedWidgetsAreStillGlyphs)
     PVBOX* root = new PVBOX();
     root->setDisplayStatus(false);
     for (int i = 0; i < 2; i++) {
-        PVBUTTON* button = new PVBUTTON();
+        PVBUTTON* button = placed<PVBUTTON>(10.0f + 40.0f * float(i), 20.0f, 30, 18, root);
         button->setColor(0, 0, 0, 1);
         button->setThickness(0);
-        button->setPosition(10.0f + 40.0f * float(i), 20.0f);
-        button->setSizes(30, 18);
         button->setFont(font);
         button->setCaption(".");
-        button->link(root);
     }
     drawFrame2D(root);
     for (int left : {11, 51}) {

@@ -55,6 +55,18 @@ protected:
         return sheet;
     }
 
+    // A new widget at (x, y), w x h, linked under parent when one is given.
+    template <typename Widget = PVBOX>
+    static Widget* placed(float x, float y, int w, int h, PVNODE* parent = nullptr)
+    {
+        Widget* widget = new Widget();
+        widget->setPosition(x, y);
+        widget->setSizes(w, h);
+        if (parent)
+            widget->link(parent);
+        return widget;
+    }
+
     static PVFONT* solidFont()
     {
         PVFONT* font = new PVFONT();

@@ -27,11 +27,8 @@ protected:
     }
     PVBUTTON* button(int x, int y, PV_BUTTON_EVENT event)
     {
-        PVBUTTON* made = new PVBUTTON();
-        made->setPosition(float(x), float(y));
-        made->setSizes(20, 10);
+        PVBUTTON* made = placed<PVBUTTON>(float(x), float(y), 20, 10, root);
         made->setEventType(event);
-        made->link(root);
         return made;
     }
     PVBOX* root = nullptr;
@@ -176,9 +173,7 @@ TEST_F(LandscapeInterface, ThePointerAndTheScissorExchangeTheirAxes)
     EXPECT_EQ(pressed->getId(), send(35, windowHeight - 15, true));
     send(35, windowHeight - 15, false);
     EXPECT_EQ(0u, send(15, windowHeight - 35, true));
-    PVWINDOW* window = new PVWINDOW();
-    window->setPosition(10, 20);
-    window->setSizes(50, 40);
+    PVWINDOW* window = placed<PVWINDOW>(10, 20, 50, 40);
     record([&] {
         window->enableScissor();
         window->disableScissor();

@@ -43,9 +43,7 @@ TEST_F(Box, HitTestsIncludeTheEdgesAndStayInsideTheWindow)
     PVBUTTON* inside = new PVBUTTON();
     inside->setPosition(100, 100);  // reaches 164, past the window's right side at 138
     inside->link(window);
-    PVBOX* loose = new PVBOX();
-    loose->setPosition(5, 6);
-    loose->setSizes(10, 20);
+    PVBOX* loose = placed(5, 6, 10, 20);
     PVBUTTON* title = window->getTitleBar();
 
     struct Case {
@@ -75,10 +73,7 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
 {
     PVBOX parent;
     parent.setPosition(100, 50);
-    PVBOX* box = new PVBOX();
-    box->setPosition(10, 10);
-    box->setSizes(20, 10);
-    box->link(&parent);
+    PVBOX* box = placed(10, 10, 20, 10, &parent);
     struct Case {
         bool limited;
         int endX, dx, dy, wantX, wantY;
@@ -133,8 +128,7 @@ TEST_F(Box, TextureReferencesFollowTheBox)
 // opaque fill would change draws the fill apart first.
 TEST_F(Box, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
 {
-    PVBOX* box = new PVBOX();
-    box->setSizes(40, 30);
+    PVBOX* box = placed(0, 0, 40, 30);
     const std::string fillStrip = "glDrawArrays(GL_TRIANGLE_STRIP,0,4)";
     auto quads = [](int count) {
         return "glDrawElements(GL_TRIANGLES," + std::to_string(count * 6) + ",GL_UNSIGNED_SHORT)";
@@ -200,13 +194,10 @@ TEST_F(Box, EveryBorderPixelIsThatOfTheQuadsRingByRing)
     const Rgb base {0.3, 0.6, 0.7};
     PVNODE* root = new PVNODE();
     for (const Case& c : cases) {
-        PVBOX* box = new PVBOX();
-        box->setPosition(float(c.x), float(c.y));
-        box->setSizes(c.w, c.h);
+        PVBOX* box = placed(float(c.x), float(c.y), c.w, c.h, root);
         box->setThickness(unsigned(c.thickness));
         box->setColor(float(base.r), float(base.g), float(base.b), 1.0f);
         box->setClickedStatus(c.pressed);
-        box->link(root);
     }
     drawFrame2D(root);
     for (const Case& c : cases) {

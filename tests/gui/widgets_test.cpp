@@ -291,20 +291,16 @@ TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
 // Text and widgets alike are cut at the window's right and bottom sides.
 TEST_F(Widgets, AWindowClipsItsTextAndWidgets)
 {
-    PVWINDOW* window = new PVWINDOW();
-    window->setPosition(20, 30);
-    window->setSizes(64, 40);  // x 20 to 84, y 30 to 70
+    PVWINDOW* window = placed<PVWINDOW>(20, 30, 64, 40);  // x 20 to 84, y 30 to 70
     window->setColor(0, 0, 0, 1);
     window->setThickness(0);
     window->setFont(font);
     window->getScrollBar()->setDisplayStatus(false);
     window->write("ab ab ab ab");
     window->format();  // four lines 32 pixels wide: 64 high, taller than the window
-    PVBOX* box = new PVBOX();
+    PVBOX* box = placed(40, 20, 40, 30, window);  // x 60 to 100, y 50 to 80
     box->setThickness(0);
-    box->setPosition(40, 20);  // x 60 to 100, y 50 to 80
     box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
-    box->link(window);
     drawFrame2D(window);
     // The first and last glyph pixels, the box's corner and the window's
     // last pixel; then below and right of the window.
