@@ -1,5 +1,7 @@
 // Pointer and keys scripted through the render list's dispatcher, over the
 // widgets drawn in the last 2D pass.
+#include <tuple>
+
 #include "gui/guifixture.h"
 #include "gui/pvinput.h"
 
@@ -41,25 +43,21 @@ TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
 {
     const PV_BUTTON_EVENT release = PV_BUTTON_ON_RELEASE, press = PV_BUTTON_ON_PRESS,
                           toggle = PV_BUTTON_TOGGLE;
-    struct Step {
-        PV_BUTTON_EVENT event;  // a new button when it changes
-        int x, y;
-        bool down, reported, clicked;
-    };
-    const Step steps[] = {{release, 15, 15, 1, 0, 1}, {release, 16, 16, 1, 0, 1}, {release, 16, 16, 0, 1, 0},
-                          {press, 15, 15, 1, 1, 1},   {press, 15, 15, 1, 0, 1},   {press, 15, 15, 0, 0, 0},
-                          {toggle, 15, 15, 1, 1, 1},  {toggle, 15, 15, 0, 0, 1},  {toggle, 15, 15, 1, 1, 0},
-                          {toggle, 15, 15, 0, 0, 0},  {release, 15, 15, 1, 0, 1}, {release, 90, 90, 0, 0, 0}};
+    const std::tuple<PV_BUTTON_EVENT, int, int, bool, bool, bool> steps[] = {
+        {release, 15, 15, 1, 0, 1}, {release, 16, 16, 1, 0, 1}, {release, 16, 16, 0, 1, 0},
+        {press, 15, 15, 1, 1, 1},   {press, 15, 15, 1, 0, 1},   {press, 15, 15, 0, 0, 0},
+        {toggle, 15, 15, 1, 1, 1},  {toggle, 15, 15, 0, 0, 1},  {toggle, 15, 15, 1, 1, 0},
+        {toggle, 15, 15, 0, 0, 0},  {release, 15, 15, 1, 0, 1}, {release, 90, 90, 0, 0, 0}};
     PVBUTTON* pressed = nullptr;
-    for (const Step& s : steps) {
-        if (!pressed || s.event != pressed->getEventType()) {
+    for (const auto& [event, x, y, down, reported, clicked] : steps) {
+        if (!pressed || event != pressed->getEventType()) {
             if (pressed)
                 pressed->unlink();
-            pressed = button(10, 10, s.event);
+            pressed = button(10, 10, event);
         }
-        EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down))
-            << s.event << " at " << &s - steps;
-        EXPECT_EQ(s.clicked, pressed->isClicked()) << s.event << " at " << &s - steps;
+        EXPECT_EQ(reported ? pressed->getId() : 0u, send(x, y, down))
+            << event << " at " << x << (down ? " down" : " up");
+        EXPECT_EQ(clicked, pressed->isClicked()) << event << " at " << x << (down ? " down" : " up");
     }
 }
 

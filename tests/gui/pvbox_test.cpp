@@ -2,6 +2,7 @@
 // quad primitive and the bevelled border as GL calls and as pixels.
 #include <algorithm>
 #include <functional>
+#include <tuple>
 
 #include "gui/guifixture.h"
 
@@ -46,21 +47,13 @@ TEST_F(Box, HitTestsIncludeTheEdgesAndStayInsideTheWindow)
     PVBOX* loose = placed(5, 6, 10, 20);
     PVBUTTON* title = window->getTitleBar();
 
-    struct Case {
-        PVBOX* box;
-        int x, y;
-        bool hit;
-    };
-    const Case cases[] = {
-        {loose, 10, 10, false},  // hit tests are off by default on a box
-        {inside, 110, 140, true},  {inside, 137, 140, true}, {inside, 139, 140, false},
-        {title, 10, 21, true},     {title, 138, 40, true},   {title, 139, 40, false},
-        {title, 9, 30, false},     {window, 10, 40, true},   {window, 138, 168, true},
-        {window, 138, 169, false},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.hit, c.box->checkBoundaries(c.x, c.y))
-            << c.box->getName() << " at " << c.x << ", " << c.y;
+    // Hit tests are off by default on a box.
+    const std::tuple<PVBOX*, int, int, bool> cases[] = {
+        {loose, 10, 10, false}, {inside, 110, 140, true}, {inside, 137, 140, true}, {inside, 139, 140, false},
+        {title, 10, 21, true},  {title, 138, 40, true},   {title, 139, 40, false},  {title, 9, 30, false},
+        {window, 10, 40, true}, {window, 138, 168, true}, {window, 138, 169, false}};
+    for (const auto& [box, x, y, hit] : cases)
+        EXPECT_EQ(hit, box->checkBoundaries(x, y)) << box->getName() << " at " << x << ", " << y;
     loose->setCheckStatus(true);
     EXPECT_TRUE(loose->checkBoundaries(15, 26));  // right and bottom edges included
     EXPECT_FALSE(loose->checkBoundaries(16, 26));
@@ -74,25 +67,21 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
     PVBOX parent;
     parent.setPosition(100, 50);
     PVBOX* box = placed(10, 10, 20, 10, &parent);
-    struct Case {
-        bool limited;
-        int endX, dx, dy, wantX, wantY;
-    };
     // With limits off the move stands; a limit rectangle narrower than the
     // box puts it at endX - sizeX.
-    const Case cases[] = {{false, 100, 200, 200, 200, 200}, {true, 100, 5, 5, 5, 5},
-                          {true, 100, -50, -50, -10, -10},  {true, 100, 200, 200, 70, 20},
-                          {true, 100, 70, 20, 70, 20},      {true, 8, 0, 0, -22, 0}};
-    int dx, dy;
-    for (const Case& c : cases) {
-        box->setLimitStatus(c.limited);
-        box->setLimits(0, 0, c.endX, 40);
-        dx = c.dx;
-        dy = c.dy;
-        EXPECT_EQ(c.limited, box->checkLimits(&dx, &dy)) << c.dx;
-        EXPECT_EQ(std::make_pair(c.wantX, c.wantY), std::make_pair(dx, dy)) << c.dx;
+    const std::tuple<bool, int, std::pair<int, int>, std::pair<int, int>> cases[] = {
+        {false, 100, {200, 200}, {200, 200}}, {true, 100, {5, 5}, {5, 5}},
+        {true, 100, {-50, -50}, {-10, -10}},  {true, 100, {200, 200}, {70, 20}},
+        {true, 100, {70, 20}, {70, 20}},      {true, 8, {0, 0}, {-22, 0}}};
+    std::pair<int, int> move;
+    for (const auto& [limited, endX, asked, allowed] : cases) {
+        box->setLimitStatus(limited);
+        box->setLimits(0, 0, endX, 40);
+        move = asked;
+        EXPECT_EQ(limited, box->checkLimits(&move.first, &move.second)) << asked.first;
+        EXPECT_EQ(allowed, move) << asked.first;
     }
-    EXPECT_FALSE(box->checkLimits(nullptr, &dy));
+    EXPECT_FALSE(box->checkLimits(nullptr, &move.second));
     EXPECT_EQ("   [!] Invalid params @ PVBOX::checkLimits\n", logged());
 }
 
@@ -133,14 +122,9 @@ TEST_F(Box, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
     auto quads = [](int count) {
         return "glDrawElements(GL_TRIANGLES," + std::to_string(count * 6) + ",GL_UNSIGNED_SHORT)";
     };
-    struct Case {
-        const char* what;
-        std::function<void()> set;
-        Calls draws;
-    };
     // The rings of each border piece are one shape while they do not meet;
     // then the pieces are drawn ring by ring.
-    const Case cases[] = {
+    const std::tuple<const char*, std::function<void()>, Calls> cases[] = {
         {"opaque", [] {}, {quads(9)}},
         {"transparent", [&] { box->setColor(0.5f, 0.25f, 0.75f, 0.5f); }, {quads(9)}},
         {"no border", [&] { box->setThickness(0); }, {fillStrip}},
@@ -149,18 +133,18 @@ TEST_F(Box, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
         {"20 rings that meet", [&] { box->setThickness(20); }, {quads(129), quads(32)}},
         {"additive blending", [] { glBlendFunc(GL_SRC_ALPHA, GL_ONE); }, {fillStrip, quads(8)}},
     };
-    for (const Case& c : cases) {
+    for (const auto& [what, set, draws] : cases) {
         box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
         box->setThickness(3);
         box->setTexture(nullptr);
-        c.set();
+        set();
         PEVRANO::begin2D();
         box->pass(false);
         record([&] { box->render(PVELEMENT::getPassedElement(0)); });
         PEVRANO::end2D();
-        EXPECT_EQ(c.draws, recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements"}))
-            << c.what;
-        EXPECT_LE(recorder.countCall("glEnable(GL_BLEND)"), 1u) << c.what;
+        EXPECT_EQ(draws, recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements"}))
+            << what;
+        EXPECT_LE(recorder.countCall("glEnable(GL_BLEND)"), 1u) << what;
     }
 }
 
@@ -184,42 +168,38 @@ TEST_F(Box, EveryBorderPixelIsThatOfTheQuadsRingByRing)
                                   {w - i, i, w - i - 1, i + 1, 1.0, 1.0},
                                   {w - i, h - i, w - i - 1, h - i - 1, 0.4, 1.6}};
     };
-    struct Case {
-        int x, y, w, h, thickness;
-        bool pressed;
-    };
-    const Case cases[] = {{2, 2, 40, 30, 3, false},   {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
-                          {120, 2, 9, 9, 4, false},   {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
-                          {110, 40, 20, 50, 10, true}};
+    const std::tuple<int, int, int, int, int, bool> cases[] = {
+        {2, 2, 40, 30, 3, false},   {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
+        {120, 2, 9, 9, 4, false},   {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
+        {110, 40, 20, 50, 10, true}};
     const Rgb base {0.3, 0.6, 0.7};
     PVNODE* root = new PVNODE();
-    for (const Case& c : cases) {
-        PVBOX* box = placed(float(c.x), float(c.y), c.w, c.h, root);
-        box->setThickness(unsigned(c.thickness));
+    for (const auto& [atX, atY, w, h, rings, pressed] : cases) {
+        PVBOX* box = placed(float(atX), float(atY), w, h, root);
+        box->setThickness(unsigned(rings));
         box->setColor(float(base.r), float(base.g), float(base.b), 1.0f);
-        box->setClickedStatus(c.pressed);
+        box->setClickedStatus(pressed);
     }
     drawFrame2D(root);
-    for (const Case& c : cases) {
-        const double shade = c.pressed ? 0.9 : 1.0;
-        std::vector<Rgb> expected(size_t(c.w * c.h), Rgb {base.r * shade, base.g * shade, base.b * shade});
-        for (int i = 0; i < c.thickness; i++)
-            for (const Quad& q : ringQuads(i, c.w, c.h)) {
-                const double f = c.pressed ? q.pressed : q.released;
+    for (const auto& [atX, atY, w, h, rings, pressed] : cases) {
+        const double shade = pressed ? 0.9 : 1.0;
+        std::vector<Rgb> expected(size_t(w * h), Rgb {base.r * shade, base.g * shade, base.b * shade});
+        for (int i = 0; i < rings; i++)
+            for (const Quad& q : ringQuads(i, w, h)) {
+                const double f = pressed ? q.pressed : q.released;
                 const Rgb over {std::min(1.0, base.r * f), std::min(1.0, base.g * f),
                                 std::min(1.0, base.b * f)};
                 for (int y = std::min(q.top, q.bottom); y < std::max(q.top, q.bottom); y++)
                     for (int x = std::min(q.left, q.right); x < std::max(q.left, q.right); x++) {
-                        Rgb& pixel = expected[size_t(y * c.w + x)];
+                        Rgb& pixel = expected[size_t(y * w + x)];
                         pixel = {(over.r + pixel.r) / 2, (over.g + pixel.g) / 2, (over.b + pixel.b) / 2};
                     }
             }
         int wrong = 0;
-        for (int y = 0; y < c.h; y++)
-            for (int x = 0; x < c.w; x++)
-                wrong += !colourNear(expected[size_t(y * c.w + x)], screen(c.x + x, c.y + y));
-        EXPECT_EQ(0, wrong) << c.w << " x " << c.h << ", " << c.thickness << " rings at " << c.x << ", "
-                            << c.y;
+        for (int y = 0; y < h; y++)
+            for (int x = 0; x < w; x++)
+                wrong += !colourNear(expected[size_t(y * w + x)], screen(atX + x, atY + y));
+        EXPECT_EQ(0, wrong) << w << " x " << h << ", " << rings << " rings at " << atX << ", " << atY;
     }
 }
 

@@ -2,6 +2,7 @@
 // message, the registry, the glyph batches as GL calls and text as pixels.
 #include <cstdio>
 #include <functional>
+#include <tuple>
 
 #include "gui/guifixture.h"
 #include "gui/pvtextcache.h"
@@ -26,17 +27,13 @@ protected:
 
 TEST_F(Font, StringLengthAddsAdvancesAndHorizontalEscapes)
 {
-    struct Case {
-        const char* text;
-        unsigned int width;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, unsigned int> cases[] = {
         {"", 0},         {"abc", 48},      {"iW i", 38},    {"^c1234ab", 32}, {"^C1234ab", 32},
         {"^x0010a", 26}, {"^X-010ab", 22}, {"^y0020a", 16}, {"a^", 16},       {"a^c12", 16},
         {"a^x001", 16},  {"a^zb", 64},     {"a\nb", 48},    {"\x01", 16},     {"\xff", 16},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.width, font.stringLength(c.text)) << '"' << c.text << '"';
+    for (const auto& [text, width] : cases)
+        EXPECT_EQ(width, font.stringLength(text)) << '"' << text << '"';
 }
 
 // The blank becomes the break; with no blank a break goes in before the
@@ -46,20 +43,14 @@ TEST_F(Font, StringLengthAddsAdvancesAndHorizontalEscapes)
 // keeps the blank's advance.
 TEST_F(Font, FormatBreaksAtBlanksOrInsideWordsThatDoNotFit)
 {
-    struct Case {
-        const char* in;
-        unsigned int width;
-        const char* out;
-        int height;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, unsigned int, const char*, int> cases[] = {
         {"ab cd", 40, "ab\ncd", 16},    {"abcd", 40, "ab\ncd", 16},         {"abcd", 64, "abcd", 0},
         {"a\nbcd", 40, "a\nbc\nd", 48}, {"^x0020ab", 40, "^x0020a\nb", 16}, {"^y0005a", 40, "^y0005a", 5},
         {"^zab", 40, "^z\nab", 16},     {"i i i i", 20, "i\ni\ni\n i", 48}};
-    for (const Case& c : cases) {
+    for (const auto& [in, width, broken, height] : cases) {
         char out[64];
-        EXPECT_EQ(c.height, font.format(c.in, out, c.width, 0)) << '"' << c.in << '"';
-        EXPECT_STREQ(c.out, out) << '"' << c.in << '"';
+        EXPECT_EQ(height, font.format(in, out, width, 0)) << '"' << in << '"';
+        EXPECT_STREQ(broken, out) << '"' << in << '"';
     }
 }
 
@@ -72,41 +63,34 @@ TEST_F(Font, KerningFilesSetTheKeysTheyHold)
     PVFONT::setPath(PEVRANO_TEST_DATA "/fonts/");
     EXPECT_TRUE(loaded.loadKerning("sans.txt"));
     PVFONT::setPath(nullptr);
-    struct Case {
-        char c;
-        char kerning;
-    };
     // Keys are found inside longer ones, first line first: 'S' reads the
     // blank's line, 'D' and 'E' the named keys' lines, as numbers 0.
-    const Case cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},
-                          {'=', 6}, {'D', 0},  {'E', 0},  {'~', 127}, {'x', 7}};
-    for (const Case& c : cases)
-        EXPECT_EQ(c.kerning, loaded.getKerning(c.c)) << c.c;
+    const std::tuple<char, char> cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},
+                                            {'=', 6}, {'D', 0},  {'E', 0},  {'~', 127}, {'x', 7}};
+    for (const auto& [c, kerning] : cases)
+        EXPECT_EQ(kerning, loaded.getKerning(c)) << c;
     EXPECT_EQ("", logged());
 }
 
 TEST_F(Font, EveryMessage)
 {
-    struct Case {
-        std::function<bool()> call;
-        std::string line;
-    };
     char out[8];
     const std::string invalid = "   [!] Invalid params @ PVFONT::";
-    const Case cases[] = {{[&] { return font.setTexture(nullptr); }, invalid + "setTexture\n"},
-                          {[&] { return font.setKerning(char(128), 1); }, invalid + "setKerning\n"},
-                          {[&] { return font.setKerning(31, 1); }, invalid + "setKerning\n"},
-                          {[&] { return font.loadKerning(nullptr); }, invalid + "loadKerning\n"},
-                          {[&] { return font.loadKerning("absent.txt"); },
-                           "   [!] File not found (absent.txt) @ PVFONT::loadKerning\n"},
-                          {[&] { return font.putString(0, 0, nullptr); }, invalid + "putString\n"},
-                          {[&] { return font.stringLength(nullptr) != 0; }, invalid + "stringLength\n"},
-                          {[&] { return font.format(nullptr, out, 10, 0) != 0; }, invalid + "format\n"},
-                          {[&] { return font.format("a", nullptr, 10, 0) != 0; }, invalid + "format\n"},
-                          {[&] { return font.putString(0, 0, "no texture"); }, ""}};
-    for (const Case& c : cases) {
-        EXPECT_FALSE(c.call()) << c.line;
-        EXPECT_EQ(c.line, logged());
+    const std::tuple<std::function<bool()>, std::string> cases[] = {
+        {[&] { return font.setTexture(nullptr); }, invalid + "setTexture\n"},
+        {[&] { return font.setKerning(char(128), 1); }, invalid + "setKerning\n"},
+        {[&] { return font.setKerning(31, 1); }, invalid + "setKerning\n"},
+        {[&] { return font.loadKerning(nullptr); }, invalid + "loadKerning\n"},
+        {[&] { return font.loadKerning("absent.txt"); },
+         "   [!] File not found (absent.txt) @ PVFONT::loadKerning\n"},
+        {[&] { return font.putString(0, 0, nullptr); }, invalid + "putString\n"},
+        {[&] { return font.stringLength(nullptr) != 0; }, invalid + "stringLength\n"},
+        {[&] { return font.format(nullptr, out, 10, 0) != 0; }, invalid + "format\n"},
+        {[&] { return font.format("a", nullptr, 10, 0) != 0; }, invalid + "format\n"},
+        {[&] { return font.putString(0, 0, "no texture"); }, ""}};
+    for (const auto& [call, line] : cases) {
+        EXPECT_FALSE(call()) << line;
+        EXPECT_EQ(line, logged());
     }
     EXPECT_TRUE(font.setKerning(127, -3));
     EXPECT_EQ(-3, font.getKerning(127));
@@ -149,14 +133,8 @@ TEST_F(FontDrawing, StringsAreOneDrawAndUploadedOnlyWhenNew)
 {
     const std::string eleven(1100, 'a');
     const std::string arraysDraw = "glDrawElements(GL_TRIANGLES,";
-    struct Case {
-        const char* what;
-        std::function<bool()> draw;
-        Calls draws;
-        size_t uploads;
-    };
     const Calls cached = {"glDrawArrays(GL_TRIANGLES,0,30)"};
-    const Case cases[] = {
+    const std::tuple<const char*, std::function<bool()>, Calls, size_t> cases[] = {
         {"a new string", [&] { return font->putString(3, 4, "%s=%d", "Hi", 42); }, cached, 1},
         {"the same again", [&] { return font->putString(3, 4, "Hi=42"); }, cached, 0},
         {"the same elsewhere", [&] { return font->putString(3, 5, "Hi=42"); }, cached, 1},
@@ -171,15 +149,15 @@ TEST_F(FontDrawing, StringsAreOneDrawAndUploadedOnlyWhenNew)
          {"glDrawArrays(GL_TRIANGLES,0,6)"},
          0},
     };
-    for (const Case& c : cases) {
-        record([&] { EXPECT_TRUE(c.draw()) << c.what; });
-        EXPECT_EQ(c.draws,
+    for (const auto& [what, draw, draws, uploads] : cases) {
+        record([&] { EXPECT_TRUE(draw()) << what; });
+        EXPECT_EQ(draws,
                   recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements", "glFinish"}))
-            << c.what;
-        EXPECT_EQ(c.uploads, recorder.count("glBufferData")) << c.what;
+            << what;
+        EXPECT_EQ(uploads, recorder.count("glBufferData")) << what;
         const Calls binds = recorder.filter("glBindBuffer");
         EXPECT_TRUE(binds.empty() || binds.back() == "glBindBuffer(GL_ARRAY_BUFFER,0)") << recorder.text();
-        EXPECT_EQ(0u, PVFONT::getCachedGlyphs()) << c.what;
+        EXPECT_EQ(0u, PVFONT::getCachedGlyphs()) << what;
     }
 }
 

@@ -1,5 +1,7 @@
 // Buttons, labels, text fields, scroll bars and windows: captions that fit or
 // are replaced, every message, keys, slider values, scrolling and clipping.
+#include <tuple>
+
 #include "gui/guifixture.h"
 
 using namespace pvtest;
@@ -38,24 +40,20 @@ std::string glyphDraw(int glyphs)
 // nothing, whatever a user typed into a text field.
 TEST_F(Widgets, CaptionsDrawWhatFitsAndIgnoreConversions)
 {
-    struct Case {
-        int width;
-        const char* caption;
-        int glyphs;
-    };
-    const Case cases[] = {{48, "ab", 2},    {48, "abc", 0},         {100, "abcdefg", 5},      {100, "", 0},
-                          {200, "50%%", 3}, {200, "%s%s%s%n%n", 0}, {200, "a%-08.3lld b", 3}, {200, "x%", 1},
-                          {200, "%*.*s", 0}};
-    for (const Case& c : cases) {
+    const std::tuple<int, const char*, int> cases[] = {
+        {48, "ab", 2},    {48, "abc", 0},         {100, "abcdefg", 5},      {100, "", 0},
+        {200, "50%%", 3}, {200, "%s%s%s%n%n", 0}, {200, "a%-08.3lld b", 3}, {200, "x%", 1},
+        {200, "%*.*s", 0}};
+    for (const auto& [width, caption, glyphs] : cases) {
         PVBUTTON* button = new PVBUTTON();
         button->setFont(font);
-        button->setSizeX(c.width);
+        button->setSizeX(width);
         button->setThickness(0);  // the box alone is a strip
-        button->setCaption(c.caption);
+        button->setCaption(caption);
         Calls draws = {"glDrawArrays(GL_TRIANGLE_STRIP,0,4)"};  // the box
-        if (c.glyphs)
-            draws.push_back(glyphDraw(c.glyphs));
-        EXPECT_EQ(draws, arrayDraws(button)) << c.caption;
+        if (glyphs)
+            draws.push_back(glyphDraw(glyphs));
+        EXPECT_EQ(draws, arrayDraws(button)) << caption;
         delete button;
     }
 }
@@ -112,25 +110,21 @@ TEST_F(Widgets, TextFieldsTakeKeysWhileTheyFit)
     EXPECT_FALSE(field.manageKey('a'));
     field.setFont(font);
     field.clear();
-    struct Case {
-        char key;
-        const char* caption;
-        PV_TEXTFIELD_KEY outcome;
-    };
     // Nothing to erase at first. The test adds the key's kerning, not its
     // advance: a fourth glyph still goes in when three fill the room; a
     // negative kerning wraps the unsigned sum.
     font->setKerning('z', -20);
-    const Case cases[] = {{'\b', "", none},          {'a', "a", inserted},
-                          {'b', "ab", inserted},     {'c', "abc", inserted},
-                          {'d', "abcd", inserted},   {'e', "abcd", full},
-                          {'\b', "abc", erased},     {0, "abc", none},
-                          {'\t', "abc", undrawable}, {'\xc8', "abc", undrawable},
-                          {'z', "abcz", inserted}};
-    for (const Case& c : cases) {
-        EXPECT_TRUE(field.manageKey(c.key)) << int(c.key);
-        EXPECT_STREQ(c.caption, field.getCaption()) << int(c.key);
-        EXPECT_EQ(c.outcome, field.getLastKey()) << int(c.key);
+    const std::tuple<char, const char*, PV_TEXTFIELD_KEY> cases[] = {
+        {'\b', "", none},          {'a', "a", inserted},
+        {'b', "ab", inserted},     {'c', "abc", inserted},
+        {'d', "abcd", inserted},   {'e', "abcd", full},
+        {'\b', "abc", erased},     {0, "abc", none},
+        {'\t', "abc", undrawable}, {'\xc8', "abc", undrawable},
+        {'z', "abcz", inserted}};
+    for (const auto& [key, caption, outcome] : cases) {
+        EXPECT_TRUE(field.manageKey(key)) << int(key);
+        EXPECT_STREQ(caption, field.getCaption()) << int(key);
+        EXPECT_EQ(outcome, field.getLastKey()) << int(key);
     }
     EXPECT_TRUE(field.isEditing());
 }
@@ -145,19 +139,15 @@ TEST_F(Widgets, TypedCharactersGoInOnlyWhenTheyCanBeDrawnAndShown)
     EXPECT_EQ(PV_TEXTFIELD_KEY_NO_FONT, field.typeCharacter('a'));
     field.setFont(font);
     field.clear();
-    struct Case {
-        unsigned int code;
-        const char* caption;
-        PV_TEXTFIELD_KEY outcome;
-    };
     // 0xE9 (e acute) is not 'i' nor 0x141 (L stroke) 'A'; 'c' would leave the
     // caret at 64, not below it.
-    const Case cases[] = {{'a', "a", inserted},  {0xE9, "a", undrawable}, {0x141, "a", undrawable},
-                          {13, "a", undrawable}, {'b', "ab", inserted},   {'c', "ab", full},
-                          {0, "ab", none},       {8, "a", erased},        {127, "a\x7f", inserted}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.outcome, field.typeCharacter(c.code)) << c.code;
-        EXPECT_STREQ(c.caption, field.getCaption()) << c.code;
+    const std::tuple<unsigned int, const char*, PV_TEXTFIELD_KEY> cases[] = {
+        {'a', "a", inserted},  {0xE9, "a", undrawable}, {0x141, "a", undrawable},
+        {13, "a", undrawable}, {'b', "ab", inserted},   {'c', "ab", full},
+        {0, "ab", none},       {8, "a", erased},        {127, "a\x7f", inserted}};
+    for (const auto& [code, caption, outcome] : cases) {
+        EXPECT_EQ(outcome, field.typeCharacter(code)) << code;
+        EXPECT_STREQ(caption, field.getCaption()) << code;
     }
 }
 

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "assets/tgafile.h"
 #include "gui/guifixture.h"
@@ -77,27 +78,22 @@ TEST_F(XmlLoader, BuildsTheWholeTreeAndLogsEachWidget)
 
 TEST_F(XmlLoader, RefusedFilesLogWhyAndGiveNull)
 {
-    struct Case {
-        const char* what;
-        std::string contents;  // empty: no file at all
-        std::string log;
-    };
     const std::string unable = "   [!] Unable to open file menu.xml @ PEVRANO::loadXML\n";
     const std::string noRoot = "\n   Loading XML file 'menu.xml'...\n"
                                "   [!] Root not found in file menu.xml @ PEVRANO::loadXML\n";
-    const Case cases[] = {
+    // Each case: what, the file (empty: no file at all), the log.
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"no file", "", unable},
         {"not well formed", "<root><window></root>", unable},
         {"declaration hiding markup", "<?xml version=\"1<\"?><root/>", unable},
         {"other document element", "<menu><window/></menu>", noRoot},
-        {"root in another case", "<Root/>", noRoot},
-    };
-    for (const Case& c : cases) {
+        {"root in another case", "<Root/>", noRoot}};
+    for (const auto& [what, contents, expected] : cases) {
         std::remove("menu.xml");
-        if (!c.contents.empty())
-            writeFile("menu.xml", c.contents);
-        EXPECT_EQ(nullptr, PEVRANO::loadXML("menu.xml")) << c.what;
-        EXPECT_EQ(c.log, logged()) << c.what;
+        if (!contents.empty())
+            writeFile("menu.xml", contents);
+        EXPECT_EQ(nullptr, PEVRANO::loadXML("menu.xml")) << what;
+        EXPECT_EQ(expected, logged()) << what;
     }
 }
 
