@@ -9,6 +9,7 @@
 #include <GLES/gl.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <pevrano.h>
@@ -77,15 +78,12 @@ protected:
     // The colour at (x, y), y counted from the top of the window.
     static Rgb screen(int x, int y) { return pixelAt(x, windowHeight - 1 - y); }
 
-    // Pixels at (x, y from the top) and the colours expected there.
-    struct Probe {
-        int x, y;
-        double r, g, b;
-    };
+    // Pixels at (x, y from the top) and the colours (r, g, b) expected there.
+    using Probe = std::tuple<int, int, double, double, double>;
     static void expectPixels(const std::vector<Probe>& probes)
     {
-        for (const Probe& p : probes)
-            expectColour({p.r, p.g, p.b}, screen(p.x, p.y), std::to_string(p.x) + ", " + std::to_string(p.y));
+        for (const auto& [x, y, r, g, b] : probes)
+            expectColour({r, g, b}, screen(x, y), std::to_string(x) + ", " + std::to_string(y));
     }
 };
 

@@ -12,10 +12,7 @@ namespace {
 
 class Box : public GuiTest {};
 
-std::vector<float> cornersOf(const PVBOXCOORD& coords)
-{
-    return std::vector<float>(coords.coord, coords.coord + 8);
-}
+std::vector<float> cornersOf(const PVBOXCOORD& c) { return std::vector<float>(c.coord, c.coord + 8); }
 
 TEST_F(Box, CornerCoordinatesFollowTheImageRowOrder)
 {

@@ -29,10 +29,7 @@ const PV_TEXTFIELD_KEY none = PV_TEXTFIELD_KEY_NONE, inserted = PV_TEXTFIELD_KEY
                        erased = PV_TEXTFIELD_KEY_ERASED, full = PV_TEXTFIELD_KEY_FULL,
                        undrawable = PV_TEXTFIELD_KEY_NOT_DRAWABLE;
 
-std::string glyphDraw(int glyphs)
-{
-    return "glDrawArrays(GL_TRIANGLES,0," + std::to_string(glyphs * 6) + ")";
-}
+std::string glyphDraw(int n) { return "glDrawArrays(GL_TRIANGLES,0," + std::to_string(n * 6) + ")"; }
 
 // A caption that does not fit is replaced by "[...]" ("ab" is 32 pixels,
 // "abc" exactly as wide as a 48-pixel button, "[...]" wider still); captions

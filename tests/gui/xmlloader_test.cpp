@@ -1,8 +1,7 @@
 // Interfaces from XML files: the widget tree built, the log of the load line
 // by line, refused files, and the properties that fall through to the
 // enclosing node.
-#include <fstream>
-#include <sstream>
+#include <cstdio>
 #include <string>
 #include <tuple>
 
