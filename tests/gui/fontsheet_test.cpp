@@ -104,8 +104,8 @@ TEST_F(MadeFont, TrimmedGlyphsLightThePixelsOfWholeCells)
     font->getTexture()->setFilter(false, false, false);  // as the interface file reads a font
     PVTEXTURE* copy = new PVTEXTURE();
     copy->setFilter(false, false, false);
-    ASSERT_TRUE(copy->create(256, 256, 4));
-    ASSERT_TRUE(copy->modify(reinterpret_cast<const char*>(font->getTexture()->getBitmap()), false));
+    ASSERT_TRUE(copy->create(256, 256, 4) &&
+                copy->modify(reinterpret_cast<const char*>(font->getTexture()->getBitmap()), false));
     PVFONT* whole = new PVFONT();
     whole->setTexture(copy);
     ASSERT_TRUE(whole->loadKerning("dejavu.txt"));

@@ -86,9 +86,7 @@ TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
     PVWINDOW* window = new PVWINDOW();  // title bar from y 0 to 19
     window->setCaption("Tools");
     window->link(root);
-    PVWINDOW* front = new PVWINDOW();
-    front->setPosition(100, 19);
-    front->link(root);
+    PVWINDOW* front = placed<PVWINDOW>(100, 19, 128, 128, root);
     EXPECT_EQ(0u, send(50, 10, true));
     EXPECT_GT(window->getForemostTimeStamp(), front->getForemostTimeStamp());  // pressing raised it
     EXPECT_EQ(0u, send(50, 10, false));

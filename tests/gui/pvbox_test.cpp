@@ -38,9 +38,8 @@ TEST_F(Box, HitTestsIncludeTheEdgesAndStayInsideTheWindow)
 {
     PVWINDOW* window = new PVWINDOW();  // 128 x 128 at (0, 19), title bar above
     window->setPosition(10, 40);
-    PVBUTTON* inside = new PVBUTTON();
-    inside->setPosition(100, 100);  // reaches 164, past the window's right side at 138
-    inside->link(window);
+    // Reaching 164, past the window's right side at 138.
+    PVBUTTON* inside = placed<PVBUTTON>(100, 100, 64, 64, window);
     PVBOX* loose = placed(5, 6, 10, 20);
     PVBUTTON* title = window->getTitleBar();
 
@@ -85,10 +84,8 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
 TEST_F(Box, RaisingABoxDrawsTwoStampsPerChild)
 {
     PVBOX* parent = new PVBOX();
-    PVBOX* first = new PVBOX();
-    PVBOX* second = new PVBOX();
-    first->link(parent);
-    second->link(parent);
+    PVBOX* first = placed(0, 0, 64, 64, parent);
+    PVBOX* second = placed(0, 0, 64, 64, parent);
     EXPECT_TRUE(parent->setForemost(0));
     const long base = parent->getForemostTimeStamp();
     EXPECT_EQ(base + 2, first->getForemostTimeStamp());
@@ -101,10 +98,8 @@ TEST_F(Box, TextureReferencesFollowTheBox)
     PVTEXTURE* a = new PVTEXTURE();
     PVTEXTURE* b = new PVTEXTURE();
     PVBOX box;
-    EXPECT_TRUE(box.setTexture(a));
-    EXPECT_TRUE(box.setTexture(b));
-    EXPECT_EQ(0, a->getReferences());
-    EXPECT_EQ(1, b->getReferences());
+    EXPECT_TRUE(box.setTexture(a) && box.setTexture(b));
+    EXPECT_EQ(std::make_pair(0, 1), std::make_pair(a->getReferences(), b->getReferences()));
     EXPECT_TRUE(box.setTexture(nullptr));
     EXPECT_EQ(0, b->getReferences());
 }

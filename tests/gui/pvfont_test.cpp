@@ -62,7 +62,6 @@ TEST_F(Font, KerningFilesSetTheKeysTheyHold)
     loaded.setKerning('D', 1);
     PVFONT::setPath(PEVRANO_TEST_DATA "/fonts/");
     EXPECT_TRUE(loaded.loadKerning("sans.txt"));
-    PVFONT::setPath(nullptr);
     // Keys are found inside longer ones, first line first: 'S' reads the
     // blank's line, 'D' and 'E' the named keys' lines, as numbers 0.
     const std::tuple<char, char> cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},

@@ -201,7 +201,7 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
     EXPECT_FALSE(down->getCursor()->getDisplayStatus());
 }
 
-TEST_F(Widgets, WindowTextStopsShortOfItsBuffer)
+TEST_F(Widgets, WindowTextStopsShortOfItsBufferAndRestoredTitlesLoseTheirMark)
 {
     PVWINDOW window;
     const std::string most(3967, 'w');
@@ -220,13 +220,9 @@ TEST_F(Widgets, WindowTextStopsShortOfItsBuffer)
     window.write(" ab cd");
     EXPECT_TRUE(window.format());
     EXPECT_STREQ("50%\nab cd", window.getFormattedText());
-}
 
-// Minimising marks the title (the input tests press it); restoring drops
-// four characters only from captions that have them.
-TEST_F(Widgets, RestoringDropsTheMarkOnlyFromLongEnoughTitles)
-{
-    PVWINDOW window;
+    // Minimising marks the title (the input tests press it); restoring drops
+    // four characters only from captions that have them.
     window.setCaption("");
     EXPECT_FALSE(window.minmaximize());
     EXPECT_STREQ("[+] ", window.getTitleBar()->getCaption());
@@ -241,9 +237,7 @@ TEST_F(Widgets, RestoringDropsTheMarkOnlyFromLongEnoughTitles)
 TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
 {
     PVWINDOW* window = new PVWINDOW();  // 128 x 128 at (0, 19)
-    PVBUTTON* button = new PVBUTTON();
-    button->setPosition(10, 40);  // 64 high: reaches 104
-    button->link(window);
+    PVBUTTON* button = placed<PVBUTTON>(10, 40, 64, 64, window);  // reaches 104
     EXPECT_TRUE(window->updateScroll());
     EXPECT_FALSE(window->getScrollBar()->getDisplayStatus());
     EXPECT_EQ(104, window->getContentHeight());
