@@ -176,8 +176,9 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
             EXPECT_NEAR(got[i], bar->getValue(), 1e-4) << bar->getType() << " set to " << set[i];
         }
     }
-    // At the top end the cursor's centre is on the track's end.
-    across->setValue(20);
+    // At the top end (99 is clamped to it) the cursor's centre is on the
+    // track's end.
+    across->setValue(99);
     EXPECT_EQ(64 - 8, across->getCursor()->getPosition().x);
     down->setValue(15);
     EXPECT_EQ(32 - 8, down->getCursor()->getPosition().y);
