@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 namespace {
 
@@ -31,29 +32,24 @@ Window listeningWindow(Display* display, Window window, long mask)
     return found;
 }
 
-struct Step {
-    int type;
-    long mask;
-};
-
-// Sends the events of steps to window at (x, y). Key, button and motion
-// events share the fields set here; detail is the key code or the button.
-void send(Display* display, Window window, std::initializer_list<Step> steps, int x, int y,
+// Sends events of each type (with its mask) to window at (x, y). Key, button
+// and motion events share the fields set here; detail is the key code or the
+// button.
+void send(Display* display, Window window, std::initializer_list<std::pair<int, long>> steps, int x, int y,
           unsigned int detail)
 {
-    for (const Step& step : steps) {
-        XEvent event;
-        std::memset(&event, 0, sizeof event);
+    for (const auto& [type, mask] : steps) {
+        XEvent event {};
         XButtonEvent& common = event.xbutton;
-        common.type = step.type;
+        common.type = type;
         common.display = display;
         common.window = window;
         common.root = DefaultRootWindow(display);
         common.same_screen = True;
         common.x = x;
         common.y = y;
-        common.button = step.type == MotionNotify ? 0 : detail;
-        XSendEvent(display, window, True, step.mask, &event);
+        common.button = type == MotionNotify ? 0 : detail;
+        XSendEvent(display, window, True, mask, &event);
         XFlush(display);
     }
 }

@@ -8,8 +8,8 @@
 
 #include <GLES/gl.h>
 
-#include <algorithm>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <pevrano.h>
@@ -17,17 +17,6 @@
 #include "scene/scenefixture.h"
 
 namespace pvtest {
-
-// The pixel tests' window, turned a quarter (landscape).
-inline bool startEngineInLandscape()
-{
-    PVSETTINGS settings;
-    settings.setWindowX(windowWidth);
-    settings.setWindowY(windowHeight);
-    settings.setFullScreen(false);
-    settings.setLandscape(true);
-    return PEVRANO::init(&settings);
-}
 
 class GuiTest : public RecordingTest {
 protected:
@@ -62,10 +51,21 @@ protected:
     static PVTEXTURE* solidSheet()
     {
         PVTEXTURE* sheet = new PVTEXTURE();
-        std::vector<char> white(256 * 256 * 4, char(0xFF));
-        EXPECT_TRUE(sheet->create(256, 256, 4));
-        EXPECT_TRUE(sheet->modify(white.data(), false));
+        const std::vector<char> white(256 * 256 * 4, char(0xFF));
+        EXPECT_TRUE(sheet->create(256, 256, 4) && sheet->modify(white.data(), false));
         return sheet;
+    }
+
+    // A new widget at (x, y), w x h, linked under parent when one is given.
+    template <typename Widget = PVBOX>
+    static Widget* placed(float x, float y, int w, int h, PVNODE* parent = nullptr)
+    {
+        Widget* widget = new Widget();
+        widget->setPosition(x, y);
+        widget->setSizes(w, h);
+        if (parent)
+            widget->link(parent);
+        return widget;
     }
 
     static PVFONT* solidFont()
@@ -78,15 +78,26 @@ protected:
     // The colour at (x, y), y counted from the top of the window.
     static Rgb screen(int x, int y) { return pixelAt(x, windowHeight - 1 - y); }
 
-    // Channels clamped to 1 as GL clamps vertex colours.
-    static Rgb clamped(double r, double g, double b)
+    // Pixels at (x, y from the top) and the colours (r, g, b) expected there.
+    using Probe = std::tuple<int, int, double, double, double>;
+    static void expectPixels(const std::vector<Probe>& probes)
     {
-        return {std::min(1.0, r), std::min(1.0, g), std::min(1.0, b)};
+        for (const auto& [x, y, r, g, b] : probes)
+            expectColour({r, g, b}, screen(x, y), std::to_string(x) + ", " + std::to_string(y));
     }
-    // Half of each colour, as the border quads blend over the fill.
-    static Rgb halfAndHalf(Rgb over, Rgb under)
+};
+
+// The same cases with the window turned a quarter (landscape).
+template <typename Base> class Landscape : public Base {
+protected:
+    bool startEngine() override
     {
-        return {(over.r + under.r) / 2, (over.g + under.g) / 2, (over.b + under.b) / 2};
+        PVSETTINGS settings;
+        settings.setWindowX(windowWidth);
+        settings.setWindowY(windowHeight);
+        settings.setFullScreen(false);
+        settings.setLandscape(true);
+        return PEVRANO::init(&settings);
     }
 };
 

@@ -1,5 +1,7 @@
 // Pointer and keys scripted through the render list's dispatcher, over the
 // widgets drawn in the last 2D pass.
+#include <tuple>
+
 #include "gui/guifixture.h"
 #include "gui/pvinput.h"
 
@@ -27,75 +29,56 @@ protected:
     }
     PVBUTTON* button(int x, int y, PV_BUTTON_EVENT event)
     {
-        PVBUTTON* made = new PVBUTTON();
-        made->setPosition(float(x), float(y));
-        made->setSizes(20, 10);
+        PVBUTTON* made = placed<PVBUTTON>(float(x), float(y), 20, 10, root);
         made->setEventType(event);
-        made->link(root);
         return made;
     }
     PVBOX* root = nullptr;
     bool over = false;
 };
 
+// Each case presses a new button at (10, 10): pressed, moved within, released
+// inside or elsewhere (90, 90).
 TEST_F(Input, EachEventTypeReportsItsButtonAtItsMoment)
 {
-    struct Step {
-        int x, y;
-        bool down;
-        bool reported, clicked;
-    };
-    struct Case {
-        PV_BUTTON_EVENT event;
-        std::vector<Step> steps;
-    };
-    const Case cases[] = {
-        {PV_BUTTON_ON_RELEASE,
-         {{15, 15, true, false, true}, {16, 16, true, false, true}, {16, 16, false, true, false}}},
-        {PV_BUTTON_ON_RELEASE,
-         {{15, 15, true, false, true}, {90, 90, false, false, false}}},  // released elsewhere
-        {PV_BUTTON_ON_PRESS,
-         {{15, 15, true, true, true}, {15, 15, true, false, true}, {15, 15, false, false, false}}},
-        {PV_BUTTON_TOGGLE,
-         {{15, 15, true, true, true},
-          {15, 15, false, false, true},
-          {15, 15, true, true, false},
-          {15, 15, false, false, false}}},
-    };
-    for (const Case& c : cases) {
-        PVBUTTON* pressed = button(10, 10, c.event);
-        for (size_t i = 0; i < c.steps.size(); i++) {
-            const Step& s = c.steps[i];
-            EXPECT_EQ(s.reported ? pressed->getId() : 0u, send(s.x, s.y, s.down)) << c.event << " step " << i;
-            EXPECT_EQ(s.clicked, pressed->isClicked()) << c.event << " step " << i;
+    const PV_BUTTON_EVENT release = PV_BUTTON_ON_RELEASE, press = PV_BUTTON_ON_PRESS,
+                          toggle = PV_BUTTON_TOGGLE;
+    const std::tuple<PV_BUTTON_EVENT, int, int, bool, bool, bool> steps[] = {
+        {release, 15, 15, 1, 0, 1}, {release, 16, 16, 1, 0, 1}, {release, 16, 16, 0, 1, 0},
+        {press, 15, 15, 1, 1, 1},   {press, 15, 15, 1, 0, 1},   {press, 15, 15, 0, 0, 0},
+        {toggle, 15, 15, 1, 1, 1},  {toggle, 15, 15, 0, 0, 1},  {toggle, 15, 15, 1, 1, 0},
+        {toggle, 15, 15, 0, 0, 0},  {release, 15, 15, 1, 0, 1}, {release, 90, 90, 0, 0, 0}};
+    PVBUTTON* pressed = nullptr;
+    for (const auto& [event, x, y, down, reported, clicked] : steps) {
+        if (!pressed || event != pressed->getEventType()) {
+            if (pressed)
+                pressed->unlink();
+            pressed = button(10, 10, event);
         }
-        pressed->unlink();  // a deleted node stays listed by its parent
-        delete pressed;
+        EXPECT_EQ(reported ? pressed->getId() : 0u, send(x, y, down))
+            << event << " at " << x << (down ? " down" : " up");
+        EXPECT_EQ(clicked, pressed->isClicked()) << event << " at " << x << (down ? " down" : " up");
     }
 }
 
-TEST_F(Input, ThePointerOverAWidgetIsReported)
-{
-    button(10, 10, PV_BUTTON_ON_RELEASE);
-    PVBOX* inert = new PVBOX();  // not hittable
-    inert->link(root);
-    send(30, 20, false);
-    EXPECT_TRUE(over);
-    send(31, 20, false);
-    EXPECT_FALSE(over);
-    EXPECT_TRUE(PVELEMENT::manageGUIEvents(0, 15, 15, 0, 0, nullptr));  // no id wanted
-}
-
+// The pointer over a widget is reported, and the foremost of overlapping
+// widgets wins.
 TEST_F(Input, TheForemostOfOverlappingWidgetsWins)
 {
     PVBUTTON* under = button(10, 10, PV_BUTTON_ON_PRESS);
-    PVBUTTON* over = button(15, 12, PV_BUTTON_ON_PRESS);
-    EXPECT_EQ(over->getId(), send(18, 15, true));
+    PVBUTTON* upper = button(15, 12, PV_BUTTON_ON_PRESS);
+    (new PVBOX())->link(root);  // not hittable, and over everything
+    send(35, 22, false);
+    EXPECT_TRUE(over);
+    send(36, 22, false);
+    EXPECT_FALSE(over);
+    EXPECT_TRUE(PVELEMENT::manageGUIEvents(0, 15, 15, 0, 0, nullptr));  // no id wanted
+    EXPECT_EQ(upper->getId(), send(18, 15, true));
     send(18, 15, false);
     under->setForemost(0);
     EXPECT_EQ(under->getId(), send(18, 15, true));
     send(18, 15, false);
-    EXPECT_EQ(over->getId(), send(34, 21, true));  // only the upper one is there
+    EXPECT_EQ(upper->getId(), send(34, 21, true));  // only the upper one is there
 }
 
 TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
@@ -103,9 +86,7 @@ TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
     PVWINDOW* window = new PVWINDOW();  // title bar from y 0 to 19
     window->setCaption("Tools");
     window->link(root);
-    PVWINDOW* front = new PVWINDOW();
-    front->setPosition(100, 19);
-    front->link(root);
+    PVWINDOW* front = placed<PVWINDOW>(100, 19, 128, 128, root);
     EXPECT_EQ(0u, send(50, 10, true));
     EXPECT_GT(window->getForemostTimeStamp(), front->getForemostTimeStamp());  // pressing raised it
     EXPECT_EQ(0u, send(50, 10, false));
@@ -164,7 +145,7 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     send(5, 5, false, 'h');
     send(90, 90, false, 'i');
     EXPECT_STREQ("hi", first->getCaption());
-    PVBUTTON* other = button(100, 0, PV_BUTTON_ON_RELEASE);
+    button(100, 0, PV_BUTTON_ON_RELEASE);
     send(105, 5, true);
     send(105, 5, false, '!');  // pressing a button keeps the focus
     EXPECT_STREQ("hi!", first->getCaption());
@@ -174,23 +155,27 @@ TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
     EXPECT_STREQ("hi!", first->getCaption());
     EXPECT_STREQ("b", second->getCaption());
     EXPECT_TRUE(second->isEditing());  // every call keeps the caret alive
-    other->unlink();
-    delete other;
 }
 
-class LandscapeInput : public Input {
-protected:
-    bool startEngine() override { return startEngineInLandscape(); }
-};
+using LandscapeInterface = Landscape<Input>;
 
 // The interface is turned a quarter: its x runs up the window from the
-// bottom and its y along the window from the left.
-TEST_F(LandscapeInput, ThePointerAxesAreExchanged)
+// bottom and its y along the window from the left. Windows clip with GL's
+// origin at the bottom left: the scissor of a 50 x 40 window at (10, 20)
+// exchanges its axes, then gives the display back.
+TEST_F(LandscapeInterface, ThePointerAndTheScissorExchangeTheirAxes)
 {
     PVBUTTON* pressed = button(10, 30, PV_BUTTON_ON_PRESS);  // x 10 to 30, y 30 to 40
     EXPECT_EQ(pressed->getId(), send(35, windowHeight - 15, true));
     send(35, windowHeight - 15, false);
     EXPECT_EQ(0u, send(15, windowHeight - 35, true));
+    PVWINDOW* window = placed<PVWINDOW>(10, 20, 50, 40);
+    record([&] {
+        window->enableScissor();
+        window->disableScissor();
+    });
+    EXPECT_EQ((Calls {"glScissor(20,10,40,50)", "glScissor(0,0,120,160)"}), recorder.filter("glScissor"));
+    EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // Boxes: texture corners, hit tests, move limits, foremost stamps, the
 // quad primitive and the bevelled border as GL calls and as pixels.
+#include <algorithm>
 #include <functional>
+#include <tuple>
 
 #include "gui/guifixture.h"
 
@@ -10,10 +12,7 @@ namespace {
 
 class Box : public GuiTest {};
 
-std::vector<float> cornersOf(const PVBOXCOORD& coords)
-{
-    return std::vector<float>(coords.coord, coords.coord + 8);
-}
+std::vector<float> cornersOf(const PVBOXCOORD& c) { return std::vector<float>(c.coord, c.coord + 8); }
 
 TEST_F(Box, CornerCoordinatesFollowTheImageRowOrder)
 {
@@ -24,15 +23,13 @@ TEST_F(Box, CornerCoordinatesFollowTheImageRowOrder)
               cornersOf(PVBOXCOORD(0.5f, 0.25f, false)));
 }
 
-// The vertical bar keeps the horizontal one's name pattern, the label
-// announces itself and a button's caption starts as its name.
+// The vertical bar keeps the horizontal one's name pattern and a button's
+// caption starts as its name.
 TEST_F(Box, WidgetNamesAndFirstCaption)
 {
     PVVSCROLLBAR* bar = new PVVSCROLLBAR();
     EXPECT_EQ(PV_TYPE_VSCROLLBAR, bar->getType());
     EXPECT_EQ("[hscrollbar " + std::to_string(bar->getId()) + "]", std::string(bar->getName()));
-    new PVLABEL();
-    EXPECT_EQ("   PVLABEL() called\n", logged());
     PVBUTTON button;
     EXPECT_STREQ(button.getName(), button.getCaption());
 }
@@ -41,29 +38,18 @@ TEST_F(Box, HitTestsIncludeTheEdgesAndStayInsideTheWindow)
 {
     PVWINDOW* window = new PVWINDOW();  // 128 x 128 at (0, 19), title bar above
     window->setPosition(10, 40);
-    PVBUTTON* inside = new PVBUTTON();
-    inside->setPosition(100, 100);  // reaches 164, past the window's right side at 138
-    inside->link(window);
-    PVBOX* loose = new PVBOX();
-    loose->setPosition(5, 6);
-    loose->setSizes(10, 20);
+    // Reaching 164, past the window's right side at 138.
+    PVBUTTON* inside = placed<PVBUTTON>(100, 100, 64, 64, window);
+    PVBOX* loose = placed(5, 6, 10, 20);
     PVBUTTON* title = window->getTitleBar();
 
-    struct Case {
-        PVBOX* box;
-        int x, y;
-        bool hit;
-    };
-    const Case cases[] = {
-        {loose, 10, 10, false},  // hit tests are off by default on a box
-        {inside, 110, 140, true},  {inside, 137, 140, true}, {inside, 139, 140, false},
-        {title, 10, 21, true},     {title, 138, 40, true},   {title, 139, 40, false},
-        {title, 9, 30, false},     {window, 10, 40, true},   {window, 138, 168, true},
-        {window, 138, 169, false},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.hit, c.box->checkBoundaries(c.x, c.y))
-            << c.box->getName() << " at " << c.x << ", " << c.y;
+    // Hit tests are off by default on a box.
+    const std::tuple<PVBOX*, int, int, bool> cases[] = {
+        {loose, 10, 10, false}, {inside, 110, 140, true}, {inside, 137, 140, true}, {inside, 139, 140, false},
+        {title, 10, 21, true},  {title, 138, 40, true},   {title, 139, 40, false},  {title, 9, 30, false},
+        {window, 10, 40, true}, {window, 138, 168, true}, {window, 138, 169, false}};
+    for (const auto& [box, x, y, hit] : cases)
+        EXPECT_EQ(hit, box->checkBoundaries(x, y)) << box->getName() << " at " << x << ", " << y;
     loose->setCheckStatus(true);
     EXPECT_TRUE(loose->checkBoundaries(15, 26));  // right and bottom edges included
     EXPECT_FALSE(loose->checkBoundaries(16, 26));
@@ -76,48 +62,30 @@ TEST_F(Box, LimitsClampMovesInTheParentsSpace)
 {
     PVBOX parent;
     parent.setPosition(100, 50);
-    PVBOX* box = new PVBOX();
-    box->setPosition(10, 10);
-    box->setSizes(20, 10);
-    box->link(&parent);
-    box->setLimits(0, 0, 100, 40);
-
-    int dx = 5, dy = 5;
-    EXPECT_FALSE(box->checkLimits(&dx, &dy));  // limits off: the move stands
-    EXPECT_EQ(5, dx);
-    box->setLimitStatus(true);
-    struct Case {
-        int dx, dy, wantX, wantY;
-    };
-    const Case cases[] = {
-        {5, 5, 5, 5},
-        {-50, -50, -10, -10},
-        {200, 200, 70, 20},
-        {70, 20, 70, 20},
-    };
-    for (const Case& c : cases) {
-        dx = c.dx;
-        dy = c.dy;
-        EXPECT_TRUE(box->checkLimits(&dx, &dy));
-        EXPECT_EQ(c.wantX, dx) << c.dx;
-        EXPECT_EQ(c.wantY, dy) << c.dy;
+    PVBOX* box = placed(10, 10, 20, 10, &parent);
+    // With limits off the move stands; a limit rectangle narrower than the
+    // box puts it at endX - sizeX.
+    const std::tuple<bool, int, std::pair<int, int>, std::pair<int, int>> cases[] = {
+        {false, 100, {200, 200}, {200, 200}}, {true, 100, {5, 5}, {5, 5}},
+        {true, 100, {-50, -50}, {-10, -10}},  {true, 100, {200, 200}, {70, 20}},
+        {true, 100, {70, 20}, {70, 20}},      {true, 8, {0, 0}, {-22, 0}}};
+    std::pair<int, int> move;
+    for (const auto& [limited, endX, asked, allowed] : cases) {
+        box->setLimitStatus(limited);
+        box->setLimits(0, 0, endX, 40);
+        move = asked;
+        EXPECT_EQ(limited, box->checkLimits(&move.first, &move.second)) << asked.first;
+        EXPECT_EQ(allowed, move) << asked.first;
     }
-    // A limit rectangle narrower than the box puts it at endX - sizeX.
-    box->setLimits(0, 0, 8, 40);
-    dx = dy = 0;
-    EXPECT_TRUE(box->checkLimits(&dx, &dy));
-    EXPECT_EQ(-22, dx);
-    EXPECT_FALSE(box->checkLimits(nullptr, &dy));
+    EXPECT_FALSE(box->checkLimits(nullptr, &move.second));
     EXPECT_EQ("   [!] Invalid params @ PVBOX::checkLimits\n", logged());
 }
 
 TEST_F(Box, RaisingABoxDrawsTwoStampsPerChild)
 {
     PVBOX* parent = new PVBOX();
-    PVBOX* first = new PVBOX();
-    PVBOX* second = new PVBOX();
-    first->link(parent);
-    second->link(parent);
+    PVBOX* first = placed(0, 0, 64, 64, parent);
+    PVBOX* second = placed(0, 0, 64, 64, parent);
     EXPECT_TRUE(parent->setForemost(0));
     const long base = parent->getForemostTimeStamp();
     EXPECT_EQ(base + 2, first->getForemostTimeStamp());
@@ -130,46 +98,25 @@ TEST_F(Box, TextureReferencesFollowTheBox)
     PVTEXTURE* a = new PVTEXTURE();
     PVTEXTURE* b = new PVTEXTURE();
     PVBOX box;
-    EXPECT_TRUE(box.setTexture(a));
-    EXPECT_TRUE(box.setTexture(b));
-    EXPECT_EQ(0, a->getReferences());
-    EXPECT_EQ(1, b->getReferences());
+    EXPECT_TRUE(box.setTexture(a) && box.setTexture(b));
+    EXPECT_EQ(std::make_pair(0, 1), std::make_pair(a->getReferences(), b->getReferences()));
     EXPECT_TRUE(box.setTexture(nullptr));
     EXPECT_EQ(0, b->getReferences());
 }
 
-// A box at (20, 30), 40 x 30, colour c, border 3 pixels wide.
-class BoxPixels : public Box {
-protected:
-    void SetUp() override
-    {
-        ASSERT_NO_FATAL_FAILURE(Box::SetUp());
-        box = new PVBOX();
-        box->setPosition(20, 30);
-        box->setSizes(40, 30);
-        box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
-    }
-    PVBOX* box = nullptr;
-    const Rgb c {0.5, 0.25, 0.75};
-};
-
 // A box is one indexed draw of its fill and border pieces when they share
 // their state; a texture, a shader or a blend function under which an
 // opaque fill would change draws the fill apart first.
-TEST_F(BoxPixels, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
+TEST_F(Box, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
 {
+    PVBOX* box = placed(0, 0, 40, 30);
     const std::string fillStrip = "glDrawArrays(GL_TRIANGLE_STRIP,0,4)";
     auto quads = [](int count) {
         return "glDrawElements(GL_TRIANGLES," + std::to_string(count * 6) + ",GL_UNSIGNED_SHORT)";
     };
-    struct Case {
-        const char* what;
-        std::function<void()> set;
-        Calls draws;
-    };
     // The rings of each border piece are one shape while they do not meet;
     // then the pieces are drawn ring by ring.
-    const Case cases[] = {
+    const std::tuple<const char*, std::function<void()>, Calls> cases[] = {
         {"opaque", [] {}, {quads(9)}},
         {"transparent", [&] { box->setColor(0.5f, 0.25f, 0.75f, 0.5f); }, {quads(9)}},
         {"no border", [&] { box->setThickness(0); }, {fillStrip}},
@@ -178,18 +125,18 @@ TEST_F(BoxPixels, ABoxIsOneDrawUnlessItsFillNeedsOtherState)
         {"20 rings that meet", [&] { box->setThickness(20); }, {quads(129), quads(32)}},
         {"additive blending", [] { glBlendFunc(GL_SRC_ALPHA, GL_ONE); }, {fillStrip, quads(8)}},
     };
-    for (const Case& c : cases) {
+    for (const auto& [what, set, draws] : cases) {
         box->setColor(0.5f, 0.25f, 0.75f, 1.0f);
         box->setThickness(3);
         box->setTexture(nullptr);
-        c.set();
+        set();
         PEVRANO::begin2D();
         box->pass(false);
         record([&] { box->render(PVELEMENT::getPassedElement(0)); });
         PEVRANO::end2D();
-        EXPECT_EQ(c.draws, recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements"}))
-            << c.what;
-        EXPECT_LE(recorder.countCall("glEnable(GL_BLEND)"), 1u) << c.what;
+        EXPECT_EQ(draws, recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements"}))
+            << what;
+        EXPECT_LE(recorder.countCall("glEnable(GL_BLEND)"), 1u) << what;
     }
 }
 
@@ -213,67 +160,39 @@ TEST_F(Box, EveryBorderPixelIsThatOfTheQuadsRingByRing)
                                   {w - i, i, w - i - 1, i + 1, 1.0, 1.0},
                                   {w - i, h - i, w - i - 1, h - i - 1, 0.4, 1.6}};
     };
-    struct Case {
-        int x, y, w, h, thickness;
-        bool pressed;
-    };
-    const Case cases[] = {
-        {2, 2, 40, 30, 3, false},    {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
-        {120, 2, 9, 9, 4, false},    {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
-        {110, 40, 20, 50, 10, true},
-    };
+    const std::tuple<int, int, int, int, int, bool> cases[] = {
+        {2, 2, 40, 30, 3, false},   {50, 2, 40, 30, 3, true}, {100, 2, 12, 10, 4, false},
+        {120, 2, 9, 9, 4, false},   {2, 40, 60, 50, 1, true}, {70, 40, 31, 23, 11, false},
+        {110, 40, 20, 50, 10, true}};
     const Rgb base {0.3, 0.6, 0.7};
     PVNODE* root = new PVNODE();
-    for (const Case& c : cases) {
-        PVBOX* box = new PVBOX();
-        box->setPosition(float(c.x), float(c.y));
-        box->setSizes(c.w, c.h);
-        box->setThickness(unsigned(c.thickness));
+    for (const auto& [atX, atY, w, h, rings, pressed] : cases) {
+        PVBOX* box = placed(float(atX), float(atY), w, h, root);
+        box->setThickness(unsigned(rings));
         box->setColor(float(base.r), float(base.g), float(base.b), 1.0f);
-        box->setClickedStatus(c.pressed);
-        box->link(root);
+        box->setClickedStatus(pressed);
     }
     drawFrame2D(root);
-    for (const Case& c : cases) {
-        const double shade = c.pressed ? 0.9 : 1.0;
-        std::vector<Rgb> expected(size_t(c.w * c.h), Rgb {base.r * shade, base.g * shade, base.b * shade});
-        for (int i = 0; i < c.thickness; i++)
-            for (const Quad& q : ringQuads(i, c.w, c.h)) {
-                const double f = c.pressed ? q.pressed : q.released;
-                const Rgb over = clamped(base.r * f, base.g * f, base.b * f);
+    for (const auto& [atX, atY, w, h, rings, pressed] : cases) {
+        const double shade = pressed ? 0.9 : 1.0;
+        std::vector<Rgb> expected(size_t(w * h), Rgb {base.r * shade, base.g * shade, base.b * shade});
+        for (int i = 0; i < rings; i++)
+            for (const Quad& q : ringQuads(i, w, h)) {
+                const double f = pressed ? q.pressed : q.released;
+                const Rgb over {std::min(1.0, base.r * f), std::min(1.0, base.g * f),
+                                std::min(1.0, base.b * f)};
                 for (int y = std::min(q.top, q.bottom); y < std::max(q.top, q.bottom); y++)
                     for (int x = std::min(q.left, q.right); x < std::max(q.left, q.right); x++) {
-                        Rgb& pixel = expected[size_t(y * c.w + x)];
-                        pixel = halfAndHalf(over, pixel);
+                        Rgb& pixel = expected[size_t(y * w + x)];
+                        pixel = {(over.r + pixel.r) / 2, (over.g + pixel.g) / 2, (over.b + pixel.b) / 2};
                     }
             }
         int wrong = 0;
-        for (int y = 0; y < c.h; y++)
-            for (int x = 0; x < c.w; x++)
-                wrong += !colourNear(expected[size_t(y * c.w + x)], screen(c.x + x, c.y + y));
-        EXPECT_EQ(0, wrong) << c.w << " x " << c.h << ", " << c.thickness << " rings at " << c.x << ", "
-                            << c.y;
+        for (int y = 0; y < h; y++)
+            for (int x = 0; x < w; x++)
+                wrong += !colourNear(expected[size_t(y * w + x)], screen(atX + x, atY + y));
+        EXPECT_EQ(0, wrong) << w << " x " << h << ", " << rings << " rings at " << atX << ", " << atY;
     }
-}
-
-TEST_F(BoxPixels, AWindowClipsTheWidgetsInside)
-{
-    PVWINDOW* window = new PVWINDOW();
-    window->setPosition(10, 30);
-    window->setSizes(60, 40);  // x 10 to 70, y 30 to 70
-    window->setColor(0, 0, 0, 1);
-    window->setThickness(0);
-    window->getScrollBar()->setDisplayStatus(false);
-    box->setThickness(0);
-    box->setPosition(40, 20);  // x 50 to 90, y 50 to 80
-    box->link(window);
-    window->setForemost(0);  // the box was made first: it goes in front again
-    drawFrame2D(window);
-    expectColour(c, screen(50, 50), "box corner: thickness 0 has no border");
-    expectColour(c, screen(55, 55), "inside the window");
-    expectColour(c, screen(69, 69), "window's last pixel");
-    expectColour({0, 0, 0}, screen(70, 55), "right of the window");
-    expectColour({0, 0, 0}, screen(55, 70), "below the window");
 }
 
 }  // namespace

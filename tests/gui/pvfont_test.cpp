@@ -2,6 +2,7 @@
 // message, the registry, the glyph batches as GL calls and text as pixels.
 #include <cstdio>
 #include <functional>
+#include <tuple>
 
 #include "gui/guifixture.h"
 #include "gui/pvtextcache.h"
@@ -26,41 +27,30 @@ protected:
 
 TEST_F(Font, StringLengthAddsAdvancesAndHorizontalEscapes)
 {
-    struct Case {
-        const char* text;
-        unsigned int width;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, unsigned int> cases[] = {
         {"", 0},         {"abc", 48},      {"iW i", 38},    {"^c1234ab", 32}, {"^C1234ab", 32},
         {"^x0010a", 26}, {"^X-010ab", 22}, {"^y0020a", 16}, {"a^", 16},       {"a^c12", 16},
         {"a^x001", 16},  {"a^zb", 64},     {"a\nb", 48},    {"\x01", 16},     {"\xff", 16},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.width, font.stringLength(c.text)) << '"' << c.text << '"';
+    for (const auto& [text, width] : cases)
+        EXPECT_EQ(width, font.stringLength(text)) << '"' << text << '"';
 }
 
+// The blank becomes the break; with no blank a break goes in before the
+// overflow; text exactly as wide as allowed stays whole; a line begun by a
+// newline starts one cell wide; offsets count in the width and vertical ones
+// in the height; "^z" is no escape, '^' a character; the width after a break
+// keeps the blank's advance.
 TEST_F(Font, FormatBreaksAtBlanksOrInsideWordsThatDoNotFit)
 {
-    struct Case {
-        const char* in;
-        unsigned int width;
-        const char* out;
-        int height;
-    };
-    const Case cases[] = {
-        {"ab cd", 40, "ab\ncd", 16},  // the blank becomes the break
-        {"abcd", 40, "ab\ncd", 16},  // no blank: a break goes in before the overflow
-        {"abcd", 64, "abcd", 0},  // exactly as wide as allowed
-        {"a\nbcd", 40, "a\nbc\nd", 48},  // a line begun by a newline starts one cell wide
-        {"^x0020ab", 40, "^x0020a\nb", 16},  // offsets count in the width
-        {"^y0005a", 40, "^y0005a", 5},  // and vertical ones in the height
-        {"^zab", 40, "^z\nab", 16},  // not an escape: '^' is a character
-        {"i i i i", 20, "i\ni\ni\n i", 48},  // the width after a break keeps the blank's advance
-    };
-    for (const Case& c : cases) {
+    const std::tuple<const char*, unsigned int, const char*, int> cases[] = {
+        {"ab cd", 40, "ab\ncd", 16},    {"abcd", 40, "ab\ncd", 16},         {"abcd", 64, "abcd", 0},
+        {"a\nbcd", 40, "a\nbc\nd", 48}, {"^x0020ab", 40, "^x0020a\nb", 16}, {"^y0005a", 40, "^y0005a", 5},
+        {"^zab", 40, "^z\nab", 16},     {"i i i i", 20, "i\ni\ni\n i", 48}};
+    for (const auto& [in, width, broken, height] : cases) {
         char out[64];
-        EXPECT_EQ(c.height, font.format(c.in, out, c.width, 0)) << '"' << c.in << '"';
-        EXPECT_STREQ(c.out, out) << '"' << c.in << '"';
+        EXPECT_EQ(height, font.format(in, out, width, 0)) << '"' << in << '"';
+        EXPECT_STREQ(broken, out) << '"' << in << '"';
     }
 }
 
@@ -72,54 +62,40 @@ TEST_F(Font, KerningFilesSetTheKeysTheyHold)
     loaded.setKerning('D', 1);
     PVFONT::setPath(PEVRANO_TEST_DATA "/fonts/");
     EXPECT_TRUE(loaded.loadKerning("sans.txt"));
-    PVFONT::setPath(nullptr);
-    struct Case {
-        char c;
-        char kerning;
-    };
     // Keys are found inside longer ones, first line first: 'S' reads the
     // blank's line, 'D' and 'E' the named keys' lines, as numbers 0.
-    const Case cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},
-                          {'=', 6}, {'D', 0},  {'E', 0},  {'~', 127}, {'x', 7}};
-    for (const Case& c : cases)
-        EXPECT_EQ(c.kerning, loaded.getKerning(c.c)) << c.c;
+    const std::tuple<char, char> cases[] = {{'a', 0}, {'i', 10}, {'W', -2}, {' ', 4},   {'S', 0}, {'#', 5},
+                                            {'=', 6}, {'D', 0},  {'E', 0},  {'~', 127}, {'x', 7}};
+    for (const auto& [c, kerning] : cases)
+        EXPECT_EQ(kerning, loaded.getKerning(c)) << c;
     EXPECT_EQ("", logged());
 }
 
 TEST_F(Font, EveryMessage)
 {
-    struct Case {
-        std::function<bool()> call;
-        const char* line;
-    };
     char out[8];
-    const Case cases[] = {
-        {[&] { return font.setTexture(nullptr); }, "   [!] Invalid params @ PVFONT::setTexture\n"},
-        {[&] { return font.setKerning(char(128), 1); }, "   [!] Invalid params @ PVFONT::setKerning\n"},
-        {[&] { return font.setKerning(31, 1); }, "   [!] Invalid params @ PVFONT::setKerning\n"},
-        {[&] { return font.loadKerning(nullptr); }, "   [!] Invalid params @ PVFONT::loadKerning\n"},
+    const std::string invalid = "   [!] Invalid params @ PVFONT::";
+    const std::tuple<std::function<bool()>, std::string> cases[] = {
+        {[&] { return font.setTexture(nullptr); }, invalid + "setTexture\n"},
+        {[&] { return font.setKerning(char(128), 1); }, invalid + "setKerning\n"},
+        {[&] { return font.setKerning(31, 1); }, invalid + "setKerning\n"},
+        {[&] { return font.loadKerning(nullptr); }, invalid + "loadKerning\n"},
         {[&] { return font.loadKerning("absent.txt"); },
          "   [!] File not found (absent.txt) @ PVFONT::loadKerning\n"},
-        {[&] { return font.putString(0, 0, nullptr); }, "   [!] Invalid params @ PVFONT::putString\n"},
-        {[&] { return font.stringLength(nullptr) != 0; }, "   [!] Invalid params @ PVFONT::stringLength\n"},
-        {[&] { return font.format(nullptr, out, 10, 0) != 0; }, "   [!] Invalid params @ PVFONT::format\n"},
-        {[&] { return font.format("a", nullptr, 10, 0) != 0; }, "   [!] Invalid params @ PVFONT::format\n"},
-        {[&] { return font.putString(0, 0, "no texture"); }, ""},
-    };
-    for (const Case& c : cases) {
-        EXPECT_FALSE(c.call()) << c.line;
-        EXPECT_EQ(c.line, logged());
+        {[&] { return font.putString(0, 0, nullptr); }, invalid + "putString\n"},
+        {[&] { return font.stringLength(nullptr) != 0; }, invalid + "stringLength\n"},
+        {[&] { return font.format(nullptr, out, 10, 0) != 0; }, invalid + "format\n"},
+        {[&] { return font.format("a", nullptr, 10, 0) != 0; }, invalid + "format\n"},
+        {[&] { return font.putString(0, 0, "no texture"); }, ""}};
+    for (const auto& [call, line] : cases) {
+        EXPECT_FALSE(call()) << line;
+        EXPECT_EQ(line, logged());
     }
     EXPECT_TRUE(font.setKerning(127, -3));
     EXPECT_EQ(-3, font.getKerning(127));
     EXPECT_EQ(0, font.getKerning(31));
-}
-
-// Lookups are the registry template's (the node tests): the release line is
-// the font's own.
-TEST_F(Font, TheReleaseLine)
-{
-    logged();
+    // Lookups are the registry template's (the node tests): the release line
+    // is the font's own.
     EXPECT_TRUE(PVFONT::cleanUp());
     EXPECT_FALSE(PVFONT::cleanUp());
     EXPECT_EQ("   1 font(s) released\n", logged());
@@ -156,14 +132,8 @@ TEST_F(FontDrawing, StringsAreOneDrawAndUploadedOnlyWhenNew)
 {
     const std::string eleven(1100, 'a');
     const std::string arraysDraw = "glDrawElements(GL_TRIANGLES,";
-    struct Case {
-        const char* what;
-        std::function<bool()> draw;
-        Calls draws;
-        size_t uploads;
-    };
     const Calls cached = {"glDrawArrays(GL_TRIANGLES,0,30)"};
-    const Case cases[] = {
+    const std::tuple<const char*, std::function<bool()>, Calls, size_t> cases[] = {
         {"a new string", [&] { return font->putString(3, 4, "%s=%d", "Hi", 42); }, cached, 1},
         {"the same again", [&] { return font->putString(3, 4, "Hi=42"); }, cached, 0},
         {"the same elsewhere", [&] { return font->putString(3, 5, "Hi=42"); }, cached, 1},
@@ -178,15 +148,15 @@ TEST_F(FontDrawing, StringsAreOneDrawAndUploadedOnlyWhenNew)
          {"glDrawArrays(GL_TRIANGLES,0,6)"},
          0},
     };
-    for (const Case& c : cases) {
-        record([&] { EXPECT_TRUE(c.draw()) << c.what; });
-        EXPECT_EQ(c.draws,
+    for (const auto& [what, draw, draws, uploads] : cases) {
+        record([&] { EXPECT_TRUE(draw()) << what; });
+        EXPECT_EQ(draws,
                   recorder.filter(std::vector<std::string> {"glDrawArrays", "glDrawElements", "glFinish"}))
-            << c.what;
-        EXPECT_EQ(c.uploads, recorder.count("glBufferData")) << c.what;
+            << what;
+        EXPECT_EQ(uploads, recorder.count("glBufferData")) << what;
         const Calls binds = recorder.filter("glBindBuffer");
         EXPECT_TRUE(binds.empty() || binds.back() == "glBindBuffer(GL_ARRAY_BUFFER,0)") << recorder.text();
-        EXPECT_EQ(0u, PVFONT::getCachedGlyphs()) << c.what;
+        EXPECT_EQ(0u, PVFONT::getCachedGlyphs()) << what;
     }
 }
 
@@ -207,8 +177,7 @@ TEST_F(FontDrawing, TextBuffersAreFreedAndSurviveTheTextureCollector)
     PEVRANO::clear(true, true, false);
     record([&] { font->putString(0, 20, "drawn once"); });
     EXPECT_EQ(0u, recorder.count("glBufferData"));
-    expectColour({1, 1, 1}, screen(150, 35), "the string's last glyph");
-    expectColour({0, 0, 0}, screen(160, 35), "after it");
+    expectPixels({{150, 35, 1, 1, 1}, {160, 35, 0, 0, 0}});  // the last glyph, after it
 
     for (int pass = 0; pass < 2 * PV_TEXT_CACHE_IDLE_PASSES; pass++) {
         PEVRANO::begin2D();
@@ -233,26 +202,15 @@ TEST_F(FontDrawing, ColourEscapesTintTheGlyphsThatFollow)
     // Red, green, blue; '9' wraps to 31, a faint white; then offsets and a
     // new line with the colour kept.
     // A faint glyph is blended by its own alpha.
-    const double faint = 31 / 255.0 * 31 / 255.0;
+    const double f = 31 / 255.0 * 31 / 255.0;
     font->putString(10, 20, "^c8008A^c0808B^c0088C^c9999D^c0000E^x-016^c8888F\n^y0004^x0020G");
-    const struct {
-        int x, y;
-        Rgb colour;
-        const char* what;
-    } expected[] = {
-        {10, 20, {1, 0, 0}, "red"},
-        {25, 35, {1, 0, 0}, "red's far corner"},
-        {26, 20, {0, 1, 0}, "green"},
-        {42, 27, {0, 0, 1}, "blue"},
-        {58, 27, {faint, faint, faint}, "faint"},
-        {74, 27, {1, 1, 1}, "white over the transparent glyph"},
-        {90, 27, {0, 0, 0}, "nothing after the last glyph"},
-        {30, 40, {1, 1, 1}, "second line, moved right and down"},
-        {29, 40, {0, 0, 0}, "left of the second line"},
-        {10, 39, {0, 0, 0}, "between the lines"},
-    };
-    for (const auto& e : expected)
-        expectColour(e.colour, screen(e.x, e.y), e.what);
+    // Red (both corners), green, blue, faint, white over the transparent
+    // glyph, nothing after the last; the second line moved right and down,
+    // left of it and between the lines.
+    const std::vector<Probe> probes = {
+        {10, 20, 1, 0, 0}, {25, 35, 1, 0, 0}, {26, 20, 0, 1, 0}, {42, 27, 0, 0, 1}, {58, 27, f, f, f},
+        {74, 27, 1, 1, 1}, {90, 27, 0, 0, 0}, {30, 40, 1, 1, 1}, {29, 40, 0, 0, 0}, {10, 39, 0, 0, 0}};
+    expectPixels(probes);
 }
 
 }  // namespace
