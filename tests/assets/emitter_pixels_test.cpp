@@ -131,7 +131,7 @@ TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
 {
     // Four texels in a row: two transparent, then two opaque white.
     const Bytes clear = {0, 0, 0, 0}, white = {255, 255, 255, 255};
-    writeFile("half.tga", tgaFile(TGA_RAW, 4, 1, 32, 8, joined(repeated(clear, 2), repeated(white, 2))));
+    writeFile("half.tga", tgaFile(TGA_RAW, 4, 1, 32, 8, joined({repeated(clear, 2), repeated(white, 2)})));
     const std::string description = "<emitter blending='alpha'><texture file='half.tga'/><emission rate='0'>"
                                     "<burst count='1'/></emission><velocity speedMin='0' speedMax='0'/>"
                                     "<birth r='0.2' g='0.9' b='0.5' a='1' size='2'/>"

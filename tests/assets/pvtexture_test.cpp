@@ -90,9 +90,9 @@ TEST_F(Textures, MipmapRowsAreTwiceTheLevelWidthLong)
 {
     // 4x2 grey: level 1 is (0, 150); level 2 reads its 2-pixel rows over
     // level 1 and the old level-0 pixels 2 and 3: (0 + 150 + 200 + 200) >> 2.
-    const Bytes row0 = joined(repeated({0, 0, 0}, 2), repeated({200, 200, 200}, 2));
-    const Bytes row1 = joined(repeated({0, 0, 0}, 2), repeated({100, 100, 100}, 2));
-    const std::string tga = tgaFile(TGA_RAW, 4, 2, 24, 0, joined(row0, row1));
+    const Bytes row0 = joined({repeated({0, 0, 0}, 2), repeated({200, 200, 200}, 2)});
+    const Bytes row1 = joined({repeated({0, 0, 0}, 2), repeated({100, 100, 100}, 2)});
+    const std::string tga = tgaFile(TGA_RAW, 4, 2, 24, 0, joined({row0, row1}));
     PVTEXTURE texture;
     ASSERT_TRUE(texture.loadTGA(reinterpret_cast<const unsigned char*>(tga.data()), tga.size(), "t"));
     ASSERT_TRUE(texture.update());
