@@ -110,21 +110,9 @@ TEST_F(EmitterFrames, EachEmitterDrawsItsParticlesInOneCallBackToFront)
     addEmitter("<emitter particles='2' blending='alpha'>" + shape + "</emitter>", {0, 0, -9})->update(0.125f);
     record([&] { drawFrame(root, nullptr); });
     // Farther first; each: blending, depth writes off, the arrays, one draw.
-    auto drawing = [](const std::string& blend, int indices) {
-        return Calls {"glBlendFunc(GL_SRC_ALPHA," + blend + ")",
-                      "glDepthMask(0)",
-                      "glVertexPointer(3,GL_FIXED,0)",
-                      "glColorPointer(4,GL_UNSIGNED_BYTE,0)",
-                      "glTexCoordPointer(2,GL_FIXED,0)",
-                      "glDrawElements(GL_TRIANGLES," + std::to_string(indices) + ",GL_UNSIGNED_SHORT)",
-                      "glDepthMask(1)"};
-    };
-    Calls expected = drawing("GL_ONE_MINUS_SRC_ALPHA", 12);
-    const Calls nearer = drawing("GL_ONE", 18);
-    expected.insert(expected.end(), nearer.begin(), nearer.end());
     EXPECT_EQ(recorder.filter({"glBlendFunc", "glDepthMask", "glVertexPointer", "glColorPointer",
                                "glTexCoordPointer", "glDrawElements"}),
-              expected);
+              readCalls(PEVRANO_TEST_DATA "/expected/emitters.calls"));
 }
 
 TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
