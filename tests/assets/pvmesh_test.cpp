@@ -264,8 +264,7 @@ TEST_F(MeshScene, ALoadedMeshIsLitByItsLightAndPickedByItsId)
     drawFrame(root, nullptr);
     expectColour({0.5, 0.25, 0}, pixelOfPoint(0, 0, -5), "lit quad");
     expectColour(background, pixelOfPoint(1.5, 0, -5), "beside the quad");
-    const unsigned int id = root->getChild(1)->getId();
-    EXPECT_EQ(id, PEVRANO::select(windowWidth / 2, windowHeight / 2));
+    EXPECT_EQ(root->getChild(1)->getId(), PEVRANO::select(windowWidth / 2, windowHeight / 2));
     EXPECT_EQ(0u, PEVRANO::select(2, 2));
 }
 

@@ -16,8 +16,6 @@ using namespace pvtest;
 
 namespace {
 
-double fixedToDouble(GLfixed value) { return value / 65536.0; }
-
 struct Shape {
     const char* what;
     PVMESH* mesh;
@@ -31,13 +29,8 @@ struct Shape {
 void expectShape(const Shape& shape)
 {
     PVMESH* mesh = shape.mesh;
-    ASSERT_NE(mesh, nullptr);
-    EXPECT_EQ(mesh->getNumberOfVertices(), shape.vertices);
-    EXPECT_EQ(mesh->getNumberOfUVs(), shape.vertices);
-    EXPECT_EQ(mesh->getNumberOfFaces(), shape.faces);
     EXPECT_FLOAT_EQ(mesh->getRadius(), std::sqrt(shape.half % shape.half));
     EXPECT_TRUE(mesh->getMaximum() == shape.half && mesh->getMinimum() == -shape.half);
-    ASSERT_NE(mesh->getMaterial(), nullptr);
     EXPECT_EQ(mesh->getMaterial()->getDiffuse(), K3MVECTOR4D(0.6f, 0.6f, 0.6f, 1.0f));
     std::set<std::tuple<GLfixed, GLfixed, GLfixed>> positions;
     std::set<GLfixed> uvs(mesh->getUVPtr(), mesh->getUVPtr() + 2 * shape.vertices);
@@ -45,11 +38,13 @@ void expectShape(const Shape& shape)
     for (unsigned int v = 0; v < shape.vertices; v++) {
         const GLfixed* p = mesh->getVertexPtr() + 3 * v;
         positions.insert({p[0], p[1], p[2]});
-        const K3MVECTOR3D at(fixedToDouble(p[0]), fixedToDouble(p[1]), fixedToDouble(p[2]));
+        const K3MVECTOR3D at(p[0] / 65536.0f, p[1] / 65536.0f, p[2] / 65536.0f);
         EXPECT_LE(at.length(), mesh->getRadius() + 1e-4f) << "vertex " << v;
         EXPECT_LE(std::fabs(at.y), shape.half.y + 1e-4f) << "vertex " << v;
     }
-    EXPECT_EQ(positions.size(), shape.positions);
+    EXPECT_EQ((std::vector<size_t> {mesh->getNumberOfVertices(), mesh->getNumberOfUVs(),
+                                    mesh->getNumberOfFaces(), positions.size()}),
+              (std::vector<size_t> {shape.vertices, shape.vertices, shape.faces, shape.positions}));
     for (unsigned int f = 0; f < shape.faces; f++) {
         const float* faceNormal = mesh->getFaceNormalPtr() + 3 * f;
         for (uint16_t index : mesh->getFacePtr()[f].index) {
