@@ -15,6 +15,7 @@ namespace {
 
 class Emitters : public pvtest::RecordingTest {
 protected:
+    void SetUp() override { ASSERT_TRUE(PVEMITTER::init(1000)); }
     void TearDown() override
     {
         PVNODE::cleanUp();
@@ -55,7 +56,6 @@ TEST_F(Emitters, CountsFollowRatesBurstsAndLifetimes)
          "<life min='0.375' max='0.375'/>",
          {5, 5, 10, 5, 10, 5}},
     };
-    ASSERT_TRUE(PVEMITTER::init(1000));
     for (const CountCase& c : cases) {
         PVEMITTER* emitter = described(c.attributes, c.body);
         std::vector<int> counts;
@@ -83,7 +83,6 @@ std::vector<float> snapshot(const PVEMITTER& emitter)
 
 TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
 {
-    ASSERT_TRUE(PVEMITTER::init(1000));
     const std::string body = "<emission rate='37'/><life min='0.5' max='2'/><area x='1' y='0' z='1'/>"
                              "<velocity x='1' y='2' z='0' speedMin='1' speedMax='3' spread='25'/>"
                              "<acceleration x='0' y='-9.8' z='0'/>";
@@ -117,7 +116,6 @@ TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
 
 TEST_F(Emitters, StopPauseAndStartControlEmission)
 {
-    ASSERT_TRUE(PVEMITTER::init(100));
     PVEMITTER* e = described("", "<emission rate='8'/><life min='1' max='1'/>");
     e->update(0.125f);
     e->update(0.125f);  // two born, 1/8 s apart
@@ -137,6 +135,7 @@ TEST_F(Emitters, StopPauseAndStartControlEmission)
 
 TEST_F(Emitters, PoolNeverOverflowsAndIsSharedFairly)
 {
+    PVEMITTER::free();
     ASSERT_TRUE(PVEMITTER::init(100));
     const std::string greedy = "<emission rate='10000'/><life min='1' max='1'/>";
     PVEMITTER* a = described("particles='1000'", greedy);

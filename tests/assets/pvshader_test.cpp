@@ -44,12 +44,8 @@ TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
     EXPECT_TRUE(PVSHADER::cleanUp());
     EXPECT_EQ(PVSHADER::getFirst(), nullptr);
     EXPECT_EQ(PVSHADER::pplOmni, nullptr);
-}
-
-TEST_F(Shaders, ANullPathClears)
-{
     PVSHADER::setPath("data/shaders/");
-    PVSHADER::setPath(nullptr);
+    PVSHADER::setPath(nullptr);  // a null path clears
     EXPECT_STREQ(PVSHADER::getPath(), "");
 }
 
