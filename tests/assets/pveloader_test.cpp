@@ -56,35 +56,32 @@ TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
                       treeLine(root, 3) + treeLine(lamp, 5) + treeLine(quad, 5) + "\n",
                   since(start));
 
-        EXPECT_EQ(77u, root->getAuxId());
-        EXPECT_EQ(K3MVECTOR3D(4, 5, 6), root->getPosition());
-        EXPECT_EQ(K3MVECTOR3D(0.5f, 0, 0), root->getOrigin());
-        EXPECT_EQ(PV_LIGHT_SPOT, lamp->getLightType());
-        EXPECT_EQ("lamp", std::string(lamp->getName()));
-        EXPECT_EQ(K3MVECTOR3D(0, 9, 0), lamp->getTarget());
-        EXPECT_EQ(30.0f, lamp->getCutOff());
-        EXPECT_EQ(K3MVECTOR4D(0.2f, 0.1f, 0.05f, 1), lamp->getAmbient());
-        EXPECT_EQ(K3MVECTOR4D(1, 0.5f, 0.25f, 1), lamp->getDiffuse());
-        EXPECT_EQ(K3MVECTOR4D(0.1f, 0.05f, 0.025f, 1), lamp->getSpecular());
-
-        EXPECT_EQ(PV_TYPE_MESH, quad->getType());
-        EXPECT_EQ(K3MVECTOR3D(10, 20, 30), quad->getRotation());
         // Positions and normals are drawn by the mesh pixel tests.
-        EXPECT_EQ(2.25f, quad->getRadius());
-        EXPECT_EQ(K3MVECTOR3D(-1.5f, -1.5f, 0), quad->getMinimum());
-        EXPECT_TRUE(quad->isHidden());
-        EXPECT_EQ(4u, quad->getNumberOfUVs());
-        EXPECT_EQ((std::vector<GLfixed> {0, 0, 65536, 0}),
-                  std::vector<GLfixed>(quad->getUVPtr(), quad->getUVPtr() + 4));
-        EXPECT_EQ(1.0f, quad->getFaceNormalPtr()[5]);
-
         PVMATERIAL* material = PVMATERIAL::findByName("red");
         EXPECT_EQ(material, quad->getMaterial());
-        EXPECT_EQ(K3MVECTOR4D(1, 0, 0, 1), material->getDiffuse());
-        EXPECT_EQ(0.25f, material->getTransparency());
-        EXPECT_EQ(12.0f, material->getShininess());
-        EXPECT_EQ(1, PVMATERIAL::getNumberOfMaterials());
-        EXPECT_EQ(1, material->getReferences());
+        EXPECT_STREQ("lamp", lamp->getName());
+        EXPECT_TRUE(quad->isHidden());
+        // Root position and origin, lamp target, quad rotation and minimum.
+        EXPECT_EQ(
+            (std::vector<K3MVECTOR3D> {{4, 5, 6}, {0.5f, 0, 0}, {0, 9, 0}, {10, 20, 30}, {-1.5f, -1.5f, 0}}),
+            (std::vector<K3MVECTOR3D> {root->getPosition(), root->getOrigin(), lamp->getTarget(),
+                                       quad->getRotation(), quad->getMinimum()}));
+        // Lamp ambient, diffuse and specular, material diffuse.
+        EXPECT_EQ((std::vector<K3MVECTOR4D> {
+                      {0.2f, 0.1f, 0.05f, 1}, {1, 0.5f, 0.25f, 1}, {0.1f, 0.05f, 0.025f, 1}, {1, 0, 0, 1}}),
+                  (std::vector<K3MVECTOR4D> {lamp->getAmbient(), lamp->getDiffuse(), lamp->getSpecular(),
+                                             material->getDiffuse()}));
+        // Lamp cut-off, quad radius and a face normal's z, material transparency and shininess.
+        EXPECT_EQ((std::vector<float> {30, 2.25f, 1, 0.25f, 12}),
+                  (std::vector<float> {lamp->getCutOff(), quad->getRadius(), quad->getFaceNormalPtr()[5],
+                                       material->getTransparency(), material->getShininess()}));
+        // Root aux id, lamp and quad types, UV count, materials, the material's references.
+        EXPECT_EQ((std::vector<int> {77, PV_LIGHT_SPOT, PV_TYPE_MESH, 4, 1, 1}),
+                  (std::vector<int> {int(root->getAuxId()), lamp->getLightType(), quad->getType(),
+                                     int(quad->getNumberOfUVs()), PVMATERIAL::getNumberOfMaterials(),
+                                     material->getReferences()}));
+        EXPECT_EQ((std::vector<GLfixed> {0, 0, 65536, 0}),
+                  std::vector<GLfixed>(quad->getUVPtr(), quad->getUVPtr() + 4));
         PVNODE::cleanUp();
     }
 }
