@@ -34,9 +34,6 @@ protected:
         return emitter;
     }
 
-    // Window pixel of an eye-space point (the default camera is the identity).
-    static Vec3 project(Vec3 eye) { return windowPoint(Mat4::identity(), eye); }
-
     PVNODE* root = nullptr;
 };
 
@@ -59,14 +56,13 @@ TEST_F(EmitterFrames, ParticlesFollowTheirParentAndBlendFromBirthToDeath)
         drawFrame(root, nullptr);
         const Rgb colour = {1.0 - age.t, 0.0, age.t};
         const double half = 0.5 * (1.0 - 0.5 * age.t);
-        const Vec3 centre = project({1, 0.5, -5});
         const std::string what = "at " + std::to_string(age.t) + " of its life";
-        expectColour(colour, pixelAt(int(centre.x), int(centre.y)), what + ", centre");
-        for (const Vec3 corner : {Vec3 {-1, -1, 0}, Vec3 {1, 1, 0}, Vec3 {1, -1, 0}}) {
-            const Vec3 inside = project({1 + 0.8 * half * corner.x, 0.5 + 0.8 * half * corner.y, -5});
-            const Vec3 outside = project({1 + 1.2 * half * corner.x, 0.5 + 1.2 * half * corner.y, -5});
-            expectColour(colour, pixelAt(int(inside.x), int(inside.y)), what + ", inside a corner");
-            expectColour({0, 0, 0}, pixelAt(int(outside.x), int(outside.y)), what + ", beyond a corner");
+        expectColour(colour, pixelOfPoint(1, 0.5, -5), what + ", centre");
+        for (const Vec3 c : {Vec3 {-1, -1, 0}, Vec3 {1, 1, 0}, Vec3 {1, -1, 0}}) {
+            expectColour(colour, pixelOfPoint(1 + 0.8 * half * c.x, 0.5 + 0.8 * half * c.y, -5),
+                         what + ", inside");
+            expectColour({0, 0, 0}, pixelOfPoint(1 + 1.2 * half * c.x, 0.5 + 1.2 * half * c.y, -5),
+                         what + ", beyond");
         }
     }
 }
@@ -88,7 +84,8 @@ TEST_F(EmitterFrames, AdditiveParticlesBrightenOnlyInsideTheirCone)
     // The cone, 3 units long, with the particles' half size around it, fits
     // in a box whose nearer face bounds every pixel the emitter may touch.
     const double reach = 3.0 * std::sin(15.0 * M_PI / 180.0) + 0.05;
-    const Vec3 low = project({-reach, -1.05, -8 + reach}), high = project({reach, 2.05, -8 + reach});
+    const Vec3 low = windowPoint(Mat4::identity(), {-reach, -1.05, -8 + reach});
+    const Vec3 high = windowPoint(Mat4::identity(), {reach, 2.05, -8 + reach});
     int brightened = 0;
     for (int y = 0; y < windowHeight; y++)
         for (int x = 0; x < windowWidth; x++) {
@@ -125,7 +122,6 @@ TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
                                     "<birth r='0.2' g='0.9' b='0.5' a='1' size='2'/>"
                                     "<death r='0.2' g='0.9' b='0.5' a='1' size='2'/></emitter>";
     PVEMITTER* first = addEmitter(description, {0, 0, -5});
-    ASSERT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
     PVTEXTURE* texture = PVTEXTURE::getFirst();
     {
         PVEMITTER second;
@@ -140,9 +136,8 @@ TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
     EXPECT_EQ(recorder.countCall("glBindTexture(GL_TEXTURE_2D," + std::to_string(texture->getGLId()) + ")"),
               1u);
     // A quarter of the quad from each side: the transparent and the opaque half.
-    const Vec3 left = project({-0.5, 0, -5}), right = project({0.5, 0, -5});
-    expectColour({0, 0, 0}, pixelAt(int(left.x), int(left.y)), "transparent texels");
-    expectColour({0.2, 0.9, 0.5}, pixelAt(int(right.x), int(right.y)), "opaque texels");
+    expectColour({0, 0, 0}, pixelOfPoint(-0.5, 0, -5), "transparent texels");
+    expectColour({0.2, 0.9, 0.5}, pixelOfPoint(0.5, 0, -5), "opaque texels");
 }
 
 TEST(EmitterPool, SizeComesFromTheSettings)
