@@ -110,14 +110,13 @@ TEST_F(TextureFiles, AcquireFindsOrReadsAndCountsTheCaller)
     writeFile("a.tga", tgaFile(TGA_RAW, 1, 1, 24, 0, bgr1));
     bool loadedNow[2] = {false, true};
     PVTEXTURE* texture[2] = {};
-    const Calls calls = record([&] {
-        for (int i = 0; i < 2; i++)
-            texture[i] = PVTEXTURE::acquire("a.tga", &loadedNow[i]);
-    });
-    EXPECT_EQ(calls, Calls {});
+    EXPECT_EQ(record([&] {
+                  for (int i = 0; i < 2; i++)
+                      texture[i] = PVTEXTURE::acquire("a.tga", &loadedNow[i]);
+              }),
+              Calls {});
     EXPECT_EQ(texture[1], texture[0]);
-    EXPECT_TRUE(loadedNow[0]);
-    EXPECT_FALSE(loadedNow[1]);
+    EXPECT_TRUE(loadedNow[0] && !loadedNow[1]);
     EXPECT_EQ(texture[0]->getReferences(), 2);
     EXPECT_EQ(Bytes(texture[0]->getBitmap(), texture[0]->getBitmap() + 3), rgb1);
     EXPECT_EQ(PVTEXTURE::acquire("missing.tga"), nullptr);
