@@ -21,51 +21,44 @@ protected:
         PVNODE::cleanUp();
         PVEMITTER::free();
     }
-    // An emitter described by the body of an <emitter> element.
-    static PVEMITTER* described(const std::string& attributes, const std::string& body)
-    {
-        PVEMITTER* emitter = new PVEMITTER();
-        const std::string text = "<emitter " + attributes + ">" + body + "</emitter>";
-        EXPECT_TRUE(emitter->loadFromText(text.c_str(), "test")) << text;
-        return emitter;
-    }
 };
 
-struct CountCase {
-    const char* what;
-    std::string attributes, body;
-    std::vector<int> counts;  // live particles after each frame of 1/8 s
-};
+// An emitter described by the body of an <emitter> element.
+PVEMITTER* described(const std::string& attributes, const std::string& body)
+{
+    PVEMITTER* emitter = new PVEMITTER();
+    const std::string text = "<emitter " + attributes + ">" + body + "</emitter>";
+    EXPECT_TRUE(emitter->loadFromText(text.c_str(), "test")) << text;
+    return emitter;
+}
+
+// Live particles after each frame of 1/8 s, as many frames as counts expected.
+void expectCounts(const char* what, const std::string& attributes, const std::string& body,
+                  const std::vector<int>& expected)
+{
+    PVEMITTER* emitter = described(attributes, body);
+    std::vector<int> counts;
+    while (counts.size() < expected.size()) {
+        emitter->update(0.125f);
+        counts.push_back(emitter->getNumberOfParticles());
+    }
+    EXPECT_EQ(expected, counts) << what;
+    delete emitter;
+}
 
 TEST_F(Emitters, CountsFollowRatesBurstsAndLifetimes)
 {
-    const CountCase cases[] = {
-        {"steady rate",
-         "particles='50'",
-         "<emission rate='8'/><life min='1' max='1'/>",
-         {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8}},
-        {"capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10}},
-        {"one-shot burst",
-         "",
-         "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
-         "<life min='0.5' max='0.5'/>",
-         {20, 20, 20, 20, 0, 0}},
-        {"looping burst",
-         "",
-         "<emission rate='0' duration='0.25'><burst count='5'/></emission>"
-         "<life min='0.375' max='0.375'/>",
-         {5, 5, 10, 5, 10, 5}},
-    };
-    for (const CountCase& c : cases) {
-        PVEMITTER* emitter = described(c.attributes, c.body);
-        std::vector<int> counts;
-        for (size_t frame = 0; frame < c.counts.size(); frame++) {
-            emitter->update(0.125f);
-            counts.push_back(emitter->getNumberOfParticles());
-        }
-        EXPECT_EQ(c.counts, counts) << c.what;
-        delete emitter;
-    }
+    expectCounts("steady rate", "particles='50'", "<emission rate='8'/><life min='1' max='1'/>",
+                 {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8});
+    expectCounts("capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10});
+    expectCounts("one-shot burst", "",
+                 "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
+                 "<life min='0.5' max='0.5'/>",
+                 {20, 20, 20, 20, 0, 0});
+    expectCounts(
+        "looping burst", "",
+        "<emission rate='0' duration='0.25'><burst count='5'/></emission><life min='0.375' max='0.375'/>",
+        {5, 5, 10, 5, 10, 5});
     EXPECT_EQ(PVEMITTER::getFreeParticles(), 1000u);
 }
 
