@@ -25,7 +25,6 @@ protected:
         PVMATERIAL::cleanUp();
         PVTEXTURE::cleanUp();
     }
-    std::string since(size_t start) const { return log.text().substr(start); }
     // "   + name [id: N]\n" at the given indent.
     static std::string treeLine(PVNODE* node, int indent)
     {
@@ -40,10 +39,11 @@ std::string scene(const std::string& name) { return PEVRANO_TEST_DATA "/scenes/"
 TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
 {
     for (bool obsolete : {false, true}) {
-        const size_t start = log.text().size();
+        log.fresh();
         writeFile("scene.pve", readFile(scene(obsolete ? "sample-obsolete.pve" : "sample.pve")));
         PVNODE* root = PEVRANO::load("scene.pve");
-        ASSERT_NE(nullptr, root) << since(start);
+        const std::string logged = log.fresh();
+        ASSERT_NE(nullptr, root) << logged;
         PVLIGHT* lamp = static_cast<PVLIGHT*>(root->getChild(0));
         PVMESH* quad = static_cast<PVMESH*>(root->getChild(1));
         EXPECT_EQ((obsolete ? "\n   Loading PVE file 'scene.pve'...\n"
@@ -54,7 +54,7 @@ TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
                       std::string("   File .PVE loaded (3 nodes)\n"
                                   "   Tree for root:\n") +
                       treeLine(root, 3) + treeLine(lamp, 5) + treeLine(quad, 5) + "\n",
-                  since(start));
+                  logged);
 
         // Positions and normals are drawn by the mesh pixel tests.
         PVMATERIAL* material = PVMATERIAL::findByName("red");
@@ -86,35 +86,29 @@ TEST_F(PveLoad, ASceneLoadsWholeInEitherLayout)
     }
 }
 
-// Each case: the file's bytes and the log after the loading line.
-struct Refusal {
-    const char* what;
-    std::string bytes;
-    std::string logged;
-};
-
 TEST_F(PveLoad, HeadersOtherThanTheTwoLayoutsAreRefused)
 {
-    const Refusal cases[] = {
-        {"last character differs", readFile(scene("header-1.6b.pve")),
-         "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
-        {"shorter than a header", "PVE f", "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
-        {"empty file", "", "   [!] Invalid header in file f.pve @ PEVRANO::load\n"},
+    const std::string invalid = "   [!] Invalid header in file f.pve @ PEVRANO::load\n";
+    const struct {
+        const char* what;
+        std::string bytes, logged;  // the log after the loading line
+    } cases[] = {
+        {"last character differs", readFile(scene("header-1.6b.pve")), invalid},
+        {"shorter than a header", "PVE f", invalid},
+        {"empty file", "", invalid},
         {"header only", readFile(scene("header-only.pve")),
          "   Header: PVE file v1.6a\n   [!] Corrupted file f.pve @ PEVRANO::load\n"},
     };
-    for (const Refusal& c : cases) {
+    for (const auto& c : cases) {
         writeFile("f.pve", c.bytes);
-        const size_t start = log.text().size();
+        log.fresh();
         EXPECT_EQ(nullptr, PEVRANO::load("f.pve")) << c.what;
-        EXPECT_EQ("\n   Loading PVE file 'f.pve'...\n" + c.logged, since(start)) << c.what;
+        EXPECT_EQ("\n   Loading PVE file 'f.pve'...\n" + c.logged, log.fresh()) << c.what;
     }
-    const size_t start = log.text().size();
     EXPECT_EQ(nullptr, PEVRANO::load("missing.pve"));
     EXPECT_EQ(nullptr, PEVRANO::load(nullptr));
-    EXPECT_EQ("   [!] Invalid params or file not found @ PEVRANO::load\n"
-              "   [!] Invalid params or file not found @ PEVRANO::load\n",
-              since(start));
+    const std::string notFound = "   [!] Invalid params or file not found @ PEVRANO::load\n";
+    EXPECT_EQ(notFound + notFound, log.fresh());
 }
 
 TEST_F(PveLoad, MeshMaterialsAreReportedUnlessNamedRoot)
@@ -131,11 +125,11 @@ TEST_F(PveLoad, MeshMaterialsAreReportedUnlessNamedRoot)
     };
     for (const Case& c : cases) {
         writeFile("m.pve", readFile(scene(c.file)));
-        const size_t start = log.text().size();
+        log.fresh();
         PVNODE* loaded = PEVRANO::load("m.pve");
         ASSERT_NE(nullptr, loaded) << c.file;
         EXPECT_EQ(nullptr, static_cast<PVMESH*>(loaded)->getMaterial());
-        const std::string text = since(start);
+        const std::string text = log.fresh();
         const size_t from = text.find("'...\n") + 5;
         EXPECT_EQ("   Header: PVE file v1.6a\n   [!] Warning: no material found in file m.pve\n" + c.logged +
                       "   File .PVE loaded (1 nodes)\n",
@@ -167,9 +161,9 @@ TEST_F(PveLoad, EveryTruncationIsRefusedAndCleanedUp)
     new PVNODE();  // a node that was there before
     for (size_t cut = 15; cut < whole.size(); cut++) {
         writeFile("cut.pve", whole.substr(0, cut));
-        const size_t start = log.text().size();
+        log.fresh();
         ASSERT_EQ(nullptr, PEVRANO::load("cut.pve")) << "cut at " << cut;
-        const std::string text = since(start);
+        const std::string text = log.fresh();
         EXPECT_EQ("   [!] Corrupted file cut.pve @ PEVRANO::load\n", text.substr(text.rfind("   [!] ")))
             << "cut at " << cut;
         ASSERT_EQ(1u, PVNODE::getNumberOfNodes()) << "cut at " << cut;
@@ -198,9 +192,9 @@ TEST_F(PveLoad, HostileFilesAreRefusedWithoutLeavingNodes)
     ASSERT_GE(names.size(), 6u);
     PEVRANO::setPVEPath((folder + "/").c_str());
     for (const std::string& name : names) {
-        const size_t start = log.text().size();
+        log.fresh();
         EXPECT_EQ(nullptr, PEVRANO::load(name.c_str())) << name;
-        const std::string text = since(start);
+        const std::string text = log.fresh();
         const std::string expected = name.rfind("unknown-", 0) == 0
                                          ? "   [!] Unknow type @ PEVRANO::recursiveLoad\n"
                                          : "   [!] Corrupted file " + name + " @ PEVRANO::load\n";
