@@ -231,6 +231,8 @@ TEST_F(Anims, RegistryNamesFindsAndReleases)
     PVANIM* first = new PVANIM;
     PVANIM* second = new PVANIM;
     EXPECT_EQ(first->getName(), "[anim " + std::to_string(first->getId()) + "]");
+    EXPECT_EQ(PVANIM::getNumberOfAnims(), 2);
+    EXPECT_EQ(PVANIM::findById(second->getId()), second);
     fillTwoBones(*second);
     char knee[] = "knee";
     EXPECT_EQ(second->findBoneByName(knee), 1);
@@ -240,6 +242,7 @@ TEST_F(Anims, RegistryNamesFindsAndReleases)
     EXPECT_EQ(second->getNumberOfBones(), 2u);
     EXPECT_TRUE(PVANIM::cleanUp());
     EXPECT_FALSE(PVANIM::cleanUp());
+    EXPECT_EQ(PVANIM::getFirst(), nullptr);
     EXPECT_EQ(kvfGetMemoryStats().ratio, ratioBefore) << "every counted block given back, no more";
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVANIM::findBoneByName\n   2 animation(s) released\n");
 }
