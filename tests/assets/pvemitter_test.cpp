@@ -15,57 +15,50 @@ namespace {
 
 class Emitters : public pvtest::RecordingTest {
 protected:
+    void SetUp() override { ASSERT_TRUE(PVEMITTER::init(1000)); }
     void TearDown() override
     {
         PVNODE::cleanUp();
         PVEMITTER::free();
     }
-    // An emitter described by the body of an <emitter> element.
-    static PVEMITTER* described(const std::string& attributes, const std::string& body)
-    {
-        PVEMITTER* emitter = new PVEMITTER();
-        const std::string text = "<emitter " + attributes + ">" + body + "</emitter>";
-        EXPECT_TRUE(emitter->loadFromText(text.c_str(), "test")) << text;
-        return emitter;
-    }
 };
 
-struct CountCase {
-    const char* what;
-    std::string attributes, body;
-    std::vector<int> counts;  // live particles after each frame of 1/8 s
-};
+// An emitter described by the body of an <emitter> element.
+PVEMITTER* described(const std::string& attributes, const std::string& body)
+{
+    PVEMITTER* emitter = new PVEMITTER();
+    const std::string text = "<emitter " + attributes + ">" + body + "</emitter>";
+    EXPECT_TRUE(emitter->loadFromText(text.c_str(), "test")) << text;
+    return emitter;
+}
+
+// Live particles after each frame of 1/8 s, as many frames as counts expected.
+void expectCounts(const char* what, const std::string& attributes, const std::string& body,
+                  const std::vector<int>& expected)
+{
+    PVEMITTER* emitter = described(attributes, body);
+    std::vector<int> counts;
+    while (counts.size() < expected.size()) {
+        emitter->update(0.125f);
+        counts.push_back(emitter->getNumberOfParticles());
+    }
+    EXPECT_EQ(expected, counts) << what;
+    delete emitter;
+}
 
 TEST_F(Emitters, CountsFollowRatesBurstsAndLifetimes)
 {
-    const CountCase cases[] = {
-        {"steady rate",
-         "particles='50'",
-         "<emission rate='8'/><life min='1' max='1'/>",
-         {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8}},
-        {"capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10}},
-        {"one-shot burst",
-         "",
-         "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
-         "<life min='0.5' max='0.5'/>",
-         {20, 20, 20, 20, 0, 0}},
-        {"looping burst",
-         "",
-         "<emission rate='0' duration='0.25'><burst count='5'/></emission>"
-         "<life min='0.375' max='0.375'/>",
-         {5, 5, 10, 5, 10, 5}},
-    };
-    ASSERT_TRUE(PVEMITTER::init(1000));
-    for (const CountCase& c : cases) {
-        PVEMITTER* emitter = described(c.attributes, c.body);
-        std::vector<int> counts;
-        for (size_t frame = 0; frame < c.counts.size(); frame++) {
-            emitter->update(0.125f);
-            counts.push_back(emitter->getNumberOfParticles());
-        }
-        EXPECT_EQ(c.counts, counts) << c.what;
-        delete emitter;
-    }
+    expectCounts("steady rate", "particles='50'", "<emission rate='8'/><life min='1' max='1'/>",
+                 {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8});
+    expectCounts("capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10});
+    expectCounts("one-shot burst", "",
+                 "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
+                 "<life min='0.5' max='0.5'/>",
+                 {20, 20, 20, 20, 0, 0});
+    expectCounts(
+        "looping burst", "",
+        "<emission rate='0' duration='0.25'><burst count='5'/></emission><life min='0.375' max='0.375'/>",
+        {5, 5, 10, 5, 10, 5});
     EXPECT_EQ(PVEMITTER::getFreeParticles(), 1000u);
 }
 
@@ -83,7 +76,6 @@ std::vector<float> snapshot(const PVEMITTER& emitter)
 
 TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
 {
-    ASSERT_TRUE(PVEMITTER::init(1000));
     const std::string body = "<emission rate='37'/><life min='0.5' max='2'/><area x='1' y='0' z='1'/>"
                              "<velocity x='1' y='2' z='0' speedMin='1' speedMax='3' spread='25'/>"
                              "<acceleration x='0' y='-9.8' z='0'/>";
@@ -92,20 +84,17 @@ TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
     PVEMITTER* other = described("seed='43'", body);
     const float frames[] = {0.016f, 0.033f, 0.1f, 0.007f, 0.25f, 0.05f, 0.016f};
     std::vector<float> firstRun;
-    for (int run = 0; run < 2; run++) {
+    for (int run = 0; run < 2; run++) {  // reset replays the same particles
+        for (PVEMITTER* e : {first, second, other})
+            e->reset();
         for (float seconds : frames)
             for (PVEMITTER* e : {first, second, other})
                 e->update(seconds);
         EXPECT_GT(first->getNumberOfParticles(), 10);
         EXPECT_EQ(snapshot(*first), snapshot(*second));
         EXPECT_NE(snapshot(*first), snapshot(*other));
-        if (run == 0)
-            firstRun = snapshot(*first);
-        else
-            EXPECT_EQ(firstRun, snapshot(*first)) << "reset replays the same particles";
-        if (run == 0)
-            for (PVEMITTER* e : {first, second, other})
-                e->reset();
+        EXPECT_EQ(run ? firstRun : snapshot(*first), snapshot(*first));
+        firstRun = snapshot(*first);
     }
     // Directions stay within the cone, speeds and lives within their ranges.
     for (int i = 0; i < first->getNumberOfParticles(); i++) {
@@ -120,7 +109,6 @@ TEST_F(Emitters, SameSeedAndFrameTimesGiveTheSameParticles)
 
 TEST_F(Emitters, StopPauseAndStartControlEmission)
 {
-    ASSERT_TRUE(PVEMITTER::init(100));
     PVEMITTER* e = described("", "<emission rate='8'/><life min='1' max='1'/>");
     e->update(0.125f);
     e->update(0.125f);  // two born, 1/8 s apart
@@ -140,6 +128,7 @@ TEST_F(Emitters, StopPauseAndStartControlEmission)
 
 TEST_F(Emitters, PoolNeverOverflowsAndIsSharedFairly)
 {
+    PVEMITTER::free();
     ASSERT_TRUE(PVEMITTER::init(100));
     const std::string greedy = "<emission rate='10000'/><life min='1' max='1'/>";
     PVEMITTER* a = described("particles='1000'", greedy);

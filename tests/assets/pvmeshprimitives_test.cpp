@@ -16,8 +16,6 @@ using namespace pvtest;
 
 namespace {
 
-double fixedToDouble(GLfixed value) { return value / 65536.0; }
-
 struct Shape {
     const char* what;
     PVMESH* mesh;
@@ -31,13 +29,8 @@ struct Shape {
 void expectShape(const Shape& shape)
 {
     PVMESH* mesh = shape.mesh;
-    ASSERT_NE(mesh, nullptr);
-    EXPECT_EQ(mesh->getNumberOfVertices(), shape.vertices);
-    EXPECT_EQ(mesh->getNumberOfUVs(), shape.vertices);
-    EXPECT_EQ(mesh->getNumberOfFaces(), shape.faces);
     EXPECT_FLOAT_EQ(mesh->getRadius(), std::sqrt(shape.half % shape.half));
     EXPECT_TRUE(mesh->getMaximum() == shape.half && mesh->getMinimum() == -shape.half);
-    ASSERT_NE(mesh->getMaterial(), nullptr);
     EXPECT_EQ(mesh->getMaterial()->getDiffuse(), K3MVECTOR4D(0.6f, 0.6f, 0.6f, 1.0f));
     std::set<std::tuple<GLfixed, GLfixed, GLfixed>> positions;
     std::set<GLfixed> uvs(mesh->getUVPtr(), mesh->getUVPtr() + 2 * shape.vertices);
@@ -45,11 +38,13 @@ void expectShape(const Shape& shape)
     for (unsigned int v = 0; v < shape.vertices; v++) {
         const GLfixed* p = mesh->getVertexPtr() + 3 * v;
         positions.insert({p[0], p[1], p[2]});
-        const K3MVECTOR3D at(fixedToDouble(p[0]), fixedToDouble(p[1]), fixedToDouble(p[2]));
+        const K3MVECTOR3D at(p[0] / 65536.0f, p[1] / 65536.0f, p[2] / 65536.0f);
         EXPECT_LE(at.length(), mesh->getRadius() + 1e-4f) << "vertex " << v;
         EXPECT_LE(std::fabs(at.y), shape.half.y + 1e-4f) << "vertex " << v;
     }
-    EXPECT_EQ(positions.size(), shape.positions);
+    EXPECT_EQ((std::vector<size_t> {mesh->getNumberOfVertices(), mesh->getNumberOfUVs(),
+                                    mesh->getNumberOfFaces(), positions.size()}),
+              (std::vector<size_t> {shape.vertices, shape.vertices, shape.faces, shape.positions}));
     for (unsigned int f = 0; f < shape.faces; f++) {
         const float* faceNormal = mesh->getFaceNormalPtr() + 3 * f;
         for (uint16_t index : mesh->getFacePtr()[f].index) {
@@ -97,12 +92,35 @@ TEST(MeshPrimitives, CountsBoundsAndRefusals)
 
 using LitPrimitives = RecordingTest;
 
-struct LitCase {
-    const char* what;
-    PVMESH* mesh;
-    K3MVECTOR3D position, lightDirection;
-    std::vector<std::pair<K3MVECTOR3D, double>> probes;  // grey level there, -1 for the background
-};
+using Probes = std::vector<std::pair<K3MVECTOR3D, double>>;  // grey level there, -1 for the background
+
+// The mesh at this position, lit by a directional light alone: the colours at the probes.
+void expectLit(const char* what, PVMESH* mesh, K3MVECTOR3D position, K3MVECTOR3D lightDirection,
+               const Probes& probes)
+{
+    SCOPED_TRACE(what);
+    PVNODE* root = new PVNODE();
+    PVLIGHT* light = new PVLIGHT();
+    light->setLightType(PV_LIGHT_DIRECTIONAL);
+    light->setDirection(lightDirection.x, lightDirection.y, lightDirection.z);
+    light->setAmbient(0, 0, 0, 1);
+    light->setDiffuse(0.6f, 0.6f, 0.6f, 1);
+    light->setSpecular(0, 0, 0, 1);
+    light->link(root);
+    mesh->getMaterial()->setAmbient(1, 1, 1, 1);
+    mesh->getMaterial()->setDiffuse(1, 1, 1, 1);
+    mesh->setPosition(position.x, position.y, position.z);
+    mesh->link(root);
+    drawFrame(root, nullptr);
+    for (const auto& probe : probes) {
+        const Rgb got = pixelOfPoint(probe.first.x, probe.first.y, probe.first.z);
+        const Rgb want = probe.second < 0 ? Rgb {0, 0, 1} : Rgb {probe.second, probe.second, probe.second};
+        EXPECT_TRUE(std::fabs(got.r - want.r) < 0.06 && std::fabs(got.g - want.g) < 0.06 &&
+                    std::fabs(got.b - want.b) < 0.06)
+            << "at " << probe.first.x << ", " << probe.first.y << ": " << got.r << ", " << got.g << ", "
+            << got.b;
+    }
+}
 
 // White material, white light of diffuse 0.6, global ambient 0.2: a side
 // facing the light shows 0.2 + 0.6 N.L, one facing away 0.2, the background
@@ -112,53 +130,15 @@ TEST_F(LitPrimitives, EachDrawsWhereItStandsWithItsLitSideBrighter)
     ASSERT_TRUE(startEngineInWindow()) << log.text();
     PVOPENGL::setBackgroundColor(0, 0, 1, 1);
     PVOPENGL::setGlobalAmbientLight(0.2f, 0.2f, 0.2f, 1.0f);
-    const LitCase cases[] = {
-        {"box lit from above",
-         PVMESH::createBox(2, 2, 2),
-         {0, -2, -6},
-         {0, -1, 0},
-         {{{0, -1, -6}, 0.8}, {{0, -1.8f, -5}, 0.2}, {{1.6f, -2, -6}, -1}}},
-        {"plane below the eye",
-         PVMESH::createPlane(4, 4),
-         {0, -1, -6},
-         {0, -1, 0},
-         {{{0, -1, -6}, 0.8}, {{2.6f, -1, -6}, -1}}},
-        {"plane above the eye: its back, culled",
-         PVMESH::createPlane(4, 4),
-         {0, 1, -6},
-         {0, -1, 0},
-         {{{0, 1, -6}, -1}}},
-        {"sphere lit from the right",
-         PVMESH::createSphere(1, 24, 12),
-         {0, 0, -6},
-         {-1, 0, 0},
-         {{{0.7f, 0, -5.286f}, 0.62}, {{-0.7f, 0, -5.286f}, 0.2}, {{1.5f, 0, -6}, -1}}},
-    };
-    for (const LitCase& c : cases) {
-        SCOPED_TRACE(c.what);
-        PVNODE* root = new PVNODE();
-        PVLIGHT* light = new PVLIGHT();
-        light->setLightType(PV_LIGHT_DIRECTIONAL);
-        light->setDirection(c.lightDirection.x, c.lightDirection.y, c.lightDirection.z);
-        light->setAmbient(0, 0, 0, 1);
-        light->setDiffuse(0.6f, 0.6f, 0.6f, 1);
-        light->setSpecular(0, 0, 0, 1);
-        light->link(root);
-        c.mesh->getMaterial()->setAmbient(1, 1, 1, 1);
-        c.mesh->getMaterial()->setDiffuse(1, 1, 1, 1);
-        c.mesh->setPosition(c.position.x, c.position.y, c.position.z);
-        c.mesh->link(root);
-        drawFrame(root, nullptr);
-        for (const auto& probe : c.probes) {
-            const Rgb got = pixelOfPoint(probe.first.x, probe.first.y, probe.first.z);
-            const Rgb want =
-                probe.second < 0 ? Rgb {0, 0, 1} : Rgb {probe.second, probe.second, probe.second};
-            EXPECT_TRUE(std::fabs(got.r - want.r) < 0.06 && std::fabs(got.g - want.g) < 0.06 &&
-                        std::fabs(got.b - want.b) < 0.06)
-                << "at " << probe.first.x << ", " << probe.first.y << ": " << got.r << ", " << got.g << ", "
-                << got.b;
-        }
-    }
+    const K3MVECTOR3D down(0, -1, 0);
+    expectLit("box lit from above", PVMESH::createBox(2, 2, 2), {0, -2, -6}, down,
+              {{{0, -1, -6}, 0.8}, {{0, -1.8f, -5}, 0.2}, {{1.6f, -2, -6}, -1}});
+    expectLit("plane below the eye", PVMESH::createPlane(4, 4), {0, -1, -6}, down,
+              {{{0, -1, -6}, 0.8}, {{2.6f, -1, -6}, -1}});
+    expectLit("plane above the eye: its back, culled", PVMESH::createPlane(4, 4), {0, 1, -6}, down,
+              {{{0, 1, -6}, -1}});
+    expectLit("sphere lit from the right", PVMESH::createSphere(1, 24, 12), {0, 0, -6}, {-1, 0, 0},
+              {{{0.7f, 0, -5.286f}, 0.62}, {{-0.7f, 0, -5.286f}, 0.2}, {{1.5f, 0, -6}, -1}});
     PEVRANO::free();  // deletes every node
 }
 

@@ -10,16 +10,6 @@
 
 namespace {
 
-std::string defaultName(unsigned int id) { return "[shader " + std::to_string(id) + "]"; }
-
-std::vector<PVSHADER*> registry()
-{
-    std::vector<PVSHADER*> shaders;
-    for (PVSHADER* shader = PVSHADER::getFirst(); shader; shader = shader->getNext())
-        shaders.push_back(shader);
-    return shaders;
-}
-
 // A scratch directory and the log; no GL context is needed.
 using Shaders = pvtest::RecordingTest;
 
@@ -28,14 +18,16 @@ using Shaders = pvtest::RecordingTest;
 TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
 {
     ASSERT_TRUE(PVTESTACCESS::shaderInit());
-    std::vector<PVSHADER*> shaders = registry();
+    std::vector<PVSHADER*> shaders;
+    for (PVSHADER* shader = PVSHADER::getFirst(); shader; shader = shader->getNext())
+        shaders.push_back(shader);
     ASSERT_EQ(shaders.size(), 35u);
     EXPECT_EQ(PVSHADER::pplDirect, shaders[0]);
     EXPECT_EQ(PVSHADER::terrainSimple, shaders[34]);
     const unsigned int firstId = shaders[0]->getId();
     for (size_t i = 0; i < shaders.size(); i++) {
         EXPECT_EQ(shaders[i]->getId(), firstId + i);
-        EXPECT_EQ(shaders[i]->getName(), defaultName(firstId + i));
+        EXPECT_EQ(shaders[i]->getName(), "[shader " + std::to_string(firstId + i) + "]");
         EXPECT_FALSE(shaders[i]->isOperative());
     }
     EXPECT_TRUE(PVTESTACCESS::shaderFree());
@@ -44,12 +36,8 @@ TEST_F(Shaders, InitCreatesTheBuiltInsInOrder)
     EXPECT_TRUE(PVSHADER::cleanUp());
     EXPECT_EQ(PVSHADER::getFirst(), nullptr);
     EXPECT_EQ(PVSHADER::pplOmni, nullptr);
-}
-
-TEST_F(Shaders, ANullPathClears)
-{
     PVSHADER::setPath("data/shaders/");
-    PVSHADER::setPath(nullptr);
+    PVSHADER::setPath(nullptr);  // a null path clears
     EXPECT_STREQ(PVSHADER::getPath(), "");
 }
 

@@ -15,8 +15,7 @@ namespace {
 struct TgaCase {
     const char* what;
     std::string file;
-    bool loads;
-    std::string log;
+    std::string log;  // the file loads when it logs nothing or only the image-ID line
     Bytes bitmap;  // empty: no bitmap kept
     unsigned sizeX, sizeY, format;
 };
@@ -27,49 +26,38 @@ const std::string corrupted = "   [!] File corrupted t.tga @ PVTEXTURE::loadTGA\
 const std::string unsupported = "   [!] Unsupported depth or sizes for t.tga @ PVTEXTURE::loadTGA\n";
 const std::string idField = "   [!] Unsupported file header for t.tga @ PVTEXTURE::loadTGA\n";
 
-// A file refused with its log line: no bitmap, no size.
-TgaCase refused(const char* what, const std::string& file, const std::string& log, unsigned format = 0)
-{
-    return {what, file, false, log, {}, 0, 0, format};
-}
-
 std::vector<TgaCase> tgaCases()
 {
+    const Bytes bgr12 = joined({bgr1, bgr2}), rgb12 = joined({rgb1, rgb2}), rgb21 = joined({rgb2, rgb1});
+    auto raw = [](unsigned w, unsigned h, unsigned char depth, const Bytes& body,
+                  unsigned char descriptor = 0) { return tgaFile(TGA_RAW, w, h, depth, descriptor, body); };
+    auto rle = [](unsigned w, unsigned h, unsigned char depth, const Bytes& body) {
+        return tgaFile(TGA_RLE, w, h, depth, 0, body);
+    };
     return {
-        {"raw 24-bit", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, bgr2)), true, "", joined(rgb1, rgb2), 2, 1,
-         3},
-        {"raw 32-bit", tgaFile(TGA_RAW, 1, 1, 32, 0, bgra), true, "", {3, 2, 1, 4}, 1, 1, 4},
-        {"3x5 is accepted", tgaFile(TGA_RAW, 3, 5, 24, 0, repeated(bgr1, 15)), true, "", repeated(rgb1, 15),
-         3, 5, 3},
-        {"descriptor 0x20 flips", tgaFile(TGA_RAW, 1, 2, 24, 0x20, joined(bgr1, bgr2)), true, "",
-         joined(rgb2, rgb1), 1, 2, 3},
-        {"descriptor 0x10 flips", tgaFile(TGA_RAW, 1, 2, 24, 0x10, joined(bgr1, bgr2)), true, "",
-         joined(rgb2, rgb1), 1, 2, 3},
-        {"descriptor 0x08 keeps", tgaFile(TGA_RAW, 1, 2, 24, 0x08, joined(bgr1, bgr2)), true, "",
-         joined(rgb1, rgb2), 1, 2, 3},
-        {"repeat 0x80 is one pixel",
-         tgaFile(TGA_RLE, 2, 1, 24, 0, joined(joined({0x80}, bgr1), joined({0x80}, bgr2))), true, "",
-         joined(rgb1, rgb2), 2, 1, 3},
-        {"repeat 0xFF is 128 pixels", tgaFile(TGA_RLE, 128, 1, 24, 0, joined({0xFF}, bgr1)), true, "",
-         repeated(rgb1, 128), 128, 1, 3},
-        {"raw packet 0x7F is 128 pixels",
-         tgaFile(TGA_RLE, 128, 1, 32, 0, joined({0x7F}, repeated(bgra, 128))), true, "",
+        {"raw 24-bit", raw(2, 1, 24, bgr12), "", rgb12, 2, 1, 3},
+        {"raw 32-bit", raw(1, 1, 32, bgra), "", {3, 2, 1, 4}, 1, 1, 4},
+        {"3x5 is accepted", raw(3, 5, 24, repeated(bgr1, 15)), "", repeated(rgb1, 15), 3, 5, 3},
+        {"descriptor 0x20 flips", raw(1, 2, 24, bgr12, 0x20), "", rgb21, 1, 2, 3},
+        {"descriptor 0x10 flips", raw(1, 2, 24, bgr12, 0x10), "", rgb21, 1, 2, 3},
+        {"descriptor 0x08 keeps", raw(1, 2, 24, bgr12, 0x08), "", rgb12, 1, 2, 3},
+        {"repeat 0x80: one", rle(2, 1, 24, joined({{0x80}, bgr1, {0x80}, bgr2})), "", rgb12, 2, 1, 3},
+        {"repeat 0xFF: 128", rle(128, 1, 24, joined({{0xFF}, bgr1})), "", repeated(rgb1, 128), 128, 1, 3},
+        {"raw 0x7F: 128", rle(128, 1, 32, joined({{0x7F}, repeated(bgra, 128)})), "",
          repeated({3, 2, 1, 4}, 128), 128, 1, 4},
-        {"run past the end is cut",
-         tgaFile(TGA_RLE, 1, 2, 24, 0, joined(joined({0x81}, bgr1), joined({0x80}, bgr2))), true, "",
-         joined(rgb1, rgb1), 1, 2, 3},
-        {"raw packet past the end is cut", tgaFile(TGA_RLE, 1, 1, 24, 0, joined({0x01}, bgr1)), true, "",
-         rgb1, 1, 1, 3},
-        {"widest file", tgaFile(TGA_RLE, 256, 1, 24, 0, joined(joined({0xFF}, bgr1), joined({0xFF}, bgr2))),
-         true, "", joined(repeated(rgb1, 128), repeated(rgb2, 128)), 256, 1, 3},
-        {"image-ID field", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, bgr2), 1), true, idField, {}, 2, 1, 3},
-        refused("raw data short", tgaFile(TGA_RAW, 2, 1, 24, 0, joined(bgr1, {4, 5})), corrupted, 3),
-        refused("run-length data short", tgaFile(TGA_RLE, 2, 1, 24, 0, joined({0x80}, bgr1)), corrupted, 3),
-        refused("repeat pixel short", tgaFile(TGA_RLE, 2, 1, 32, 0, {0x81, 1, 2, 3}), corrupted, 4),
-        refused("header short", tgaFile(TGA_RAW, 1, 1, 24, 0, {}).substr(0, 17), corrupted),
-        refused("257 wide", tgaFile(TGA_RAW, 257, 1, 24, 0, {}), unsupported),
-        refused("16-bit", tgaFile(TGA_RAW, 1, 1, 16, 0, {0, 0}), unsupported),
-        refused("0 high", tgaFile(TGA_RAW, 1, 0, 24, 0, {}), unsupported),
+        {"run past the end cut", rle(1, 2, 24, joined({{0x81}, bgr1, {0x80}, bgr2})), "",
+         joined({rgb1, rgb1}), 1, 2, 3},
+        {"raw past the end cut", rle(1, 1, 24, joined({{0x01}, bgr1})), "", rgb1, 1, 1, 3},
+        {"widest file", rle(256, 1, 24, joined({{0xFF}, bgr1, {0xFF}, bgr2})), "",
+         joined({repeated(rgb1, 128), repeated(rgb2, 128)}), 256, 1, 3},
+        {"image-ID field", tgaFile(TGA_RAW, 2, 1, 24, 0, bgr12, 1), idField, {}, 2, 1, 3},
+        {"raw data short", raw(2, 1, 24, joined({bgr1, {4, 5}})), corrupted, {}, 0, 0, 3},
+        {"run-length data short", rle(2, 1, 24, joined({{0x80}, bgr1})), corrupted, {}, 0, 0, 3},
+        {"repeat pixel short", rle(2, 1, 32, {0x81, 1, 2, 3}), corrupted, {}, 0, 0, 4},
+        {"header short", raw(1, 1, 24, {}).substr(0, 17), corrupted, {}, 0, 0, 0},
+        {"257 wide", raw(257, 1, 24, {}), unsupported, {}, 0, 0, 0},
+        {"16-bit", raw(1, 1, 16, {0, 0}), unsupported, {}, 0, 0, 0},
+        {"0 high", raw(1, 0, 24, {}), unsupported, {}, 0, 0, 0},
     };
 }
 
@@ -81,18 +69,18 @@ TEST_P(TgaLoading, BitmapAndLogAsExpected)
     SCOPED_TRACE(c.what);
     writeFile("t.tga", c.file);
     PVTEXTURE texture;
-    EXPECT_EQ(texture.load("t.tga"), c.loads);
+    const bool loads = c.log.empty() || c.log == idField;
+    EXPECT_EQ(texture.load("t.tga"), loads);
     EXPECT_EQ(log.text(), c.log);
     const unsigned char* bitmap = texture.getBitmap();
     EXPECT_EQ(bitmap ? Bytes(bitmap, bitmap + c.bitmap.size()) : Bytes(), c.bitmap);
     EXPECT_EQ(bitmap != nullptr, !c.bitmap.empty());
-    EXPECT_EQ(texture.getSizeX(), c.sizeX);
-    EXPECT_EQ(texture.getSizeY(), c.sizeY);
-    EXPECT_EQ(texture.getFormat(), c.format);
-    EXPECT_EQ(texture.getMemorySize(), c.sizeX * c.sizeY * 4);
-    EXPECT_EQ(PVTEXTURE::getUsedMemory(), int(c.sizeX * c.sizeY * 4));
+    const unsigned int bytes = c.sizeX * c.sizeY * 4;
+    EXPECT_EQ((std::vector<unsigned int> {texture.getSizeX(), texture.getSizeY(), texture.getFormat(),
+                                          texture.getMemorySize(), unsigned(PVTEXTURE::getUsedMemory())}),
+              (std::vector<unsigned int> {c.sizeX, c.sizeY, c.format, bytes, bytes}));
     EXPECT_STREQ(texture.getFilename(),
-                 c.loads ? "t.tga" : ("[texture " + std::to_string(texture.getId()) + "]").c_str());
+                 loads ? "t.tga" : ("[texture " + std::to_string(texture.getId()) + "]").c_str());
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, TgaLoading, ::testing::Range<size_t>(0, tgaCases().size()));
@@ -122,15 +110,13 @@ TEST_F(TextureFiles, AcquireFindsOrReadsAndCountsTheCaller)
     writeFile("a.tga", tgaFile(TGA_RAW, 1, 1, 24, 0, bgr1));
     bool loadedNow[2] = {false, true};
     PVTEXTURE* texture[2] = {};
-    const Calls calls = record([&] {
-        for (int i = 0; i < 2; i++)
-            texture[i] = PVTEXTURE::acquire("a.tga", &loadedNow[i]);
-    });
-    EXPECT_EQ(calls, Calls {});
-    ASSERT_NE(texture[0], nullptr);
+    EXPECT_EQ(record([&] {
+                  for (int i = 0; i < 2; i++)
+                      texture[i] = PVTEXTURE::acquire("a.tga", &loadedNow[i]);
+              }),
+              Calls {});
     EXPECT_EQ(texture[1], texture[0]);
-    EXPECT_TRUE(loadedNow[0]);
-    EXPECT_FALSE(loadedNow[1]);
+    EXPECT_TRUE(loadedNow[0] && !loadedNow[1]);
     EXPECT_EQ(texture[0]->getReferences(), 2);
     EXPECT_EQ(Bytes(texture[0]->getBitmap(), texture[0]->getBitmap() + 3), rgb1);
     EXPECT_EQ(PVTEXTURE::acquire("missing.tga"), nullptr);

@@ -4,6 +4,7 @@
 #ifndef PEVRANO_TESTS_ASSETS_TGAFILE_H
 #define PEVRANO_TESTS_ASSETS_TGAFILE_H
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -35,10 +36,13 @@ inline Bytes repeated(const Bytes& pixel, unsigned count)
     return all;
 }
 
-inline Bytes joined(Bytes first, const Bytes& second)
+// The parts, one after the other.
+inline Bytes joined(std::initializer_list<Bytes> parts)
 {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+    Bytes all;
+    for (const Bytes& part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
 }
 
 }  // namespace pvtest
