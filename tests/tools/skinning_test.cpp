@@ -53,14 +53,9 @@ aiMatrix4x4 animatedLocal(const aiNode* node, const aiAnimation& animation, doub
             aiQuaternion::Interpolate(out, a, b, t);
             return out.Normalize();
         };
-        aiMatrix4x4 translation, scaling;
-        aiMatrix4x4::Translation(
-            keyAt(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position, lerp), translation);
-        aiMatrix4x4::Scaling(keyAt(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scale, lerp),
-                             scaling);
-        const aiQuaternion turn =
-            keyAt(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation, slerp);
-        return translation * aiMatrix4x4(turn.GetMatrix()) * scaling;
+        return aiMatrix4x4(keyAt(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scale, lerp),
+                           keyAt(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation, slerp),
+                           keyAt(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position, lerp));
     }
     return node->mTransformation;
 }
@@ -95,24 +90,7 @@ std::vector<aiVector3D> sourcePositions(const aiScene* scene, const aiMesh* mesh
     return positions;
 }
 
-class SkinnedModels : public pvtest::RecordingTest {
-protected:
-    void SetUp() override
-    {
-        PVSETTINGS settings;
-        ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
-        camera = new PVCAMERA();  // the engine deletes its nodes at shut-down
-    }
-    void TearDown() override { PEVRANO::free(); }
-
-    PVCAMERA* camera = nullptr;
-};
-
-struct SkinCase {
-    const char* model;
-    unsigned int animation;
-    float scale;  // of the converted model
-};
+using SkinnedModels = pvtest::RecordingTest;
 
 // The engine's 16.16 arithmetic (bone matrices, vertices, weights) and the
 // float products of both sides keep agreement to this share of the model's
@@ -122,30 +100,34 @@ const float fixedFloor = 5e-4f;
 
 TEST_F(SkinnedModels, EngineSkinningFollowsTheSourceAnimation)
 {
-    const SkinCase cases[] = {{"X/Testwuson.X", 0, 1},
-                              {"X/Testwuson.X", 1, 0.25f},
-                              {"X/BCN_Epileptic.X", 0, 1},
-                              {"Collada/box_nested_animation.dae", 0, 1},
-                              {"glTF2/simple_skin/simple_skin.gltf", 0, 3},
-                              {"FBX/huesitos.fbx", 0, 1}};
+    const struct {
+        const char* model;
+        unsigned int animation;
+        float scale;  // of the converted model
+    } cases[] = {{"X/Testwuson.X", 0, 1},
+                 {"X/Testwuson.X", 1, 0.25f},
+                 {"X/BCN_Epileptic.X", 0, 1},
+                 {"Collada/box_nested_animation.dae", 0, 1},
+                 {"glTF2/simple_skin/simple_skin.gltf", 0, 3},
+                 {"FBX/huesitos.fbx", 0, 1}};
+    PVSETTINGS settings;
+    ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
+    PVCAMERA* camera = new PVCAMERA();  // the engine deletes its nodes at shut-down
     for (size_t i = 0; i < std::size(cases); i++) {
-        const SkinCase& c = cases[i];
+        const auto& c = cases[i];
         SCOPED_TRACE(std::string(c.model) + " animation " + std::to_string(c.animation));
         Assimp::Importer importer;
         const aiScene* scene = pvtest::importSource(importer, models + c.model);
-        ASSERT_NE(scene, nullptr);
-        ASSERT_GT(scene->mNumAnimations, c.animation);
         const aiAnimation& animation = *scene->mAnimations[c.animation];
 
-        const std::string name = "skin" + std::to_string(i);
-        const pvtest::ToolRun run = pvtest::convertModel(c.model, name + ".pve", dir,
+        const std::string name = "skin" + std::to_string(i) + ".pve";
+        const pvtest::ToolRun run = pvtest::convertModel(c.model, name, dir,
                                                          "--fps " + std::to_string(framesPerSecond) +
                                                              " --scale " + std::to_string(c.scale));
-        ASSERT_EQ(run.status, 0) << run.error;
-        PVNODE* root = PEVRANO::load(dir.file(name + ".pve").c_str());
-        ASSERT_NE(root, nullptr);
+        PVNODE* root = PEVRANO::load(dir.file(name).c_str());
+        ASSERT_NE(root, nullptr) << run.error;
         PVANIM anim;
-        std::string pva = ModelConverter::animationFileName(dir.file(name + ".pve"), animation, c.animation);
+        std::string pva = ModelConverter::animationFileName(dir.file(name), animation, c.animation);
         ASSERT_TRUE(anim.load(&pva[0]));
         anim.setTranslating(true);
 
@@ -181,6 +163,7 @@ TEST_F(SkinnedModels, EngineSkinningFollowsTheSourceAnimation)
             }
         }
     }
+    PEVRANO::free();
 }
 
 }  // namespace
