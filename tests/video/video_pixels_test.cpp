@@ -38,16 +38,13 @@ protected:
     {
         VideoFixture<RecordingTest>::SetUp();
         ASSERT_TRUE(startEngineInWindow()) << log.text();
-        texture = new PVTEXTURE();
-        ASSERT_TRUE(texture->create(64, 64, 3));
-        texture->setFilter(false, false, true);
         // The clip's picture (64 x 48 in the top-left corner of the texture,
-        // first row first) stretched over the whole window.
+        // first row first) stretched over the whole window, drawn blended so
+        // that a picture whose alpha were not opaque would not show.
         screen = new PVBOX();
         screen->setSizes(windowWidth, windowHeight);
         screen->setThickness(0);
-        screen->setColor(1, 1, 1, 1);
-        screen->setTexture(texture);
+        screen->setColor(1, 1, 1, 0.999f);
         PVBOXCOORD picture(1.0f, 48.0f / 64.0f, true);
         screen->setBoxCoords(picture);
     }
@@ -57,24 +54,22 @@ protected:
         VideoFixture<RecordingTest>::TearDown();
     }
 
-    void drawFrame()
+    // A 64 x 64 texture of that format (3 RGB, 4 RGBA), shown by the screen.
+    PVTEXTURE* newTarget(unsigned int format)
     {
-        PEVRANO::clear(true, true, false);
-        PEVRANO::begin2D();
-        screen->pass(false);
-        PEVRANO::end2D();
+        PVTEXTURE* texture = new PVTEXTURE();
+        EXPECT_TRUE(texture->create(64, 64, format));
+        texture->setFilter(false, false, true);
+        screen->setTexture(texture);
+        return texture;
     }
 
-    // The window pixel under the picture's row (0 at the top) and column.
-    static Rgb pictureAt(int column, int row)
+    // The clip colour drawn under the picture's row (0 at the top) and
+    // column, or the levels read when none is near.
+    std::string colourAt(int column, int row)
     {
-        return pixelAt((2 * column + 1) * windowWidth / 128,
-                       windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
-    }
-
-    // The clip colour seen, or the levels read when none is near.
-    static std::string nameOf(Rgb seen)
-    {
+        const Rgb seen = pixelAt((2 * column + 1) * windowWidth / 128,
+                                 windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
         auto near = [](double wanted, double got) {
             return std::abs(wanted - got) * 255.0 <= videoTolerance;
         };
@@ -85,51 +80,44 @@ protected:
                std::to_string(int(seen.b * 255)) + ")";
     }
 
-    PVTEXTURE* texture = nullptr;
+    // Draws the screen; the colour at the top of the picture, followed by
+    // the one at its bottom when they differ.
+    std::string drawnPicture()
+    {
+        PEVRANO::clear(true, true, false);
+        PEVRANO::begin2D();
+        screen->pass(false);
+        PEVRANO::end2D();
+        const std::string top = colourAt(5, 8), bottom = colourAt(60, 40);
+        return top == bottom ? top : top + " over " + bottom;
+    }
+
     PVBOX* screen = nullptr;
 };
 
-// In an RGB or an RGBA texture alike; the box is drawn blended, so that a
-// picture whose alpha were not opaque would not show.
-TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
-{
-    for (unsigned int format : {3u, 4u}) {
-        PVTEXTURE* target = new PVTEXTURE();
-        ASSERT_TRUE(target->create(64, 64, format));
-        target->setFilter(false, false, true);
-        screen->setTexture(target);
-        screen->setColor(1, 1, 1, 0.999f);
-        PVVIDEO video;
-        ASSERT_TRUE(video.load("bands.mpg"));
-        video.setTexture(target);
-        video.play();
-        ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
-        drawFrame();
-        const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
-                                               nameOf(pictureAt(60, 40))};
-        EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows) << "format " << format;
-    }
-}
-
-// The picture is drawn after every upload; the colours seen, with repeats
-// folded, follow the clip (again from its start when looping).
-TEST_F(VideoPixels, FramesShowInTheirOrder)
+// The picture is drawn after every upload, in an RGB or an RGBA texture: it
+// stands upright, and the colours seen, with repeats folded, follow the clip
+// (again from its start when looping).
+TEST_F(VideoPixels, FramesShowUprightInTheirOrder)
 {
     const struct {
         const char* clip;
         void (PVVIDEO::*start)();
+        unsigned int format;
         int passes;
         std::vector<std::string> colours;
     } cases[] = {
-        {"colours.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
-        {"colours.mpg", &PVVIDEO::playLoop, 2, {"red", "green", "blue", "red", "green", "blue"}},
-        {"truncated.mpg", &PVVIDEO::play, 1, {"red"}},
-        {"corrupted.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
+        {"bands.mpg", &PVVIDEO::play, 3, 1, {"red over blue"}},
+        {"bands.mpg", &PVVIDEO::play, 4, 1, {"red over blue"}},
+        {"colours.mpg", &PVVIDEO::play, 3, 1, {"red", "green", "blue"}},
+        {"colours.mpg", &PVVIDEO::playLoop, 3, 2, {"red", "green", "blue", "red", "green", "blue"}},
+        {"truncated.mpg", &PVVIDEO::play, 3, 1, {"red"}},
+        {"corrupted.mpg", &PVVIDEO::play, 3, 1, {"red", "green", "blue"}},
     };
     for (const auto& c : cases) {
         PVVIDEO video;
         ASSERT_TRUE(video.load(c.clip));
-        video.setTexture(texture);
+        video.setTexture(newTarget(c.format));
         (video.*c.start)();
         std::vector<std::string> seen;
         recorder.start();
@@ -140,13 +128,12 @@ TEST_F(VideoPixels, FramesShowInTheirOrder)
             video.update(1);
             if (recorder.count("glTexSubImage2D") == uploads)
                 continue;
-            drawFrame();
-            const std::string colour = nameOf(pictureAt(32, 24));
-            if (seen.empty() || seen.back() != colour)
-                seen.push_back(colour);
+            const std::string colours = drawnPicture();
+            if (seen.empty() || seen.back() != colours)
+                seen.push_back(colours);
         }
         recorder.stop();
-        EXPECT_EQ(c.colours, seen) << c.clip;
+        EXPECT_EQ(c.colours, seen) << c.clip << " format " << c.format;
     }
 }
 
@@ -155,7 +142,7 @@ TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
     new PVVIDEO();
     PVVIDEO* playing = new PVVIDEO();
     ASSERT_TRUE(playing->load("bands.mpg"));
-    playing->setTexture(texture);  // released before the video
+    playing->setTexture(newTarget(3));  // released before the video
     playing->play();
     EXPECT_TRUE(playing->update(3));
     log.fresh();
