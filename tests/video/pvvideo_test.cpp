@@ -30,9 +30,20 @@ using VideoGlTest = VideoFixture<GlContextTest>;
 
 const std::string notFound = "   [!] Invalid params or file not found @ PVVIDEO::load\n";
 
+// bands.mpg takes 11 parse steps from loading to the empty read at its end:
+// the first read, sequence, group, three pictures with a slice each, the end
+// code, and the read that finds nothing more.
+const int bandsSteps = 11;
+
+// A name fits the video's 255 characters or is refused where it is given, so
+// that a looping film never reopens a cut name; the same for the path.
 TEST_F(VideoTest, LoadReportsEachOutcome)
 {
     ASSERT_EQ(0, mkdir("folder", 0755));
+    const std::string longest = "folder/" + std::string(244, 'n') + ".mpg",
+                      tooLong = "folder/n" + longest.substr(7);
+    for (const std::string& name : {longest, tooLong})
+        writeFile(name, readFile(PEVRANO_VIDEO_DATA "bands.mpg"));
     const struct {
         const char* what;
         const char* path;
@@ -46,43 +57,22 @@ TEST_F(VideoTest, LoadReportsEachOutcome)
         {"clip name without its path", "", "bands.mpg", false, notFound},
         {"directory", "", "folder", false,
          loadingLine("folder") + "   [!] Unable to open file folder @ PVVISIO::load\n"},
+        {"name of 255 characters", "", longest.c_str(), true, loadingLine(longest)},
+        {"name of 256 characters", "", tooLong.c_str(), false, notFound},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         PVVIDEO video;
         const std::string defaultName = "[video " + std::to_string(video.getId()) + "]";
         PVVIDEO::setMPGPath(c.path);
         log.fresh();
-        EXPECT_EQ(c.loaded, video.load(c.name)) << c.what;
-        EXPECT_EQ(c.log, log.fresh()) << c.what;
-        EXPECT_EQ(c.loaded ? std::string(c.name) : defaultName, video.getFilename()) << c.what;
-        EXPECT_EQ(PV_VIDEO_STOP, video.getStatus()) << c.what;
-        EXPECT_EQ(c.loaded ? &video : nullptr, PVVIDEO::findByFilename(c.name)) << c.what;
-    }
-}
-
-// bands.mpg takes 11 parse steps from loading to the empty read at its end:
-// the first read, sequence, group, three pictures with a slice each, the end
-// code, and the read that finds nothing more.
-const int bandsSteps = 11;
-
-// A name fits the video's 255 characters or is refused where it is given, so
-// that a looping film never reopens a cut name; the same for the path.
-TEST_F(VideoTest, NamesThatDoNotFitAreRefused)
-{
-    const std::string clip = readFile(PEVRANO_VIDEO_DATA "bands.mpg");
-    const std::string folder(120, 'f');
-    ASSERT_EQ(0, mkdir(folder.c_str(), 0755));
-    PVVIDEO::setMPGPath("");
-    for (size_t length : {255u, 256u, 300u}) {
-        const std::string name = folder + "/" + std::string(length - folder.size() - 5, 'n') + ".mpg";
-        writeFile(name, clip);
-        PVVIDEO video;
-        log.fresh();
-        const bool fits = length <= 255;
-        EXPECT_EQ(fits, video.load(name.c_str())) << length;
-        EXPECT_EQ(fits ? loadingLine(name) : notFound, log.fresh()) << length;
+        EXPECT_EQ(c.loaded, video.load(c.name));
+        EXPECT_EQ(c.log, log.fresh());
+        EXPECT_EQ(c.loaded ? std::string(c.name) : defaultName, video.getFilename());
+        EXPECT_EQ(PV_VIDEO_STOP, video.getStatus());
+        EXPECT_EQ(c.loaded ? &video : nullptr, PVVIDEO::findByFilename(c.name));
         video.playLoop();
-        EXPECT_EQ(fits, video.update(3 * bandsSteps)) << length;
+        EXPECT_EQ(c.loaded, video.update(3 * bandsSteps)) << "looping through the end twice";
     }
     const std::string path(255, '/');
     PVVIDEO::setMPGPath(path.c_str());
