@@ -53,9 +53,16 @@ aiMatrix4x4 animatedLocal(const aiNode* node, const aiAnimation& animation, doub
             aiQuaternion::Interpolate(out, a, b, t);
             return out.Normalize();
         };
-        return aiMatrix4x4(keyAt(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scale, lerp),
-                           keyAt(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation, slerp),
-                           keyAt(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position, lerp));
+        // Scale first, then turn, then move (Assimp's matrix constructor scales
+        // the turned axes, right only for a uniform scale).
+        aiMatrix4x4 translation, scaling;
+        aiMatrix4x4::Translation(
+            keyAt(channel->mPositionKeys, channel->mNumPositionKeys, ticks, position, lerp), translation);
+        aiMatrix4x4::Scaling(keyAt(channel->mScalingKeys, channel->mNumScalingKeys, ticks, scale, lerp),
+                             scaling);
+        const aiQuaternion turn =
+            keyAt(channel->mRotationKeys, channel->mNumRotationKeys, ticks, rotation, slerp);
+        return translation * aiMatrix4x4(turn.GetMatrix()) * scaling;
     }
     return node->mTransformation;
 }
