@@ -22,8 +22,7 @@ namespace pvtest {
 
 struct ToolRun {
     int status = -1;  // exit status, -1 when the tool did not exit normally
-    std::string output;
-    std::string error;
+    std::string output, error;
 };
 
 // Runs tool with arguments from scratch/tool-run; its standard output and
@@ -32,14 +31,10 @@ inline ToolRun runTool(const std::string& tool, const std::string& arguments, co
 {
     const std::string folder = scratch.file("tool-run");
     mkdir(folder.c_str(), 0755);
-    const std::string command = "cd " + folder + " && " + tool + " " + arguments + " >" + folder +
-                                "/out.txt 2>" + folder + "/err.txt";
-    const int status = std::system(command.c_str());
-    ToolRun run;
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.output = readFile(folder + "/out.txt");
-    run.error = readFile(folder + "/err.txt");
-    return run;
+    const int status =
+        std::system(("cd " + folder + " && " + tool + " " + arguments + " >out.txt 2>err.txt").c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder + "/out.txt"),
+            readFile(folder + "/err.txt")};
 }
 
 // The sample models the tests convert.
@@ -63,10 +58,9 @@ inline Picture readPicture(const std::string& path)
     Picture picture;
     int channels;
     unsigned char* pixels = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
-    if (pixels) {
+    if (pixels)
         picture.rgb.assign(pixels, pixels + size_t(picture.width) * picture.height * 3);
-        stbi_image_free(pixels);
-    }
+    stbi_image_free(pixels);
     return picture;
 }
 

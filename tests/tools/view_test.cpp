@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "support/glfixture.h"
 #include "tools/runtool.h"
@@ -48,7 +49,7 @@ protected:
                                                     arguments + " --size 160x120 --screenshot shot.png", dir);
         EXPECT_EQ(run.status, 0) << run.error;
         Picture shot = pvtest::readPicture(dir.file("tool-run/shot.png"));
-        EXPECT_EQ(shot.rgb.size(), 160 * 120 * 3u);
+        EXPECT_EQ((std::vector<int> {160, 120}), (std::vector<int> {shot.width, shot.height}));
         shot.rgb.resize(160 * 120 * 3);  // a missing screenshot reads as black
         return shot;
     }
