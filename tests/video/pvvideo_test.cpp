@@ -116,36 +116,6 @@ TEST_F(VideoTest, DeletingAVideoClosesItsFileAndDecoder)
     }
 }
 
-// Every clip, broken or not, plays to the end of its file, where it is opened
-// again from its start: a looping video goes on, any other stops.
-TEST_F(VideoTest, EndOfFileReopensTheClip)
-{
-    const struct {
-        const char* clip;
-        void (PVVIDEO::*start)();
-        PV_VIDEO_STATUS after;
-    } cases[] = {
-        {"bands.mpg", &PVVIDEO::play, PV_VIDEO_STOP},     {"bands.mpg", &PVVIDEO::playLoop, PV_VIDEO_LOOP},
-        {"colours.mpg", &PVVIDEO::play, PV_VIDEO_STOP},   {"truncated.mpg", &PVVIDEO::play, PV_VIDEO_STOP},
-        {"corrupted.mpg", &PVVIDEO::play, PV_VIDEO_STOP}, {"corrupted.mpg", &PVVIDEO::rewind, PV_VIDEO_STOP},
-    };
-    for (const auto& c : cases) {
-        const std::string what = std::string(c.clip) + " from status " + std::to_string(int(c.after));
-        PVVIDEO video;
-        log.fresh();
-        ASSERT_TRUE(video.load(c.clip));
-        (video.*c.start)();
-        const int firstPass = stepsToEnd(video, c.clip);
-        ASSERT_GT(firstPass, 0) << what;
-        EXPECT_EQ(c.after, video.getStatus()) << what;
-        EXPECT_EQ(c.after != PV_VIDEO_STOP, video.update(0)) << what;
-        // Reopened at its start: the next pass is as long as the first.
-        (video.*c.start)();
-        EXPECT_EQ(firstPass, stepsToEnd(video, c.clip)) << what;
-        EXPECT_EQ(loadingLine(c.clip) + loadingLine(c.clip) + loadingLine(c.clip), log.fresh()) << what;
-    }
-}
-
 // A rewind waits for an update that finds the last read empty, which only a
 // failed reopening at the end leaves behind; it then loads the file again.
 TEST_F(VideoTest, RewindReloadsAfterAFailedReopening)
