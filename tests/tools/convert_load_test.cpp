@@ -20,11 +20,21 @@ namespace {
 
 using pvtest::models;
 
-// A model's meshes, vertices and faces, and the box its placed vertices fill.
+aiVector3D vectorAt(const GLfixed* values, unsigned int index)
+{
+    return aiVector3D(values[3 * index] / 65536.0f, values[3 * index + 1] / 65536.0f,
+                      values[3 * index + 2] / 65536.0f);
+}
+
+// A model's meshes, vertices and faces, and the box its placed vertices fill:
+// of Assimp's scene of the source or of the engine's tree.
 struct Totals {
     unsigned int vertices = 0, faces = 0, meshes = 0;
     aiVector3D low {1e30f, 1e30f, 1e30f}, high {-1e30f, -1e30f, -1e30f};
     float farthest = 0;  // from the origin
+
+    explicit Totals(const aiScene* scene) { addSource(scene, scene->mRootNode, aiMatrix4x4()); }
+    explicit Totals(PVNODE* root) { addEngine(root); }
 
     void add(const aiVector3D& p)
     {
@@ -33,6 +43,42 @@ struct Totals {
         high = aiVector3D(std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z));
     }
     float size() const { return (high - low).Length(); }
+
+    // Every mesh instance, placed by its node's world transform.
+    void addSource(const aiScene* scene, const aiNode* node, const aiMatrix4x4& parent)
+    {
+        const aiMatrix4x4 world = parent * node->mTransformation;
+        for (unsigned int m = 0; m < node->mNumMeshes; m++) {
+            const aiMesh* mesh = scene->mMeshes[node->mMeshes[m]];
+            meshes++;
+            vertices += mesh->mNumVertices;
+            for (unsigned int f = 0; f < mesh->mNumFaces; f++)
+                faces += mesh->mFaces[f].mNumIndices == 3;
+            for (unsigned int v = 0; v < mesh->mNumVertices; v++)
+                add(world * mesh->mVertices[v]);
+        }
+        for (unsigned int c = 0; c < node->mNumChildren; c++)
+            addSource(scene, node->mChildren[c], world);
+    }
+
+    // Every mesh with geometry, placed by its world matrix.
+    void addEngine(PVNODE* node)
+    {
+        if (node->getType() == PV_TYPE_MESH) {
+            PVMESH* mesh = static_cast<PVMESH*>(node);
+            meshes += mesh->getNumberOfVertices() > 0;
+            vertices += mesh->getNumberOfVertices();
+            faces += mesh->getNumberOfFaces();
+            const K3MMATRIX world = mesh->getFinalMatrix(nullptr);
+            for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++) {
+                const aiVector3D p = vectorAt(mesh->getVertexPtr(), v);
+                const K3MVECTOR4D placed = world.transform(K3MVECTOR3D(p.x, p.y, p.z));
+                add(aiVector3D(placed.x, placed.y, placed.z));
+            }
+        }
+        for (unsigned int c = 0; c < node->getNumberOfChildren(); c++)
+            addEngine(node->getChild(c));
+    }
 
     // Both boxes agree on every axis to within tolerance.
     void expectSameBox(const Totals& source, float tolerance) const
@@ -43,55 +89,6 @@ struct Totals {
         }
     }
 };
-
-// What the source holds: every mesh instance, placed by its node's world transform.
-void addSource(const aiScene* scene, const aiNode* node, const aiMatrix4x4& parent, Totals& totals)
-{
-    const aiMatrix4x4 world = parent * node->mTransformation;
-    for (unsigned int m = 0; m < node->mNumMeshes; m++) {
-        const aiMesh* mesh = scene->mMeshes[node->mMeshes[m]];
-        totals.meshes++;
-        totals.vertices += mesh->mNumVertices;
-        for (unsigned int f = 0; f < mesh->mNumFaces; f++)
-            totals.faces += mesh->mFaces[f].mNumIndices == 3;
-        for (unsigned int v = 0; v < mesh->mNumVertices; v++)
-            totals.add(world * mesh->mVertices[v]);
-    }
-    for (unsigned int c = 0; c < node->mNumChildren; c++)
-        addSource(scene, node->mChildren[c], world, totals);
-}
-
-Totals sourceTotals(const aiScene* scene)
-{
-    Totals totals;
-    addSource(scene, scene->mRootNode, aiMatrix4x4(), totals);
-    return totals;
-}
-
-aiVector3D vectorAt(const GLfixed* values, unsigned int index)
-{
-    return aiVector3D(values[3 * index] / 65536.0f, values[3 * index + 1] / 65536.0f,
-                      values[3 * index + 2] / 65536.0f);
-}
-
-// What the engine holds: every mesh with geometry, placed by its world matrix.
-void addEngine(PVNODE* node, Totals& totals)
-{
-    if (node->getType() == PV_TYPE_MESH) {
-        PVMESH* mesh = static_cast<PVMESH*>(node);
-        totals.meshes += mesh->getNumberOfVertices() > 0;
-        totals.vertices += mesh->getNumberOfVertices();
-        totals.faces += mesh->getNumberOfFaces();
-        const K3MMATRIX world = mesh->getFinalMatrix(nullptr);
-        for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++) {
-            const aiVector3D p = vectorAt(mesh->getVertexPtr(), v);
-            const K3MVECTOR4D placed = world.transform(K3MVECTOR3D(p.x, p.y, p.z));
-            totals.add(aiVector3D(placed.x, placed.y, placed.z));
-        }
-    }
-    for (unsigned int c = 0; c < node->getNumberOfChildren(); c++)
-        addEngine(node->getChild(c), totals);
-}
 
 class ConvertedModels : public pvtest::RecordingTest {
 protected:
@@ -173,9 +170,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsPlacementAndWindin
 
         Assimp::Importer importer;
         const aiScene* scene = pvtest::importSource(importer, models + file);
-        const Totals source = sourceTotals(scene);
-        Totals engine;
-        addEngine(root, engine);
+        const Totals source(scene), engine(root);
         EXPECT_EQ((std::vector<unsigned int> {source.meshes, source.vertices, source.faces}),
                   (std::vector<unsigned int> {engine.meshes, engine.vertices, engine.faces}));
         EXPECT_EQ(PVMATERIAL::getNumberOfMaterials() - materialsBefore, int(scene->mNumMaterials));
@@ -210,7 +205,7 @@ TEST(SkeletonPose, FirstKeysGiveTheStoredPoseUnderNonUniformScale)
 TEST_F(ConvertedModels, ScaleAndFitResizeTheWholeModel)
 {
     Assimp::Importer importer;
-    const Totals source = sourceTotals(pvtest::importSource(importer, models + "FBX/spider.fbx"));
+    const Totals source(pvtest::importSource(importer, models + "FBX/spider.fbx"));
     const struct {
         const char* options;
         float scale;
@@ -228,9 +223,7 @@ TEST_F(ConvertedModels, ScaleAndFitResizeTheWholeModel)
             continue;  // beyond what the engine holds
         PVNODE* root = PEVRANO::load(dir.file(name).c_str());
         ASSERT_NE(root, nullptr);
-        Totals engine;
-        addEngine(root, engine);
-        EXPECT_NEAR(engine.farthest, source.farthest * cases[i].scale,
+        EXPECT_NEAR(Totals(root).farthest, source.farthest * cases[i].scale,
                     source.size() * cases[i].scale * 1e-3f);
     }
 }
@@ -273,9 +266,7 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
         PEVRANO::end3D(false);
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
         EXPECT_EQ(log.text().find("[!]"), std::string::npos) << log.text();
-        Totals engine;
-        addEngine(root, engine);
-        engine.expectSameBox(sourceTotals(scene), 1e-3f);
+        Totals(root).expectSameBox(Totals(scene), 1e-3f);
     }
     PEVRANO::free();
 }
