@@ -90,16 +90,7 @@ struct Totals {
     }
 };
 
-class ConvertedModels : public pvtest::RecordingTest {
-protected:
-    // Converts the model into the scratch folder as name.pve and loads it.
-    PVNODE* convertAndLoad(const std::string& model, const std::string& name)
-    {
-        const pvtest::ToolRun run = pvtest::convertModel(model, name + ".pve", dir);
-        EXPECT_EQ(run.status, 0) << run.error;
-        return PEVRANO::load(dir.file(name + ".pve").c_str());
-    }
-};
+using ConvertedModels = pvtest::RecordingTest;
 
 // Face normals, and the vertex normals around each face, point to the side
 // from which the face's corners run counter-clockwise: the front the engine
@@ -162,7 +153,7 @@ TEST_F(ConvertedModels, StaticModelsKeepTheirGeometryMaterialsPlacementAndWindin
         // Material names are engine-wide: each model gets a name of its own.
         const int materialsBefore = PVMATERIAL::getNumberOfMaterials();
         log.fresh();
-        PVNODE* root = convertAndLoad(file, "model" + std::to_string(i));
+        PVNODE* root = pvtest::convertAndLoad(file, "model" + std::to_string(i) + ".pve", dir);
         ASSERT_NE(root, nullptr) << log.text();
         // The load warns of nothing but the normal maps it finds missing (none are made).
         const std::regex normalMaps(".*normal map not found.*\n");
@@ -275,7 +266,7 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
 // animation takes them over as its structure.
 TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
 {
-    PVNODE* root = convertAndLoad("glTF2/simple_skin/simple_skin.gltf", "skin");
+    PVNODE* root = pvtest::convertAndLoad("glTF2/simple_skin/simple_skin.gltf", "skin.pve", dir);
     ASSERT_NE(root, nullptr) << log.text();
     EXPECT_STREQ(root->getName(), "HumanoidRoot");
     PVMESH* skin = static_cast<PVMESH*>(root->getChild(1));

@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <pevrano.h>
+
 #include "modelconverter.h"
 #include "support/scratch.h"
 
@@ -45,6 +47,16 @@ inline ToolRun convertModel(const std::string& model, const std::string& pve, co
                             const std::string& options = "")
 {
     return runTool(PEVRANO_CONVERT, options + " " + models + model + " " + scratch.file(pve), scratch);
+}
+
+// Converts a sample model into scratch/pve and loads it; a failed conversion
+// fails the test with the converter's errors.
+inline PVNODE* convertAndLoad(const std::string& model, const std::string& pve, const ScratchDir& scratch,
+                              const std::string& options = "")
+{
+    const ToolRun run = convertModel(model, pve, scratch, options);
+    EXPECT_EQ(run.status, 0) << run.error;
+    return PEVRANO::load(scratch.file(pve).c_str());
 }
 
 // A picture file decoded to 8-bit RGB, top row first; empty when unreadable.

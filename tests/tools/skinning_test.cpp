@@ -128,11 +128,10 @@ TEST_F(SkinnedModels, EngineSkinningFollowsTheSourceAnimation)
         const aiAnimation& animation = *scene->mAnimations[c.animation];
 
         const std::string name = "skin" + std::to_string(i) + ".pve";
-        const pvtest::ToolRun run = pvtest::convertModel(c.model, name, dir,
-                                                         "--fps " + std::to_string(framesPerSecond) +
-                                                             " --scale " + std::to_string(c.scale));
-        PVNODE* root = PEVRANO::load(dir.file(name).c_str());
-        ASSERT_NE(root, nullptr) << run.error;
+        const std::string options =
+            "--fps " + std::to_string(framesPerSecond) + " --scale " + std::to_string(c.scale);
+        PVNODE* root = pvtest::convertAndLoad(c.model, name, dir, options);
+        ASSERT_NE(root, nullptr);
         PVANIM anim;
         std::string pva = ModelConverter::animationFileName(dir.file(name), animation, c.animation);
         ASSERT_TRUE(anim.load(&pva[0]));
