@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pevrano.h>
@@ -22,15 +23,10 @@ namespace {
 // conversion to RGB add a few more.
 const double videoTolerance = 12.0;
 
-struct NamedColour {
-    const char* name;
-    Rgb rgb;
-};
-
 // The colours the clips were made with.
-const NamedColour clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
-                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
-                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
+const std::pair<const char*, Rgb> clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
+                                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
+                                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
 
 class VideoPixels : public VideoFixture<RecordingTest> {
 protected:
@@ -73,9 +69,9 @@ protected:
         auto near = [](double wanted, double got) {
             return std::abs(wanted - got) * 255.0 <= videoTolerance;
         };
-        for (const NamedColour& colour : clipColours)
-            if (near(colour.rgb.r, seen.r) && near(colour.rgb.g, seen.g) && near(colour.rgb.b, seen.b))
-                return colour.name;
+        for (const auto& [name, rgb] : clipColours)
+            if (near(rgb.r, seen.r) && near(rgb.g, seen.g) && near(rgb.b, seen.b))
+                return name;
         return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
                std::to_string(int(seen.b * 255)) + ")";
     }
