@@ -63,7 +63,10 @@ TEST_F(Converter, RefusesOrWarnsAboutWhatItCannotConvert)
     for (size_t i = 0; i < std::size(cases); i++) {
         SCOPED_TRACE(cases[i].input);
         const std::string output = dir.file(std::to_string(i) + ".pve");
-        const pvtest::ToolRun result = convert(cases[i].input + " " + output);
+        // Assimp leaks on some broken files: under AddressSanitizer the leak
+        // report would join the messages.
+        const pvtest::ToolRun result = pvtest::runTool(
+            "ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 " PEVRANO_CONVERT, cases[i].input + " " + output, dir);
         EXPECT_EQ(result.status, cases[i].status);
         EXPECT_EQ(result.output, result.status ? "" : "wrote " + output + "\n");
         EXPECT_EQ(pvtest::readFile(output).empty(), result.status != 0);
