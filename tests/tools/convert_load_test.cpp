@@ -98,9 +98,9 @@ using ConvertedModels = pvtest::RecordingTest;
 void expectNormalsFollowWinding(PVNODE* root, bool convex)
 {
     for (PVNODE* node = root; node; node = node->getNextNode()) {
-        PVMESH* mesh = static_cast<PVMESH*>(node);
-        if (node->getType() != PV_TYPE_MESH || mesh->getNumberOfFaces() == 0)
+        if (node->getType() != PV_TYPE_MESH || static_cast<PVMESH*>(node)->getNumberOfFaces() == 0)
             continue;
+        PVMESH* mesh = static_cast<PVMESH*>(node);
         const GLfixed* vertices = mesh->getVertexPtr();
         aiVector3D centre;
         for (unsigned int v = 0; v < mesh->getNumberOfVertices(); v++)
@@ -269,8 +269,8 @@ TEST_F(ConvertedModels, SkinBonesAreBoundAndGiveAnAnimationItsStructure)
     PVNODE* root = pvtest::convertAndLoad("glTF2/simple_skin/simple_skin.gltf", "skin.pve", dir);
     ASSERT_NE(root, nullptr) << log.text();
     EXPECT_STREQ(root->getName(), "HumanoidRoot");
+    ASSERT_EQ(root->getChild(1)->getType(), PV_TYPE_MESH);
     PVMESH* skin = static_cast<PVMESH*>(root->getChild(1));
-    ASSERT_EQ(skin->getType(), PV_TYPE_MESH);
     PVANIM anim;
     ASSERT_TRUE(anim.acquireStructure(skin));
     ASSERT_EQ(anim.getNumberOfBones(), 2u);
