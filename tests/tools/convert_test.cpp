@@ -4,7 +4,9 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "assets/pvanim.h"
 #include "assets/pvtexture.h"
@@ -18,81 +20,59 @@ using pvtest::models;
 
 class Converter : public pvtest::RecordingTest {
 protected:
-    // Runs the converter with arguments; keeps its output and error text.
-    int run(const std::string& arguments)
+    pvtest::ToolRun convert(const std::string& arguments)
     {
-        const pvtest::ToolRun result = pvtest::runTool(PEVRANO_CONVERT, arguments, dir);
-        output = result.output;
-        error = result.error;
-        return result.status;
+        return pvtest::runTool(PEVRANO_CONVERT, arguments, dir);
     }
-
-    std::string output;
-    std::string error;
 };
 
 TEST_F(Converter, HelpListsTheOptions)
 {
-    ASSERT_EQ(run("--help"), 0);
+    const pvtest::ToolRun help = convert("--help"), badRate = convert("--fps 0 a b");
+    EXPECT_EQ(help.status, 0);
     // The help alone: the engine's start-up lines stay in its log.
-    EXPECT_EQ(output.find("usage: pevrano-convert [options] <model> <output.pve>\n"), 0u) << output;
-    EXPECT_EQ(run("--fps 0 a b"), 2);
-    EXPECT_NE(error.find("bad argument '--fps'"), std::string::npos);
-    EXPECT_EQ(run("only-one-name"), 2);
+    EXPECT_EQ(help.output.find("usage: pevrano-convert [options] <model> <output.pve>\n"), 0u) << help.output;
+    EXPECT_EQ(badRate.status, 2);
+    EXPECT_NE(badRate.error.find("bad argument '--fps'"), std::string::npos);
+    EXPECT_EQ(convert("only-one-name").status, 2);
 }
 
-// Unreadable input, or a model the engine could not hold, ends with a
-// message and status 1, and nothing is written.
-TEST_F(Converter, RefusesWhatItCannotConvert)
+// Unreadable input, or a model the engine could not hold, ends with status 1
+// and nothing written; what the engine cannot keep is left out with a warning,
+// and the rest is written. One message each, as convert-messages.log lists.
+TEST_F(Converter, RefusesOrWarnsAboutWhatItCannotConvert)
 {
-    const std::string cases[][2] = {
-        {dir.file("missing.obj"), "pevrano-convert: cannot read '" + dir.file("missing.obj") + "': "},
-        {PEVRANO_TEST_DATA "/convert/not_a_model.dae", "pevrano-convert: cannot read '"},
-        {PEVRANO_TEST_DATA "/convert/truncated.stl", "pevrano-convert: cannot read '"},
-        {models + "X/anim_test.x", "': mesh 'pCylinder1' names bone 'joint3' that no node has\n"},
-        {models + "OBJ/testpoints.obj",
-         "': No meshes remaining: the model's points and lines are dropped, the "
-         "engine draws only triangles\n"},
-        {models + "PLY/points.ply",
-         "': Validation failed: Mesh  contains no faces: points are not converted, "
-         "the engine draws only triangles\n"},
-        {models + "Collada/cameras.dae",
-         "': the model holds 3 cameras, 0 lights and no geometry; cameras and "
-         "lights are not converted\n"},
-        // 31 animated links and the tip: one level more than the engine draws.
-        {PEVRANO_TEST_DATA "/convert/animated_chain.gltf",
-         "': the tree is 32 levels deep (node 'tip') even with the nodes that carry no geometry and no "
-         "animation folded away; the engine draws at most 31 levels\n"},
-        {models + "Collada/anims_with_full_rotations_between_keys.DAE",
-         "': the tree is 66 levels deep (node 'Box064-Pivot') even with the nodes that carry no "
-         "geometry and no animation folded away; the engine draws at most 31 levels\n"},
+    const std::string converting = PEVRANO_TEST_DATA "/convert/";
+    const struct {
+        std::string input;
+        int status;
+    } cases[] = {
+        {dir.file("missing.obj"), 1},
+        {converting + "not_a_model.dae", 1},
+        {converting + "truncated.stl", 1},
+        {models + "X/anim_test.x", 1},
+        {models + "OBJ/testpoints.obj", 1},
+        {models + "PLY/points.ply", 1},
+        {models + "Collada/cameras.dae", 1},
+        {converting + "animated_chain.gltf", 1},  // 31 animated links and the tip: one level too many
+        {models + "Collada/anims_with_full_rotations_between_keys.DAE", 1},
+        {models + "glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf", 0},
+        {models + "glTF2/BoxWithInfinites-glTF-Binary/BoxWithInfinites.glb", 0},
     };
-    for (const auto& [input, message] : cases) {
-        SCOPED_TRACE(input);
-        EXPECT_EQ(run(input + " " + dir.file("out.pve")), 1);
-        EXPECT_NE(error.find(message), std::string::npos) << error;
-        EXPECT_EQ(pvtest::readFile(dir.file("out.pve")), "");
+    std::string messages;
+    for (size_t i = 0; i < std::size(cases); i++) {
+        SCOPED_TRACE(cases[i].input);
+        const std::string output = dir.file(std::to_string(i) + ".pve");
+        // Assimp leaks on some broken files: under AddressSanitizer the leak
+        // report would join the messages.
+        const pvtest::ToolRun result = pvtest::runTool(
+            "ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 " PEVRANO_CONVERT, cases[i].input + " " + output, dir);
+        EXPECT_EQ(result.status, cases[i].status);
+        EXPECT_EQ(result.output, result.status ? "" : "wrote " + output + "\n");
+        EXPECT_EQ(pvtest::readFile(output).empty(), result.status != 0);
+        messages += result.error;
     }
-}
-
-// What the engine cannot keep is left out or kept with a warning; the model
-// is converted all the same.
-TEST_F(Converter, WarnsAboutWhatItCannotKeep)
-{
-    const std::string cases[][2] = {
-        {"glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf",
-         "animation 0 'Square' is not converted: it changes mesh shapes (morph targets or mesh replacement), "
-         "which the engine's animations cannot"},
-        {"glTF2/BoxWithInfinites-glTF-Binary/BoxWithInfinites.glb",
-         "the model has coordinates that are not finite numbers (node 'nodes_1'), which the engine cannot "
-         "place"},
-    };
-    for (const auto& [model, warning] : cases) {
-        SCOPED_TRACE(model);
-        ASSERT_EQ(run(models + model + " " + dir.file("model.pve")), 0);
-        EXPECT_EQ(error, "pevrano-convert: warning: " + warning + "\n");
-        EXPECT_EQ(output, "wrote " + dir.file("model.pve") + "\n");
-    }
+    pvtest::expectLog(messages, pvtest::readLogLines(PEVRANO_TEST_DATA "/expected/convert-messages.log"));
 }
 
 // A damaged file whose counts make Assimp ask for 16 GB stops at once at the
@@ -106,7 +86,7 @@ TEST_F(Converter, StopsAtItsMemoryLimit)
 #endif
     const std::string model = models + "invalid/OutOfMemory.off";
     const pvtest::ToolRun result =
-        pvtest::runTool("ulimit -v 5242880 && " PEVRANO_CONVERT, model + " " + dir.file("out.pve"), dir);
+        pvtest::runTool("ulimit -v 5242880 && " PEVRANO_CONVERT, model + " x.pve", dir);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.error,
               "pevrano-convert: cannot read '" + model +
@@ -117,16 +97,13 @@ TEST_F(Converter, StopsAtItsMemoryLimit)
 // colours are the source's, averaged.
 TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
 {
-    ASSERT_EQ(run(models + "Collada/duck.dae " + dir.file("duck.pve")), 0) << error;
+    convert(models + "Collada/duck.dae " + dir.file("duck.pve"));
     PVTEXTURE texture;
     ASSERT_TRUE(texture.load(dir.file("duck_0.tga").c_str())) << log.text();
-    ASSERT_EQ(texture.getSizeX(), 256u);
-    ASSERT_EQ(texture.getSizeY(), 256u);
-    ASSERT_EQ(texture.getFormat(), 3u);
-
+    ASSERT_EQ((std::vector<unsigned int> {256, 256, 3}),
+              (std::vector<unsigned int> {texture.getSizeX(), texture.getSizeY(), texture.getFormat()}));
     const pvtest::Picture source = pvtest::readPicture(models + "Collada/duckCM.tga");
-    ASSERT_EQ(source.width, 512);
-    ASSERT_EQ(source.height, 512);
+    ASSERT_EQ(source.rgb.size(), 512 * 512 * 3u);
     double difference = 0;
     for (int i = 0; i < 256 * 256 * 3; i++) {
         // The bitmap holds the bottom row first, the decoded source the top row.
@@ -139,33 +116,22 @@ TEST_F(Converter, TexturesShrinkToWhatTheEngineReads)
     EXPECT_LT(difference / (256 * 256 * 3), 1.0);
 }
 
-// One animation file per animation, every frame of the resampled duration,
-// every bone of the skin named as its node.
+// One animation file per animation, named after it, with every frame of its
+// duration resampled at the given rate.
 TEST_F(Converter, AnimationsAreResampledAtTheGivenRate)
 {
-    ASSERT_EQ(run("--fps 10 " + models + "X/Testwuson.X " + dir.file("wuson.pve")), 0) << error;
-    const char* files[] = {"wuson_0_Wuson_Run.pva", "wuson_1_Wuson_Walk.pva", "wuson_2_Wuson_Bind.pva"};
+    ASSERT_EQ(convert("--fps 10 " + models + "X/Testwuson.X " + dir.file("wuson.pve")).status, 0);
     Assimp::Importer importer;
     const aiScene* scene = pvtest::importSource(importer, models + "X/Testwuson.X");
-    ASSERT_NE(scene, nullptr);
-    ASSERT_EQ(scene->mNumAnimations, 3u);
-    for (unsigned int a = 0; a < 3; a++) {
-        SCOPED_TRACE(files[a]);
-        const aiAnimation* source = scene->mAnimations[a];
+    std::vector<unsigned int> expected, frames;
+    for (std::string file : {"wuson_0_Wuson_Run.pva", "wuson_1_Wuson_Walk.pva", "wuson_2_Wuson_Bind.pva"}) {
+        const aiAnimation* source = scene->mAnimations[expected.size()];
+        expected.push_back(unsigned(std::floor(source->mDuration / source->mTicksPerSecond * 10 + 1e-6)) + 1);
         PVANIM anim;
-        std::string name = files[a];
-        ASSERT_TRUE(anim.load(&name[0])) << log.text();
-        const double seconds = source->mDuration / source->mTicksPerSecond;
-        EXPECT_EQ(anim.getNumberOfFrames(), unsigned(std::floor(seconds * 10 + 1e-6)) + 1);
-        for (unsigned int m = 0; m < scene->mNumMeshes; m++)
-            for (unsigned int b = 0; b < scene->mMeshes[m]->mNumBones; b++) {
-                std::string bone = scene->mMeshes[m]->mBones[b]->mName.C_Str();
-                EXPECT_GE(anim.findBoneByName(&bone[0]), 0) << bone;
-            }
-        for (unsigned int f = 0; f < anim.getNumberOfFrames(); f++)
-            for (unsigned int b = 0; b < anim.getNumberOfBones(); b++)
-                ASSERT_TRUE(anim.getKeyframe(f, b)->set);
+        EXPECT_TRUE(anim.load(&file[0])) << file;
+        frames.push_back(anim.getNumberOfFrames());
     }
+    EXPECT_EQ(expected, frames);
 }
 
 }  // namespace

@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <pevrano.h>
+
 #include "modelconverter.h"
 #include "support/scratch.h"
 
@@ -22,8 +24,7 @@ namespace pvtest {
 
 struct ToolRun {
     int status = -1;  // exit status, -1 when the tool did not exit normally
-    std::string output;
-    std::string error;
+    std::string output, error;
 };
 
 // Runs tool with arguments from scratch/tool-run; its standard output and
@@ -32,14 +33,10 @@ inline ToolRun runTool(const std::string& tool, const std::string& arguments, co
 {
     const std::string folder = scratch.file("tool-run");
     mkdir(folder.c_str(), 0755);
-    const std::string command = "cd " + folder + " && " + tool + " " + arguments + " >" + folder +
-                                "/out.txt 2>" + folder + "/err.txt";
-    const int status = std::system(command.c_str());
-    ToolRun run;
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.output = readFile(folder + "/out.txt");
-    run.error = readFile(folder + "/err.txt");
-    return run;
+    const int status =
+        std::system(("cd " + folder + " && " + tool + " " + arguments + " >out.txt 2>err.txt").c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder + "/out.txt"),
+            readFile(folder + "/err.txt")};
 }
 
 // The sample models the tests convert.
@@ -50,6 +47,16 @@ inline ToolRun convertModel(const std::string& model, const std::string& pve, co
                             const std::string& options = "")
 {
     return runTool(PEVRANO_CONVERT, options + " " + models + model + " " + scratch.file(pve), scratch);
+}
+
+// Converts a sample model into scratch/pve and loads it; a failed conversion
+// fails the test with the converter's errors.
+inline PVNODE* convertAndLoad(const std::string& model, const std::string& pve, const ScratchDir& scratch,
+                              const std::string& options = "")
+{
+    const ToolRun run = convertModel(model, pve, scratch, options);
+    EXPECT_EQ(run.status, 0) << run.error;
+    return PEVRANO::load(scratch.file(pve).c_str());
 }
 
 // A picture file decoded to 8-bit RGB, top row first; empty when unreadable.
@@ -63,10 +70,9 @@ inline Picture readPicture(const std::string& path)
     Picture picture;
     int channels;
     unsigned char* pixels = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
-    if (pixels) {
+    if (pixels)
         picture.rgb.assign(pixels, pixels + size_t(picture.width) * picture.height * 3);
-        stbi_image_free(pixels);
-    }
+    stbi_image_free(pixels);
     return picture;
 }
 

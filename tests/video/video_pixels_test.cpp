@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pevrano.h>
@@ -22,15 +23,10 @@ namespace {
 // conversion to RGB add a few more.
 const double videoTolerance = 12.0;
 
-struct NamedColour {
-    const char* name;
-    Rgb rgb;
-};
-
 // The colours the clips were made with.
-const NamedColour clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
-                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
-                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
+const std::pair<const char*, Rgb> clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
+                                                   {"green", {40 / 255.0, 180 / 255.0, 60 / 255.0}},
+                                                   {"blue", {60 / 255.0, 50 / 255.0, 200 / 255.0}}};
 
 class VideoPixels : public VideoFixture<RecordingTest> {
 protected:
@@ -38,16 +34,13 @@ protected:
     {
         VideoFixture<RecordingTest>::SetUp();
         ASSERT_TRUE(startEngineInWindow()) << log.text();
-        texture = new PVTEXTURE();
-        ASSERT_TRUE(texture->create(64, 64, 3));
-        texture->setFilter(false, false, true);
         // The clip's picture (64 x 48 in the top-left corner of the texture,
-        // first row first) stretched over the whole window.
+        // first row first) stretched over the whole window, drawn blended so
+        // that a picture whose alpha were not opaque would not show.
         screen = new PVBOX();
         screen->setSizes(windowWidth, windowHeight);
         screen->setThickness(0);
-        screen->setColor(1, 1, 1, 1);
-        screen->setTexture(texture);
+        screen->setColor(1, 1, 1, 0.999f);
         PVBOXCOORD picture(1.0f, 48.0f / 64.0f, true);
         screen->setBoxCoords(picture);
     }
@@ -57,96 +50,99 @@ protected:
         VideoFixture<RecordingTest>::TearDown();
     }
 
-    void drawFrame()
+    // A 64 x 64 texture of that format (3 RGB, 4 RGBA), shown by the screen.
+    PVTEXTURE* newTarget(unsigned int format)
+    {
+        PVTEXTURE* texture = new PVTEXTURE();
+        EXPECT_TRUE(texture->create(64, 64, format));
+        texture->setFilter(false, false, true);
+        screen->setTexture(texture);
+        return texture;
+    }
+
+    // The clip colour drawn under the picture's row (0 at the top) and
+    // column, or the levels read when none is near.
+    std::string colourAt(int column, int row)
+    {
+        const Rgb seen = pixelAt((2 * column + 1) * windowWidth / 128,
+                                 windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
+        auto near = [](double wanted, double got) {
+            return std::abs(wanted - got) * 255.0 <= videoTolerance;
+        };
+        for (const auto& [name, rgb] : clipColours)
+            if (near(rgb.r, seen.r) && near(rgb.g, seen.g) && near(rgb.b, seen.b))
+                return name;
+        return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
+               std::to_string(int(seen.b * 255)) + ")";
+    }
+
+    // Draws the screen; the colour at the top of the picture, followed by
+    // the one at its bottom when they differ.
+    std::string drawnPicture()
     {
         PEVRANO::clear(true, true, false);
         PEVRANO::begin2D();
         screen->pass(false);
         PEVRANO::end2D();
+        const std::string top = colourAt(5, 8), bottom = colourAt(60, 40);
+        return top == bottom ? top : top + " over " + bottom;
     }
 
-    // The window pixel under the picture's row (0 at the top) and column.
-    static Rgb pictureAt(int column, int row)
-    {
-        return pixelAt((2 * column + 1) * windowWidth / 128,
-                       windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
-    }
-
-    // The clip colour seen, or the levels read when none is near.
-    static std::string nameOf(Rgb seen)
-    {
-        auto near = [](double wanted, double got) {
-            return std::abs(wanted - got) * 255.0 <= videoTolerance;
-        };
-        for (const NamedColour& colour : clipColours)
-            if (near(colour.rgb.r, seen.r) && near(colour.rgb.g, seen.g) && near(colour.rgb.b, seen.b))
-                return colour.name;
-        return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
-               std::to_string(int(seen.b * 255)) + ")";
-    }
-
-    PVTEXTURE* texture = nullptr;
     PVBOX* screen = nullptr;
 };
 
-// In an RGB or an RGBA texture alike; the box is drawn blended, so that a
-// picture whose alpha were not opaque would not show.
-TEST_F(VideoPixels, PictureLandsUprightWithItsFirstRowAtTheTop)
+// Every clip, broken or not, plays to the end of its file, where it is opened
+// again from its start: a looping video goes on, any other stops. The picture
+// is drawn after every upload, in an RGB or an RGBA texture: it stands
+// upright, and the colours seen over two passes, with repeats folded, follow
+// the clip.
+TEST_F(VideoPixels, FramesShowUprightInTheirOrderAndEachEndReopensTheClip)
 {
-    for (unsigned int format : {3u, 4u}) {
-        PVTEXTURE* target = new PVTEXTURE();
-        ASSERT_TRUE(target->create(64, 64, format));
-        target->setFilter(false, false, true);
-        screen->setTexture(target);
-        screen->setColor(1, 1, 1, 0.999f);
-        PVVIDEO video;
-        ASSERT_TRUE(video.load("bands.mpg"));
-        video.setTexture(target);
-        video.play();
-        ASSERT_GT(stepsToEnd(video, "bands.mpg"), 0);
-        drawFrame();
-        const std::vector<std::string> rows = {nameOf(pictureAt(5, 8)), nameOf(pictureAt(32, 24)),
-                                               nameOf(pictureAt(60, 40))};
-        EXPECT_EQ((std::vector<std::string> {"red", "green", "blue"}), rows) << "format " << format;
-    }
-}
-
-// The picture is drawn after every upload; the colours seen, with repeats
-// folded, follow the clip (again from its start when looping).
-TEST_F(VideoPixels, FramesShowInTheirOrder)
-{
+    const std::vector<std::string> twice = {"red", "green", "blue", "red", "green", "blue"};
     const struct {
         const char* clip;
         void (PVVIDEO::*start)();
-        int passes;
+        unsigned int format;
         std::vector<std::string> colours;
     } cases[] = {
-        {"colours.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
-        {"colours.mpg", &PVVIDEO::playLoop, 2, {"red", "green", "blue", "red", "green", "blue"}},
-        {"truncated.mpg", &PVVIDEO::play, 1, {"red"}},
-        {"corrupted.mpg", &PVVIDEO::play, 1, {"red", "green", "blue"}},
+        {"bands.mpg", &PVVIDEO::play, 3, {"red over blue"}},
+        {"bands.mpg", &PVVIDEO::playLoop, 4, {"red over blue"}},
+        {"colours.mpg", &PVVIDEO::play, 3, twice},
+        {"colours.mpg", &PVVIDEO::playLoop, 3, twice},
+        {"truncated.mpg", &PVVIDEO::play, 3, {"red"}},
+        {"corrupted.mpg", &PVVIDEO::play, 3, twice},
+        {"corrupted.mpg", &PVVIDEO::rewind, 3, twice},
     };
     for (const auto& c : cases) {
+        const bool looping = c.start == &PVVIDEO::playLoop;
+        SCOPED_TRACE(std::string(c.clip) + (looping ? " looping" : "") + " format " +
+                     std::to_string(c.format));
         PVVIDEO video;
+        log.fresh();
         ASSERT_TRUE(video.load(c.clip));
-        video.setTexture(texture);
-        (video.*c.start)();
+        video.setTexture(newTarget(c.format));
         std::vector<std::string> seen;
-        recorder.start();
-        const size_t loadsBefore = occurrences(log.text(), loadingLine(c.clip));
-        for (int step = 0;
-             step < 1000 && occurrences(log.text(), loadingLine(c.clip)) < loadsBefore + c.passes; step++) {
-            const size_t uploads = recorder.count("glTexSubImage2D");
-            video.update(1);
+        size_t uploads = 0;
+        auto look = [&] {
             if (recorder.count("glTexSubImage2D") == uploads)
-                continue;
-            drawFrame();
-            const std::string colour = nameOf(pictureAt(32, 24));
-            if (seen.empty() || seen.back() != colour)
-                seen.push_back(colour);
-        }
+                return;
+            uploads = recorder.count("glTexSubImage2D");
+            const std::string colours = drawnPicture();
+            if (seen.empty() || seen.back() != colours)
+                seen.push_back(colours);
+        };
+        recorder.start();
+        (video.*c.start)();
+        const int firstPass = stepsToEnd(video, c.clip, look);
+        ASSERT_GT(firstPass, 0);
+        EXPECT_EQ(looping ? PV_VIDEO_LOOP : PV_VIDEO_STOP, video.getStatus());
+        EXPECT_EQ(looping, video.update(0));
+        // Reopened at its start: the next pass is as long as the first.
+        (video.*c.start)();
+        EXPECT_EQ(firstPass, stepsToEnd(video, c.clip, look));
         recorder.stop();
-        EXPECT_EQ(c.colours, seen) << c.clip;
+        EXPECT_EQ(c.colours, seen);
+        EXPECT_EQ(loadingLine(c.clip) + loadingLine(c.clip) + loadingLine(c.clip), log.fresh());
     }
 }
 
@@ -155,7 +151,7 @@ TEST_F(VideoPixels, EngineShutdownDeletesEveryVideo)
     new PVVIDEO();
     PVVIDEO* playing = new PVVIDEO();
     ASSERT_TRUE(playing->load("bands.mpg"));
-    playing->setTexture(texture);  // released before the video
+    playing->setTexture(newTarget(3));  // released before the video
     playing->play();
     EXPECT_TRUE(playing->update(3));
     log.fresh();

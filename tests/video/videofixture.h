@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include <pevrano.h>
@@ -43,14 +44,17 @@ protected:
         Base::TearDown();
     }
 
-    // Runs single steps until the log shows the file opened once more than
-    // before (the end of the file was reached), at most limit steps. Returns
-    // the steps taken, or -1 when the end never came.
-    int stepsToEnd(PVVIDEO& video, const std::string& name, int limit = 10000)
+    // Runs single steps, each followed by afterStep when given, until the log
+    // shows the file opened once more than before (the end of the file was
+    // reached), at most 10000 steps. Returns the steps taken, or -1 when the
+    // end never came.
+    int stepsToEnd(PVVIDEO& video, const std::string& name, const std::function<void()>& afterStep = {})
     {
         const size_t loadsBefore = occurrences(this->log.text(), loadingLine(name));
-        for (int steps = 1; steps <= limit; steps++) {
+        for (int steps = 1; steps <= 10000; steps++) {
             video.update(1);
+            if (afterStep)
+                afterStep();
             if (occurrences(this->log.text(), loadingLine(name)) > loadsBefore)
                 return steps;
         }
