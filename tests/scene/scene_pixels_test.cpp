@@ -19,10 +19,6 @@ using namespace pvtest;
 
 namespace {
 
-struct ScreenPoint {
-    double x, y;  // window pixels, y from the bottom as GL reads them
-};
-
 class ScenePixels : public RecordingTest {
 protected:
     void SetUp() override
@@ -41,43 +37,28 @@ protected:
         return quad;
     }
 
-    static ScreenPoint project(const Mat4& view, Vec3 world)
-    {
-        const Vec3 at = windowPoint(view, world);
-        return {at.x, at.y};
-    }
-
-    static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)
+    static void expectColourAt(Rgb expected, Vec3 at, const std::string& what)
     {
         const std::string where = what + " at (" + std::to_string(at.x) + ", " + std::to_string(at.y) + ")";
-        pvtest::expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
+        expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
     }
 
     // The quad placed by model covers the projection of its centre and the
     // points 80% of the way to each projected corner; 125% of the way lies
     // outside it.
-    void expectPlacedQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
-                                  const std::string& what)
-    {
-        const ScreenPoint mid = project(view, model.transformPoint({0, 0, 0}));
-        expectColour(colour, mid, what + ", centre");
-        const double corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-        for (const auto& c : corners) {
-            const ScreenPoint corner =
-                project(view, model.transformPoint({c[0] * halfSize, c[1] * halfSize, 0}));
-            const ScreenPoint inside = {mid.x + 0.8 * (corner.x - mid.x), mid.y + 0.8 * (corner.y - mid.y)};
-            const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x),
-                                         mid.y + 1.25 * (corner.y - mid.y)};
-            ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
-            expectColour(colour, inside, what + ", inside a corner");
-            expectColour({0, 0, 0}, outside, what + ", beyond a corner");
-        }
-    }
-    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour,
+    void expectQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
                             const std::string& what)
     {
-        expectPlacedQuadOnScreen(view, Mat4::translation(centre.x, centre.y, centre.z), halfSize, colour,
-                                 what);
+        const Vec3 mid = windowPoint(view, model.transformPoint({0, 0, 0}));
+        expectColourAt(colour, mid, what + ", centre");
+        for (const double c : {-1.0, 1.0}) {
+            for (const double d : {-1.0, 1.0}) {
+                const Vec3 corner = windowPoint(view, model.transformPoint({c * halfSize, d * halfSize, 0}));
+                ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
+                expectColourAt(colour, mid + (corner - mid) * 0.8, what + ", inside a corner");
+                expectColourAt({0, 0, 0}, mid + (corner - mid) * 1.25, what + ", beyond a corner");
+            }
+        }
     }
 
     PVNODE* root = nullptr;
@@ -98,7 +79,7 @@ TEST_F(ScenePixels, QuadLandsWhereTheCameraLooks)
     camera->setTargetNode(followed);
     drawFrame(root, camera);
     const Mat4 following = Mat4::lookAt({-5, 2, 8}, {2, -1, -3}, {0, 1, 0});
-    expectQuadOnScreen(following, {2, -1, -3}, 1.0, {0.0, 1.0, 1.0}, "follow camera");
+    expectQuadOnScreen(following, Mat4::translation(2, -1, -3), 1.0, {0.0, 1.0, 1.0}, "follow camera");
 }
 
 TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
@@ -125,7 +106,7 @@ TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
     const Vec3 normal = model.transformPoint({0, 0, 1});
     const double nDotL = dot(normal, {-0.48, 0.6, 0.64});
     const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
-    expectPlacedQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, "directional light");
+    expectQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, "directional light");
     EXPECT_TRUE(PVLIGHT::getLighting());
 }
 
@@ -162,12 +143,12 @@ TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
     const double factor = std::pow(cosine, 2.0) / (1.0 + 0.1 * d);
     const Rgb lit = litWhite(global, {{0.1, 0.1, 0.1}, {0.8, 0.7, 0.6}, factor, cosine});
     const Mat4 view = Mat4::translation(0, 0, -20);
-    expectQuadOnScreen(view, {0, 0, 0}, 2.0, lit, "quad under the spot");
+    expectQuadOnScreen(view, Mat4::identity(), 2.0, lit, "quad under the spot");
 
     // The other quad's corners are all more than 35 degrees off the axis: only
     // the global ambient light reaches it.
     ASSERT_LT(5.0 / std::sqrt(25.0 + 25.0 + 4.0), std::cos(35.0 * M_PI / 180.0));
-    expectQuadOnScreen(view, {-7, 0, 0}, 2.0, global, "quad outside the cone");
+    expectQuadOnScreen(view, Mat4::translation(-7, 0, 0), 2.0, global, "quad outside the cone");
 }
 
 // The code select reports for a colour drawn from a 5-6-5 code: the code
@@ -195,7 +176,7 @@ TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
 
     const Mat4 view = Mat4::translation(0, 0, -12);
     auto pointerOver = [&](Vec3 world) {
-        const ScreenPoint p = project(view, world);
+        const Vec3 p = windowPoint(view, world);
         // select reads window row height - y, with y counted from the top.
         return PEVRANO::select(int(std::floor(p.x)), windowHeight - int(std::floor(p.y)));
     };
