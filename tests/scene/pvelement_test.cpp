@@ -17,6 +17,7 @@
 #include "scene/scenetestnode.h"
 
 using pvtest::expectMatrixNear;
+using pvtest::make;
 using pvtest::Mat4;
 using pvtest::TestNode;
 using pvtest::Vec3;
@@ -85,16 +86,6 @@ protected:
         PVMATERIAL::cleanUp();
     }
 
-    // A registry-owned node at a position, optionally linked under parent.
-    static PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0},
-                        PVNODE* parent = nullptr)
-    {
-        PVNODE* node = pvtest::makeOfType(name, type);
-        node->setPosition(float(position.x), float(position.y), float(position.z));
-        if (parent)
-            node->link(parent);
-        return node;
-    }
     static std::vector<PVNODE*> passedNodes()
     {
         std::vector<PVNODE*> nodes;

@@ -1,7 +1,8 @@
 // Pixels on the real renderer, through the engine's whole frame: a custom
 // quad node seen through each kind of camera lands where the perspective
 // set-up says, lit quads match the fixed-function lighting equation worked
-// out here, and colour picking reports the quad under the pointer.
+// out here, colour picking reports the quad under the pointer, and an engine
+// started again draws as the first did.
 #include <gtest/gtest.h>
 
 #include <GLES/gl.h>
@@ -14,6 +15,7 @@
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 #include "support/quadnode.h"
+#include "support/switches.h"
 
 using namespace pvtest;
 
@@ -21,14 +23,26 @@ namespace {
 
 class ScenePixels : public RecordingTest {
 protected:
+    // Background and global ambient light are stored before the start-up,
+    // which applies them.
     void SetUp() override
     {
-        ASSERT_TRUE(startEngineInWindow()) << log.text();
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
-        root = new PVNODE();
+        PVOPENGL::setGlobalAmbientLight(float(global.r), float(global.g), float(global.b), 1.0f);
+        ASSERT_NO_FATAL_FAILURE(start());
     }
     void TearDown() override { PEVRANO::free(); }
 
+    // Starts the engine, keeping the GL calls and log lines of its start-up.
+    void start()
+    {
+        const size_t logBefore = log.text().size();
+        bool started = false;
+        startCalls = record([&] { started = startEngineInWindow(); });
+        ASSERT_TRUE(started) << log.text();
+        startLog = log.text().substr(logBefore);
+        root = new PVNODE();
+    }
     QuadNode* addQuad(float halfSize, Vec3 at, PVNODE* parent)
     {
         QuadNode* quad = new QuadNode(halfSize);
@@ -61,7 +75,35 @@ protected:
         }
     }
 
+    // A white quad, tilted so that each component of the light's direction
+    // and its sign changes the shade, under a directional light; checked on
+    // screen in the colour of the lighting equation.
+    void drawAndCheckTiltedQuadUnderDirectionalLight(const std::string& what)
+    {
+        PVLIGHT* light = new PVLIGHT();
+        light->setLightType(PV_LIGHT_DIRECTIONAL);
+        light->setDirection(0.48f, -0.6f, -0.64f);
+        light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
+        light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
+        light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+        light->link(root);
+        QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
+        quad->setRotation(20, -35, 0);
+        quad->setLit(true);
+        PVCAMERA* camera = new PVCAMERA();
+        camera->setPosition(0, 0, 12);
+        drawFrame(root, camera);
+
+        const Mat4 model = localTransform({0, 0, 0}, {0, 0, 0}, {20, -35, 0});
+        const double nDotL = dot(model.transformPoint({0, 0, 1}), {-0.48, 0.6, 0.64});
+        const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
+        expectQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, what);
+    }
+
+    const Rgb global = {0.1, 0.15, 0.05};
     PVNODE* root = nullptr;
+    Calls startCalls;
+    std::string startLog;
 };
 
 // The camera's matrices are the camera tests' business: a camera following
@@ -84,36 +126,45 @@ TEST_F(ScenePixels, QuadLandsWhereTheCameraLooks)
 
 TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
 {
-    const Rgb global = {0.1, 0.15, 0.05};
-    PVOPENGL::setGlobalAmbientLight(0.1f, 0.15f, 0.05f, 1.0f);
-    PVLIGHT* light = new PVLIGHT();
-    light->setLightType(PV_LIGHT_DIRECTIONAL);
-    light->setDirection(0.48f, -0.6f, -0.64f);
-    light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
-    light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
-    light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
-    light->link(root);
-    // The quad is tilted, so that each component of the light's direction
-    // and its sign changes the shade.
-    QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
-    quad->setRotation(20, -35, 0);
-    quad->setLit(true);
-    PVCAMERA* camera = new PVCAMERA();
-    camera->setPosition(0, 0, 12);
-    drawFrame(root, camera);
-
-    const Mat4 model = localTransform({0, 0, 0}, {0, 0, 0}, {20, -35, 0});
-    const Vec3 normal = model.transformPoint({0, 0, 1});
-    const double nDotL = dot(normal, {-0.48, 0.6, 0.64});
-    const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
-    expectQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, "directional light");
+    drawAndCheckTiltedQuadUnderDirectionalLight("directional light");
     EXPECT_TRUE(PVLIGHT::getLighting());
+}
+
+// An engine freed and started again in the same process draws on a new GL
+// context, which starts with every capability and client array off. The
+// cached switches must describe that context, not the one released: the
+// second start-up issues the same GL calls and log as the first, every switch
+// reaches GL the first time it is turned on, and the lit quad comes out as
+// the first time.
+TEST_F(ScenePixels, AnEngineStartedAgainStartsAndDrawsAsTheFirstTime)
+{
+    drawAndCheckTiltedQuadUnderDirectionalLight("first engine");
+    for (const Switch& s : cachedSwitches)
+        s.on();
+    ASSERT_TRUE(PEVRANO::free());
+    const Calls firstCalls = startCalls;
+    const std::string firstLog = startLog;
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_EQ(firstCalls, startCalls);
+    EXPECT_EQ(firstLog, startLog);
+
+    // The start-up turns culling on; each other switch reaches GL at its first turn.
+    EXPECT_TRUE(PVOPENGL::isCulled());
+    Calls expected;
+    for (const Switch& s : cachedSwitches)
+        if (s.capability != GL_CULL_FACE)
+            expected.push_back(s.onCall);
+    EXPECT_EQ(expected, record([] {
+                  for (const Switch& s : cachedSwitches)
+                      s.on();
+              }));
+    for (const Switch& s : cachedSwitches)
+        s.off();
+    drawAndCheckTiltedQuadUnderDirectionalLight("second engine");
 }
 
 TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
 {
-    const Rgb global = {0.1, 0.1, 0.1};
-    PVOPENGL::setGlobalAmbientLight(0.1f, 0.1f, 0.1f, 1.0f);
     PVLIGHT* spot = new PVLIGHT();
     spot->setLightType(PV_LIGHT_SPOT);
     spot->setPosition(0, 0, 5);

@@ -46,14 +46,17 @@ public:
     static int destroyed;
 };
 
-// A registry-owned node of the class its type calls for.
-inline PVNODE* makeOfType(const char* name, PV_NODE_TYPE type)
+// A registry-owned node of the class its type calls for, at a position,
+// under parent if given.
+inline PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0}, PVNODE* parent = nullptr)
 {
-    if (type == PV_TYPE_MESH)
-        return new Recorded<PVMESH>(name);
-    if (type == PV_TYPE_HELPER)
-        return new Recorded<PVHELPER>(name);
-    return new TestNode(name, type);
+    PVNODE* node = type == PV_TYPE_MESH     ? new Recorded<PVMESH>(name)
+                   : type == PV_TYPE_HELPER ? static_cast<PVNODE*>(new Recorded<PVHELPER>(name))
+                                            : new TestNode(name, type);
+    node->setPosition(float(position.x), float(position.y), float(position.z));
+    if (parent)
+        node->link(parent);
+    return node;
 }
 
 // Radius of a mesh or helper made by makeOfType.
