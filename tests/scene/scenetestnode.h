@@ -46,9 +46,19 @@ public:
     static int destroyed;
 };
 
+// Radius of a mesh or helper.
+inline void setRadius(PVNODE* node, float radius)
+{
+    if (node->getType() == PV_TYPE_MESH)
+        static_cast<PVMESH*>(node)->setRadius(radius);
+    else
+        static_cast<PVHELPER*>(node)->setRadius(radius);
+}
+
 // A registry-owned node of the class its type calls for, at a position,
-// under parent if given.
-inline PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0}, PVNODE* parent = nullptr)
+// under parent if given; a mesh or helper takes a radius when one is given.
+inline PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0}, PVNODE* parent = nullptr,
+                    float radius = 0)
 {
     PVNODE* node = type == PV_TYPE_MESH     ? new Recorded<PVMESH>(name)
                    : type == PV_TYPE_HELPER ? static_cast<PVNODE*>(new Recorded<PVHELPER>(name))
@@ -56,16 +66,9 @@ inline PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 
     node->setPosition(float(position.x), float(position.y), float(position.z));
     if (parent)
         node->link(parent);
+    if (radius != 0)
+        setRadius(node, radius);
     return node;
-}
-
-// Radius of a mesh or helper made by makeOfType.
-inline void setRadius(PVNODE* node, float radius)
-{
-    if (node->getType() == PV_TYPE_MESH)
-        static_cast<PVMESH*>(node)->setRadius(radius);
-    else
-        static_cast<PVHELPER*>(node)->setRadius(radius);
 }
 
 // Gives a mesh a half-transparent material of its own.
