@@ -312,14 +312,6 @@ TEST_F(RenderList, Sort2DDrawsTheForemostLast)
     desk->pass(false);
     EXPECT_TRUE(PVELEMENT::sort2D());
     EXPECT_EQ((std::vector<PVNODE*> {light, back, middle, desk, top}), passedNodes());
-
-    // Raising a box restamps it and its subtree above everything else.
-    desk->setForemost(0);
-    back->setForemost(0);
-    PVELEMENT::reset();
-    desk->pass(false);
-    EXPECT_TRUE(PVELEMENT::sort2D());
-    EXPECT_EQ((std::vector<PVNODE*> {light, desk, top, middle, back}), passedNodes());
 }
 
 // A frame of several hundred records, well past the size at which the C

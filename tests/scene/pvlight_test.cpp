@@ -83,24 +83,6 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     EXPECT_EQ("", log.text());
 }
 
-// Placed by its matrix at (3, 0, 4) and aimed at the origin: direction
-// (-3, 0, -4) / 5, in the slot's call.
-TEST_F(Light, SpotLightAimedAtItsTargetFromItsMatrix)
-{
-    PVLIGHT light;
-    light.setLightType(PV_LIGHT_SPOT);
-    light.setTargetNode(&light);
-    K3MMATRIX own;
-    own.setTranslation(3.0f, 0.0f, 4.0f);
-    light.setPositioning(PV_POSITIONING_MATRIX);
-    light.setMatrix(own);
-    light.setTarget(0, 0, 0);
-    PVELEMENT record;
-    renderCalls(light, record);
-    EXPECT_EQ(1u, recorder.countCall("glLightxv(GL_LIGHT0,GL_SPOT_DIRECTION," + list({-0.6, 0, -0.8}) + ")"))
-        << recorder.text();
-}
-
 TEST_F(Light, UnknownTypeIsReportedAndLitAsOmni)
 {
     PVLIGHT light;

@@ -175,26 +175,23 @@ TEST_F(Node, UnlinkKeepsTheOthersInOrderAndEmptiesAnOnlyChildsParentWithoutLooki
 TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
 {
     const int ratioBefore = kvfGetMemoryStats().ratio;
-    struct Pattern {
-        const char* name;
-        bool (*unlinks)(int index, int count);
-    };
-    const Pattern patterns[] = {
-        {"every third", [](int index, int) { return index % 3 == 0; }},
-        {"first half", [](int index, int count) { return index < count / 2; }},
-        {"all but the last", [](int index, int count) { return index != count - 1; }},
+    // Unlinked: every third, the first half, all but the last.
+    bool (*const patterns[])(int index, int count) = {
+        [](int index, int) { return index % 3 == 0; },
+        [](int index, int count) { return index < count / 2; },
+        [](int index, int count) { return index != count - 1; },
     };
     TestNode* parent = make("parent");
-    for (const Pattern& pattern : patterns) {
-        SCOPED_TRACE(pattern.name);
+    for (auto unlinks : patterns) {
         for (const int count : {1, 5, 257}) {
+            SCOPED_TRACE(count);
             std::vector<PVNODE*> expected;
             for (int i = 0; i < count; i++)
                 expected.push_back(make("child", parent));
             EXPECT_EQ(expected, childrenOf(parent));
             std::vector<PVNODE*> kept;
             for (int i = 0; i < count; i++) {
-                if (pattern.unlinks(i, count))
+                if (unlinks(i, count))
                     EXPECT_TRUE(expected[size_t(i)]->unlink());
                 else
                     kept.push_back(expected[size_t(i)]);
