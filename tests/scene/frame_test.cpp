@@ -42,7 +42,6 @@ protected:
 
 TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 {
-    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
     PVNODE* root = new PVNODE();
     PVNODE* glass = make("glass", PV_TYPE_HELPER, {}, root);
     PVNODE* mesh = make("mesh", PV_TYPE_MESH, {1, 2, -3}, root);
