@@ -267,7 +267,6 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     PVNODE* helper =
         make("helper", PV_TYPE_HELPER, {0, 0, -2}, root, 5);  // its far side at -7 is the farthest
     root->pass(false);
-    EXPECT_EQ(8u, PVELEMENT::getNumberOfPassedElements());
     ASSERT_EQ(2u, PVELEMENT::getNumberOfLights());
     EXPECT_EQ(3u, PVELEMENT::getNumberOfTransparencies());
     EXPECT_EQ(nullptr, PVELEMENT::getLight(2));
@@ -283,7 +282,6 @@ TEST_F(RenderList, CountsAndSort3DPutLightsFirstThenOpaqueThenTransparent)
     PVELEMENT::reset();
     EXPECT_EQ(0u, PVELEMENT::getNumberOfLights());
     EXPECT_EQ(0u, PVELEMENT::getNumberOfTransparencies());
-    EXPECT_EQ(nullptr, PVELEMENT::getLight(0));
 }
 
 TEST_F(RenderList, Sort2DDrawsTheForemostLast)

@@ -252,16 +252,9 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
     TestNode* root = make("root");
     TestNode* arm = make("arm", root);
     TestNode* hand = make("hand", arm);
-    const Vec3 rootPos {1, 2, 3}, rootOrigin {0.5, 0, 0}, rootRot {30, 0, 0};
-    const Vec3 armPos {0, 4, 0}, armOrigin {0, 0, -1}, armRot {0, 45, 10};
-    const Vec3 handPos {2, 0, 0}, handOrigin {0, 0, 0}, handRot {15, -20, 60};
-    pvtest::place(*root, rootPos, rootOrigin, rootRot);
-    pvtest::place(*arm, armPos, armOrigin, armRot);
-    pvtest::place(*hand, handPos, handOrigin, handRot);
-
-    const Mat4 rootM = pvtest::localTransform(rootPos, rootOrigin, rootRot);
-    const Mat4 armM = pvtest::localTransform(armPos, armOrigin, armRot);
-    const Mat4 handM = pvtest::localTransform(handPos, handOrigin, handRot);
+    const Mat4 rootM = pvtest::place(*root, {1, 2, 3}, {0.5, 0, 0}, {30, 0, 0});
+    const Mat4 armM = pvtest::place(*arm, {0, 4, 0}, {0, 0, -1}, {0, 45, 10});
+    const Mat4 handM = pvtest::place(*hand, {2, 0, 0}, {0, 0, 0}, {15, -20, 60});
     PV_glTranslatef(7, 8, 9);  // the wrapper's current matrix stays as it is
     expectMatrixNear(rootM * armM * handM, hand->getFinalMatrix(nullptr).m, "whole chain");
     K3MMATRIX current;

@@ -88,13 +88,12 @@ protected:
         light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
         light->link(root);
         QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
-        quad->setRotation(20, -35, 0);
+        const Mat4 model = place(*quad, {0, 0, 0}, {0, 0, 0}, {20, -35, 0});
         quad->setLit(true);
         PVCAMERA* camera = new PVCAMERA();
         camera->setPosition(0, 0, 12);
         drawFrame(root, camera);
 
-        const Mat4 model = localTransform({0, 0, 0}, {0, 0, 0}, {20, -35, 0});
         const double nDotL = dot(model.transformPoint({0, 0, 1}), {-0.48, 0.6, 0.64});
         const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
         expectQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, what);

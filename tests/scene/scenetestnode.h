@@ -88,11 +88,13 @@ inline Mat4 localTransform(Vec3 position, Vec3 origin, Vec3 rotation)
            Mat4::rotationZ(rotation.z);
 }
 
-inline void place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)
+// Places the node by its vectors and returns its local transform.
+inline Mat4 place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)
 {
     node.setPosition(float(position.x), float(position.y), float(position.z));
     node.setOrigin(float(origin.x), float(origin.y), float(origin.z));
     node.setRotation(float(rotation.x), float(rotation.y), float(rotation.z));
+    return localTransform(position, origin, rotation);
 }
 
 }  // namespace pvtest
