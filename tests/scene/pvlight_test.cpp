@@ -27,27 +27,22 @@ std::string list(std::initializer_list<double> values)
     return text + "}";
 }
 
-// What a light at the origin of an identity record programs into its slot,
-// in the order GL receives it; lit, first the lighting switch.
-Calls slotCalls(int slot, bool lit, double cutOff = 180, double exponent = 0)
-{
-    const std::string s = "GL_LIGHT" + std::to_string(slot);
-    Calls calls = {"glEnable(" + s + ")",
-                   "glLightxv(" + s + ",GL_AMBIENT," + list({0.2, 0.2, 0.2, 1}) + ")",
-                   "glLightxv(" + s + ",GL_DIFFUSE," + list({0.7, 0.7, 0.7, 1}) + ")",
-                   "glLightxv(" + s + ",GL_SPECULAR," + list({0.2, 0.2, 0.2, 1}) + ")",
-                   "glLightx(" + s + ",GL_SPOT_CUTOFF," + fx(cutOff) + ")",
-                   "glLightx(" + s + ",GL_SPOT_EXPONENT," + fx(exponent) + ")",
-                   "glLightx(" + s + ",GL_CONSTANT_ATTENUATION,65536)",
-                   "glLightx(" + s + ",GL_LINEAR_ATTENUATION,0)",
-                   "glLightx(" + s + ",GL_QUADRATIC_ATTENUATION,0)",
-                   "glLoadMatrixx(" + list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}) + ")",
-                   "glLightxv(" + s + ",GL_POSITION," + list({0, 0, 0, 1}) + ")",
-                   "glLightxv(" + s + ",GL_SPOT_DIRECTION," + list({0, 0, 0}) + ")"};
-    if (lit)
-        calls.insert(calls.begin(), "glEnable(GL_LIGHTING)");
-    return calls;
-}
+// What a default light (ambient and specular 0.2, diffuse 0.7, in 16.16) at
+// the origin of an identity record programs into slot 1, in the order GL
+// receives it, lighting being off before.
+const Calls slot1Calls = {"glEnable(GL_LIGHTING)",
+                          "glEnable(GL_LIGHT1)",
+                          "glLightxv(GL_LIGHT1,GL_AMBIENT,{13107,13107,13107,65536})",
+                          "glLightxv(GL_LIGHT1,GL_DIFFUSE,{45875,45875,45875,65536})",
+                          "glLightxv(GL_LIGHT1,GL_SPECULAR,{13107,13107,13107,65536})",
+                          "glLightx(GL_LIGHT1,GL_SPOT_CUTOFF,11796480)",
+                          "glLightx(GL_LIGHT1,GL_SPOT_EXPONENT,0)",
+                          "glLightx(GL_LIGHT1,GL_CONSTANT_ATTENUATION,65536)",
+                          "glLightx(GL_LIGHT1,GL_LINEAR_ATTENUATION,0)",
+                          "glLightx(GL_LIGHT1,GL_QUADRATIC_ATTENUATION,0)",
+                          "glLoadMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,0,0,0,65536})",
+                          "glLightxv(GL_LIGHT1,GL_POSITION,{0,0,0,65536})",
+                          "glLightxv(GL_LIGHT1,GL_SPOT_DIRECTION,{0,0,0})"};
 
 class Light : public pvtest::RecordingTest {
 protected:
@@ -69,7 +64,7 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     PVLIGHT light;
     PVELEMENT record;
     record.setParam1(1);
-    EXPECT_EQ(slotCalls(1, true), renderCalls(light, record));
+    EXPECT_EQ(slot1Calls, renderCalls(light, record));
     EXPECT_TRUE(PVLIGHT::getLighting());
 
     // The slot already holds this light's record in this frame: no call.
@@ -77,7 +72,9 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     // A changed value forgets the slot: it is programmed again, lighting
     // being on already.
     light.setExponent(2);
-    EXPECT_EQ(slotCalls(1, false, 180, 2), renderCalls(light, record));
+    Calls expected(slot1Calls.begin() + 1, slot1Calls.end());
+    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_EXPONENT," + fx(2) + ")";
+    EXPECT_EQ(expected, renderCalls(light, record));
     EXPECT_EQ("", log.text());
 }
 
@@ -90,8 +87,10 @@ TEST_F(Light, UnknownTypeIsLitAsOmniAndNullRecordsAreRefused)
     light.setCutOff(42);
     light.setDirection(1, 2, 3);
     PVELEMENT record;
-    record.setParam1(2);
-    EXPECT_EQ(slotCalls(2, true, 42), renderCalls(light, record));
+    record.setParam1(1);
+    Calls expected = slot1Calls;
+    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_CUTOFF," + fx(42) + ")";
+    EXPECT_EQ(expected, renderCalls(light, record));
     EXPECT_FALSE(light.render(nullptr));
     EXPECT_FALSE(PVLIGHT::activateNearest(nullptr));
     EXPECT_EQ("   [!] Consistency broken: unknow type for lamp @ PVLIGHT::render\n"
