@@ -3,8 +3,6 @@
 // the log lines of the error paths.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <initializer_list>
 #include <string>
 
 #include <pevrano.h>
@@ -15,17 +13,6 @@
 using pvtest::Calls;
 
 namespace {
-
-// 16.16 fixed point of a value given in decimal.
-std::string fx(double value) { return std::to_string(static_cast<long long>(std::trunc(value * 65536.0))); }
-
-std::string list(std::initializer_list<double> values)
-{
-    std::string text = "{";
-    for (double v : values)
-        text += (text.size() > 1 ? "," : "") + fx(v);
-    return text + "}";
-}
 
 // What a default light (ambient and specular 0.2, diffuse 0.7, in 16.16) at
 // the origin of an identity record programs into slot 1, in the order GL
@@ -73,7 +60,7 @@ TEST_F(Light, DefaultOmniLightProgramsItsSlot)
     // being on already.
     light.setExponent(2);
     Calls expected(slot1Calls.begin() + 1, slot1Calls.end());
-    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_EXPONENT," + fx(2) + ")";
+    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_EXPONENT,131072)";
     EXPECT_EQ(expected, renderCalls(light, record));
     EXPECT_EQ("", log.text());
 }
@@ -89,7 +76,7 @@ TEST_F(Light, UnknownTypeIsLitAsOmniAndNullRecordsAreRefused)
     PVELEMENT record;
     record.setParam1(1);
     Calls expected = slot1Calls;
-    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_CUTOFF," + fx(42) + ")";
+    expected[5] = "glLightx(GL_LIGHT1,GL_SPOT_CUTOFF,2752512)";
     EXPECT_EQ(expected, renderCalls(light, record));
     EXPECT_FALSE(light.render(nullptr));
     EXPECT_FALSE(PVLIGHT::activateNearest(nullptr));
@@ -170,8 +157,9 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     EXPECT_EQ(nullptr, record->getNearestLight(4));
     // Each slot is placed with its light's own model-view matrix.
     Calls placements;
-    for (double x : {-20.0, 2.5, 4.5, 1.0})
-        placements.push_back("glLoadMatrixx(" + list({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, 0, 0, 1}) + ")");
+    for (const char* x : {"-1310720", "163840", "294912", "65536"})  // -20, 2.5, 4.5 and 1 in 16.16
+        placements.push_back(std::string("glLoadMatrixx({65536,0,0,0,0,65536,0,0,0,0,65536,0,") + x +
+                             ",0,0,65536})");
     EXPECT_EQ(placements, recorder.filter("glLoadMatrixx"));
     EXPECT_EQ(allocated, log.text());
 }
