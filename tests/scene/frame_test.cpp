@@ -5,8 +5,6 @@
 
 #include <vector>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 

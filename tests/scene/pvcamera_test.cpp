@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 
 using pvtest::Mat4;
@@ -33,10 +31,7 @@ void expectVector(Vec3 expected, K3MVECTOR3D actual, const std::string& what)
     EXPECT_NEAR(expected.z, actual.z, 1e-5) << what;
 }
 
-class Camera : public pvtest::RecordingTest {
-protected:
-    void SetUp() override { PV_glMatrixMode(GL_MODELVIEW); }
-};
+using Camera = pvtest::RecordingTest;
 
 TEST_F(Camera, FreeCameraInvertsItsTransform)
 {

@@ -11,15 +11,12 @@
 #include <string>
 #include <vector>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
 using pvtest::expectMatrixNear;
 using pvtest::make;
 using pvtest::Mat4;
-using pvtest::TestNode;
 using pvtest::Vec3;
 
 // Heap allocations made by the calling thread while counting is on (other

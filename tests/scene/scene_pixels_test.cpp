@@ -1,16 +1,12 @@
 // Pixels on the real renderer, through the engine's whole frame: a custom
-// quad node seen through each kind of camera lands where the perspective
-// set-up says, lit quads match the fixed-function lighting equation worked
-// out here, colour picking reports the quad under the pointer, and an engine
-// started again draws as the first did.
+// quad node seen through a free or a following camera lands where the
+// perspective set-up says, lit quads match the fixed-function lighting
+// equation worked out here, colour picking reports the quad under the
+// pointer, and an engine started again draws as the first did.
 #include <gtest/gtest.h>
-
-#include <GLES/gl.h>
 
 #include <cmath>
 #include <string>
-
-#include <pevrano.h>
 
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
