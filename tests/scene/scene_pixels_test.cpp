@@ -198,19 +198,19 @@ TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
     right->setSelectionCode((2 << 11) | (63 << 5) | 30);
     PVLIGHT* light = new PVLIGHT();  // lights are not selectable
     light->link(root);
-    // The camera follows a node that a moved parent takes to the world's origin.
+    // The camera follows a node that a moved parent takes to (1, 1, 0).
     PVNODE* carrier = new PVNODE();
     carrier->setPosition(3, -2, -3);
     carrier->link(root);
     PVNODE* followed = new PVNODE();
-    followed->setPosition(-3, 2, 3);
+    followed->setPosition(-2, 3, 3);
     followed->link(carrier);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(-5, 2, 8);
     camera->setTargetNode(followed);
     drawFrame(root, camera);
 
-    const Mat4 view = Mat4::lookAt({-5, 2, 8}, {0, 0, 0}, {0, 1, 0});
+    const Mat4 view = Mat4::lookAt({-5, 2, 8}, {1, 1, 0}, {0, 1, 0});
     auto pointerOver = [&](Vec3 world) {
         const Vec3 p = windowPoint(view, world);
         // select reads window row height - y, with y counted from the top.
