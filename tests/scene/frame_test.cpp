@@ -5,12 +5,11 @@
 
 #include <vector>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
 using pvtest::expectMatrixNear;
+using pvtest::make;
 using pvtest::Mat4;
 
 namespace {
@@ -37,24 +36,14 @@ protected:
         pvtest::onRender = nullptr;
         PEVRANO::free();
     }
-
-    static PVNODE* make(const char* name, PV_NODE_TYPE type, PVNODE* parent)
-    {
-        PVNODE* node = pvtest::makeOfType(name, type);
-        if (parent)
-            node->link(parent);
-        return node;
-    }
 };
 
 TEST_F(Frame, End3DDrawsTheSortedListThroughTheCamera)
 {
-    EXPECT_EQ(1024u, PVELEMENT::getNumberOfElements());
     PVNODE* root = new PVNODE();
-    PVNODE* glass = make("glass", PV_TYPE_HELPER, root);
-    PVNODE* mesh = make("mesh", PV_TYPE_MESH, root);
-    PVNODE* light = make("light", PV_TYPE_LIGHT, root);
-    mesh->setPosition(1, 2, -3);
+    PVNODE* glass = make("glass", PV_TYPE_HELPER, {}, root);
+    PVNODE* mesh = make("mesh", PV_TYPE_MESH, {1, 2, -3}, root);
+    PVNODE* light = make("light", PV_TYPE_LIGHT, {}, root);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 10);
 
@@ -78,8 +67,8 @@ TEST_F(Frame, The2DPassDrawsWidgetsOnlyInForemostOrder)
     PVBUTTON* button = new pvtest::Recorded<PVBUTTON>(nullptr);
     box->link(window);
     button->link(window);
-    make("mesh", PV_TYPE_MESH, window);
-    make("light", PV_TYPE_LIGHT, window);
+    make("mesh", PV_TYPE_MESH, {}, window);
+    make("light", PV_TYPE_LIGHT, {}, window);
     window->getTitleBar()->setDisplayStatus(false);
     window->getScrollBar()->setDisplayStatus(false);
 
@@ -97,7 +86,7 @@ TEST_F(Frame, TheSkyboxTurnsWithTheCameraButDoesNotMove)
 {
     PVNODE* sky = new PVNODE();
     sky->setRotation(0, 0, 90);
-    PVNODE* dome = make("dome", PV_TYPE_MESH, sky);
+    PVNODE* dome = make("dome", PV_TYPE_MESH, {}, sky);
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(5, 6, 7);
     camera->setRotation(0, 30, 0);

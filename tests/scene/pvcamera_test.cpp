@@ -4,37 +4,23 @@
 
 #include <string>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 
-using pvtest::Calls;
 using pvtest::Mat4;
 using pvtest::Vec3;
 
 namespace {
 
-// View matrices are compared more tightly than the default.
-void expectViewMatrix(const Mat4& expected, const K3MMATRIX& actual, const std::string& what)
-{
-    pvtest::expectMatrixNear(expected, actual.m, what, 2e-5);
-}
-
-K3MMATRIX shadowModelView()
-{
-    K3MMATRIX m;
-    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, m.m);
-    return m;
-}
-
 // Renders the camera and checks that every published copy of the view matrix
-// (the static, the camera's own, the wrapper's current matrix) is expected.
+// (the static, the camera's own, the wrapper's current matrix) is expected;
+// view matrices are compared more tightly than the default.
 void expectView(PVCAMERA& camera, const Mat4& expected, const std::string& what)
 {
     EXPECT_TRUE(camera.render(nullptr));
-    expectViewMatrix(expected, *PVCAMERA::getCameraMatrix(), what + " (cameraMatrix)");
-    expectViewMatrix(expected, *camera.getThisCameraMatrix(), what + " (thisCameraMatrix)");
-    expectViewMatrix(expected, shadowModelView(), what + " (current matrix)");
+    K3MMATRIX current;
+    PV_glGetFloatv(PV_GL_MODELVIEW_STACK, current.m);
+    for (const K3MMATRIX* copy : {PVCAMERA::getCameraMatrix(), camera.getThisCameraMatrix(), &current})
+        pvtest::expectMatrixNear(expected, copy->m, what, 2e-5);
     EXPECT_EQ(&camera, PVCAMERA::getThisPassCamera()) << what;
 }
 
@@ -45,18 +31,11 @@ void expectVector(Vec3 expected, K3MVECTOR3D actual, const std::string& what)
     EXPECT_NEAR(expected.z, actual.z, 1e-5) << what;
 }
 
-class Camera : public pvtest::RecordingTest {
-protected:
-    void SetUp() override { PV_glMatrixMode(GL_MODELVIEW); }
-};
+using Camera = pvtest::RecordingTest;
 
 TEST_F(Camera, FreeCameraInvertsItsTransform)
 {
     PVCAMERA camera;
-    camera.setPosition(0, 0, 10);
-    expectView(camera, Mat4::translation(0, 0, -10), "unrotated camera at z = 10");
-    expectVector({0, 0, 10}, PVCAMERA::getCameraPosition(), "eye");
-
     // Pre-rotation first, then Z, X, Y by the negated angles, then the move.
     camera.setPosition(1, 2, 3);
     camera.setRotation(10, 20, 30);
@@ -119,11 +98,6 @@ TEST_F(Camera, UpAlongTheViewGivesADegenerateMatrixWithoutError)
 TEST_F(Camera, MoveDoomFollowsTheLastRenderedView)
 {
     PVCAMERA camera;
-    camera.render(nullptr);
-    camera.moveDoom(0, 0, -1);
-    expectVector({0, 0, -1}, camera.getPosition(), "forward from the origin");
-    expectVector({0, 0, -1}, camera.getDirection(), "step");
-
     // Turned 90 degrees left about Y: forward is -x, right is -z.
     camera.setPosition(1, 2, 3);
     camera.setRotation(0, 90, 0);

@@ -1,38 +1,44 @@
 // Pixels on the real renderer, through the engine's whole frame: a custom
-// quad node seen through each kind of camera lands where the perspective
-// set-up says, lit quads match the fixed-function lighting equation worked
-// out here, and colour picking reports the quad under the pointer.
+// quad node seen through a free or a following camera lands where the
+// perspective set-up says, lit quads match the fixed-function lighting
+// equation worked out here, colour picking reports the quad under the
+// pointer, and an engine started again draws as the first did.
 #include <gtest/gtest.h>
-
-#include <GLES/gl.h>
 
 #include <cmath>
 #include <string>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 #include "support/quadnode.h"
+#include "support/switches.h"
 
 using namespace pvtest;
 
 namespace {
 
-struct ScreenPoint {
-    double x, y;  // window pixels, y from the bottom as GL reads them
-};
-
 class ScenePixels : public RecordingTest {
 protected:
+    // Background and global ambient light are stored before the start-up,
+    // which applies them.
     void SetUp() override
     {
-        ASSERT_TRUE(startEngineInWindow()) << log.text();
         PVOPENGL::setBackgroundColor(0.0f, 0.0f, 0.0f, 1.0f);
-        root = new PVNODE();
+        PVOPENGL::setGlobalAmbientLight(float(global.r), float(global.g), float(global.b), 1.0f);
+        ASSERT_NO_FATAL_FAILURE(start());
     }
     void TearDown() override { PEVRANO::free(); }
 
+    // Starts the engine, keeping the GL calls and log lines of its start-up.
+    void start()
+    {
+        const size_t logBefore = log.text().size();
+        bool started = false;
+        startCalls = record([&] { started = startEngineInWindow(); });
+        ASSERT_TRUE(started) << log.text();
+        startLog = log.text().substr(logBefore);
+        root = new PVNODE();
+    }
     QuadNode* addQuad(float halfSize, Vec3 at, PVNODE* parent)
     {
         QuadNode* quad = new QuadNode(halfSize);
@@ -41,98 +47,101 @@ protected:
         return quad;
     }
 
-    static ScreenPoint project(const Mat4& view, Vec3 world)
-    {
-        const Vec3 at = windowPoint(view, world);
-        return {at.x, at.y};
-    }
-
-    static void expectColour(Rgb expected, ScreenPoint at, const std::string& what)
+    static void expectColourAt(Rgb expected, Vec3 at, const std::string& what)
     {
         const std::string where = what + " at (" + std::to_string(at.x) + ", " + std::to_string(at.y) + ")";
-        pvtest::expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
+        expectColour(expected, pixelAt(int(std::floor(at.x)), int(std::floor(at.y))), where);
     }
 
     // The quad placed by model covers the projection of its centre and the
     // points 80% of the way to each projected corner; 125% of the way lies
     // outside it.
-    void expectPlacedQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
-                                  const std::string& what)
-    {
-        const ScreenPoint mid = project(view, model.transformPoint({0, 0, 0}));
-        expectColour(colour, mid, what + ", centre");
-        const double corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-        for (const auto& c : corners) {
-            const ScreenPoint corner =
-                project(view, model.transformPoint({c[0] * halfSize, c[1] * halfSize, 0}));
-            const ScreenPoint inside = {mid.x + 0.8 * (corner.x - mid.x), mid.y + 0.8 * (corner.y - mid.y)};
-            const ScreenPoint outside = {mid.x + 1.25 * (corner.x - mid.x),
-                                         mid.y + 1.25 * (corner.y - mid.y)};
-            ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
-            expectColour(colour, inside, what + ", inside a corner");
-            expectColour({0, 0, 0}, outside, what + ", beyond a corner");
-        }
-    }
-    void expectQuadOnScreen(const Mat4& view, Vec3 centre, double halfSize, Rgb colour,
+    void expectQuadOnScreen(const Mat4& view, const Mat4& model, double halfSize, Rgb colour,
                             const std::string& what)
     {
-        expectPlacedQuadOnScreen(view, Mat4::translation(centre.x, centre.y, centre.z), halfSize, colour,
-                                 what);
+        const Vec3 mid = windowPoint(view, model.transformPoint({0, 0, 0}));
+        expectColourAt(colour, mid, what + ", centre");
+        for (const double c : {-1.0, 1.0}) {
+            for (const double d : {-1.0, 1.0}) {
+                const Vec3 corner = windowPoint(view, model.transformPoint({c * halfSize, d * halfSize, 0}));
+                ASSERT_GT(std::hypot(corner.x - mid.x, corner.y - mid.y), 12.0) << what << ": quad too small";
+                expectColourAt(colour, mid + (corner - mid) * 0.8, what + ", inside a corner");
+                expectColourAt({0, 0, 0}, mid + (corner - mid) * 1.25, what + ", beyond a corner");
+            }
+        }
     }
 
-    PVNODE* root = nullptr;
-};
+    // A white quad, tilted so that each component of the light's direction
+    // and its sign changes the shade, under a directional light; checked on
+    // screen in the colour of the lighting equation.
+    void drawAndCheckTiltedQuadUnderDirectionalLight(const std::string& what)
+    {
+        PVLIGHT* light = new PVLIGHT();
+        light->setLightType(PV_LIGHT_DIRECTIONAL);
+        light->setDirection(0.48f, -0.6f, -0.64f);
+        light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
+        light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
+        light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+        light->link(root);
+        QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
+        const Mat4 model = place(*quad, {0, 0, 0}, {0, 0, 0}, {20, -35, 0});
+        quad->setLit(true);
+        PVCAMERA* camera = new PVCAMERA();
+        camera->setPosition(0, 0, 12);
+        drawFrame(root, camera);
 
-// The camera's matrices are the camera tests' business: a camera following
-// a quad under a moved parent shows it where the projection puts it; world
-// centre (2, -1, -3).
-TEST_F(ScenePixels, QuadLandsWhereTheCameraLooks)
-{
-    PVNODE* carrier = new PVNODE();
-    carrier->setPosition(3, -2, -3);
-    carrier->link(root);
-    QuadNode* followed = addQuad(1.0f, {-1, 1, 0}, carrier);
-    followed->setColour(K3MVECTOR4D(0.0f, 1.0f, 1.0f, 1.0f));
-    PVCAMERA* camera = new PVCAMERA();
-    camera->setPosition(-5, 2, 8);
-    camera->setTargetNode(followed);
-    drawFrame(root, camera);
-    const Mat4 following = Mat4::lookAt({-5, 2, 8}, {2, -1, -3}, {0, 1, 0});
-    expectQuadOnScreen(following, {2, -1, -3}, 1.0, {0.0, 1.0, 1.0}, "follow camera");
-}
+        const double nDotL = dot(model.transformPoint({0, 0, 1}), {-0.48, 0.6, 0.64});
+        const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
+        expectQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, what);
+    }
+
+    const Rgb global = {0.1, 0.15, 0.05};
+    PVNODE* root = nullptr;
+    Calls startCalls;
+    std::string startLog;
+};
 
 TEST_F(ScenePixels, DirectionalLightFollowsTheLightingEquation)
 {
-    const Rgb global = {0.1, 0.15, 0.05};
-    PVOPENGL::setGlobalAmbientLight(0.1f, 0.15f, 0.05f, 1.0f);
-    PVLIGHT* light = new PVLIGHT();
-    light->setLightType(PV_LIGHT_DIRECTIONAL);
-    light->setDirection(0.48f, -0.6f, -0.64f);
-    light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
-    light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
-    light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
-    light->link(root);
-    // The quad is tilted, so that each component of the light's direction
-    // and its sign changes the shade.
-    QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
-    quad->setRotation(20, -35, 0);
-    quad->setLit(true);
-    PVCAMERA* camera = new PVCAMERA();
-    camera->setPosition(0, 0, 12);
-    drawFrame(root, camera);
-
-    const Mat4 model = localTransform({0, 0, 0}, {0, 0, 0}, {20, -35, 0});
-    const Vec3 normal = model.transformPoint({0, 0, 1});
-    const double nDotL = dot(normal, {-0.48, 0.6, 0.64});
-    const Rgb expected = litWhite(global, {{0.1, 0.05, 0.0}, {0.5, 0.6, 0.7}, 1.0, nDotL});
-    expectPlacedQuadOnScreen(Mat4::translation(0, 0, -12), model, 2.0, expected, "directional light");
+    drawAndCheckTiltedQuadUnderDirectionalLight("directional light");
     EXPECT_TRUE(PVLIGHT::getLighting());
+}
+
+// An engine freed and started again in the same process draws on a new GL
+// context, which starts with every capability and client array off. The
+// cached switches must describe that context, not the one released: the
+// second start-up issues the same GL calls and log as the first, every switch
+// reaches GL the first time it is turned on, and the lit quad comes out as
+// the first time.
+TEST_F(ScenePixels, AnEngineStartedAgainStartsAndDrawsAsTheFirstTime)
+{
+    drawAndCheckTiltedQuadUnderDirectionalLight("first engine");
+    for (const Switch& s : cachedSwitches)
+        s.on();
+    ASSERT_TRUE(PEVRANO::free());
+    const Calls firstCalls = startCalls;
+    const std::string firstLog = startLog;
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_EQ(firstCalls, startCalls);
+    EXPECT_EQ(firstLog, startLog);
+
+    // The start-up turns culling on; each other switch reaches GL at its first turn.
+    EXPECT_TRUE(PVOPENGL::isCulled());
+    Calls expected;
+    for (const Switch& s : cachedSwitches)
+        if (s.capability != GL_CULL_FACE)
+            expected.push_back(s.onCall);
+    EXPECT_EQ(expected, record([] {
+                  for (const Switch& s : cachedSwitches)
+                      s.on();
+              }));
+    for (const Switch& s : cachedSwitches)
+        s.off();
+    drawAndCheckTiltedQuadUnderDirectionalLight("second engine");
 }
 
 TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
 {
-    const Rgb global = {0.1, 0.1, 0.1};
-    PVOPENGL::setGlobalAmbientLight(0.1f, 0.1f, 0.1f, 1.0f);
     PVLIGHT* spot = new PVLIGHT();
     spot->setLightType(PV_LIGHT_SPOT);
     spot->setPosition(0, 0, 5);
@@ -162,12 +171,12 @@ TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
     const double factor = std::pow(cosine, 2.0) / (1.0 + 0.1 * d);
     const Rgb lit = litWhite(global, {{0.1, 0.1, 0.1}, {0.8, 0.7, 0.6}, factor, cosine});
     const Mat4 view = Mat4::translation(0, 0, -20);
-    expectQuadOnScreen(view, {0, 0, 0}, 2.0, lit, "quad under the spot");
+    expectQuadOnScreen(view, Mat4::identity(), 2.0, lit, "quad under the spot");
 
     // The other quad's corners are all more than 35 degrees off the axis: only
     // the global ambient light reaches it.
     ASSERT_LT(5.0 / std::sqrt(25.0 + 25.0 + 4.0), std::cos(35.0 * M_PI / 180.0));
-    expectQuadOnScreen(view, {-7, 0, 0}, 2.0, global, "quad outside the cone");
+    expectQuadOnScreen(view, Mat4::translation(-7, 0, 0), 2.0, global, "quad outside the cone");
 }
 
 // The code select reports for a colour drawn from a 5-6-5 code: the code
@@ -189,13 +198,21 @@ TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
     right->setSelectionCode((2 << 11) | (63 << 5) | 30);
     PVLIGHT* light = new PVLIGHT();  // lights are not selectable
     light->link(root);
+    // The camera follows a node that a moved parent takes to (1, 1, 0).
+    PVNODE* carrier = new PVNODE();
+    carrier->setPosition(3, -2, -3);
+    carrier->link(root);
+    PVNODE* followed = new PVNODE();
+    followed->setPosition(-2, 3, 3);
+    followed->link(carrier);
     PVCAMERA* camera = new PVCAMERA();
-    camera->setPosition(0, 0, 12);
+    camera->setPosition(-5, 2, 8);
+    camera->setTargetNode(followed);
     drawFrame(root, camera);
 
-    const Mat4 view = Mat4::translation(0, 0, -12);
+    const Mat4 view = Mat4::lookAt({-5, 2, 8}, {1, 1, 0}, {0, 1, 0});
     auto pointerOver = [&](Vec3 world) {
-        const ScreenPoint p = project(view, world);
+        const Vec3 p = windowPoint(view, world);
         // select reads window row height - y, with y counted from the top.
         return PEVRANO::select(int(std::floor(p.x)), windowHeight - int(std::floor(p.y)));
     };

@@ -46,23 +46,29 @@ public:
     static int destroyed;
 };
 
-// A registry-owned node of the class its type calls for.
-inline PVNODE* makeOfType(const char* name, PV_NODE_TYPE type)
-{
-    if (type == PV_TYPE_MESH)
-        return new Recorded<PVMESH>(name);
-    if (type == PV_TYPE_HELPER)
-        return new Recorded<PVHELPER>(name);
-    return new TestNode(name, type);
-}
-
-// Radius of a mesh or helper made by makeOfType.
+// Radius of a mesh or helper.
 inline void setRadius(PVNODE* node, float radius)
 {
     if (node->getType() == PV_TYPE_MESH)
         static_cast<PVMESH*>(node)->setRadius(radius);
     else
         static_cast<PVHELPER*>(node)->setRadius(radius);
+}
+
+// A registry-owned node of the class its type calls for, at a position,
+// under parent if given; a mesh or helper takes a radius when one is given.
+inline PVNODE* make(const char* name, PV_NODE_TYPE type, Vec3 position = {0, 0, 0}, PVNODE* parent = nullptr,
+                    float radius = 0)
+{
+    PVNODE* node = type == PV_TYPE_MESH     ? new Recorded<PVMESH>(name)
+                   : type == PV_TYPE_HELPER ? static_cast<PVNODE*>(new Recorded<PVHELPER>(name))
+                                            : new TestNode(name, type);
+    node->setPosition(float(position.x), float(position.y), float(position.z));
+    if (parent)
+        node->link(parent);
+    if (radius != 0)
+        setRadius(node, radius);
+    return node;
 }
 
 // Gives a mesh a half-transparent material of its own.
@@ -82,11 +88,13 @@ inline Mat4 localTransform(Vec3 position, Vec3 origin, Vec3 rotation)
            Mat4::rotationZ(rotation.z);
 }
 
-inline void place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)
+// Places the node by its vectors and returns its local transform.
+inline Mat4 place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)
 {
     node.setPosition(float(position.x), float(position.y), float(position.z));
     node.setOrigin(float(origin.x), float(origin.y), float(origin.z));
     node.setRotation(float(rotation.x), float(rotation.y), float(rotation.z));
+    return localTransform(position, origin, rotation);
 }
 
 }  // namespace pvtest
