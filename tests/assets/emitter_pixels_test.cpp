@@ -140,19 +140,25 @@ TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
     expectColour({0.2, 0.9, 0.5}, pixelOfPoint(0.5, 0, -5), "opaque texels");
 }
 
-TEST(EmitterPool, SizeComesFromTheSettings)
+// The engine hands the settings' pool size to the emitters and their folder
+// to the animations at start-up (the examples' memory balance catches
+// animations left at shut-down).
+TEST(EmitterPool, SizeAndAnimationPathComeFromTheSettings)
 {
     ScratchDir dir;
     const int cases[][2] = {{0, PV_EMITTER_DEFAULT_POOL}, {500, 500}, {100000, PV_EMITTER_MAX_POOL}};
     for (const auto& c : cases) {
         PVSETTINGS settings;
         settings.setParticles(c[0]);
+        settings.setPVAPath("anims/");
         ASSERT_TRUE(PEVRANO::init(&settings));
         EXPECT_EQ(PVEMITTER::getPoolSize(), unsigned(c[1]));
         EXPECT_EQ(PVEMITTER::getFreeParticles(), unsigned(c[1]));
+        EXPECT_STREQ(PVANIM::getPVAPath(), "anims/");
         PEVRANO::free();
         EXPECT_FALSE(PVEMITTER::isActive());
     }
+    PVANIM::setPVAPath(nullptr);
 }
 
 }  // namespace

@@ -146,9 +146,8 @@ TEST_F(Emitters, PoolNeverOverflowsAndIsSharedFairly)
     for (int frame = 0; frame < 8; frame++)
         for (PVEMITTER* e : {a, b, c})
             e->update(0.125f);
-    EXPECT_EQ(a->getNumberOfParticles(), 33);
-    EXPECT_EQ(b->getNumberOfParticles(), 33);
-    EXPECT_EQ(c->getNumberOfParticles(), 33);
+    for (PVEMITTER* e : {a, b, c})
+        EXPECT_EQ(e->getNumberOfParticles(), 33);
     delete c;
     EXPECT_EQ(PVEMITTER::getFreeParticles(), 34u);
 }

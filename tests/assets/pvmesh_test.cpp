@@ -9,10 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
-#include "support/glfixture.h"
 #include "support/testaccess.h"
 #include "tgafile.h"
 

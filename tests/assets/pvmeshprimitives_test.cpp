@@ -7,10 +7,7 @@
 #include <string>
 #include <tuple>
 
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
-#include "support/glfixture.h"
 
 using namespace pvtest;
 

@@ -122,8 +122,6 @@ TEST_F(TextureFiles, AcquireFindsOrReadsAndCountsTheCaller)
     EXPECT_EQ(PVTEXTURE::acquire("missing.tga"), nullptr);
     EXPECT_EQ(PVTEXTURE::acquire(nullptr), nullptr);
     EXPECT_EQ(PVTEXTURE::getNumberOfTextures(), 1u);
-    EXPECT_EQ(log.text(), "   [!] Unable to open file missing.tga @ PVTEXTURE::loadTGA\n"
-                          "   [!] Invalid params @ PVTEXTURE@loadTGA\n");
     delete texture[0];
 }
 

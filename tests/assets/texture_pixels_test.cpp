@@ -4,10 +4,6 @@
 // the box-filtered average of all its texels.
 #include <gtest/gtest.h>
 
-#include <GLES/gl.h>
-
-#include <pevrano.h>
-
 #include "scene/scenefixture.h"
 #include "tgafile.h"
 
