@@ -16,19 +16,10 @@ using FrameBuffers = pvtest::GlContextTest;
 
 // The registry itself is the one the nodes use: only the names and the
 // clean-up line are the frame buffer's own.
-TEST_F(FrameBuffers, NamesAndCleanUp)
-{
-    PVFBO* first = new PVFBO();
-    new PVFBO();
-    EXPECT_EQ(first->getName(), "[fbo " + std::to_string(first->getId()) + "]");
-    EXPECT_TRUE(PVFBO::cleanUp());
-    EXPECT_FALSE(PVFBO::cleanUp());
-    EXPECT_EQ(log.text(), "   2 fbo(s) released\n");
-}
-
 TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
 {
-    PVFBO fbo;
+    PVFBO& fbo = *new PVFBO();
+    new PVFBO();
     EXPECT_FALSE(fbo.isOk());
     EXPECT_EQ(record([&fbo] {
                   EXPECT_FALSE(fbo.bindTexture(0, nullptr));
@@ -44,7 +35,10 @@ TEST_F(FrameBuffers, WithoutSupportNothingIsBoundOrDrawn)
               Calls {});
     EXPECT_EQ(fbo.getTexture(), nullptr);
     EXPECT_EQ(fbo.getSizeX(), 0);
-    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n");
+    EXPECT_EQ(fbo.getName(), "[fbo " + std::to_string(fbo.getId()) + "]");
+    EXPECT_TRUE(PVFBO::cleanUp());
+    EXPECT_FALSE(PVFBO::cleanUp());
+    EXPECT_EQ(log.text(), "   [!] Invalid params @ PVFBO::bindTexture\n   2 fbo(s) released\n");
 }
 
 TEST_F(FrameBuffers, RenderSetsTheViewportOncePerBinding)

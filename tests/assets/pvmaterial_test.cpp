@@ -49,32 +49,27 @@ TEST_F(Materials, SlotsReferencesAndClone)
     EXPECT_EQ(log.text(), "   [!] Invalid params @ PVMATERIAL::setTexture\n   2 material(s) released\n");
 }
 
-TEST_F(Materials, StateIsSetOncePerFrame)
+// A deleted material stops being current: the next one (often at the same
+// address) sets its state in full.
+TEST_F(Materials, StateIsSetOncePerFrameAndByTheNextMaterialAfterADelete)
 {
     PVTESTACCESS::setVideoMemory(1 << 20);
     PVTEXTURE texture;
     ASSERT_TRUE(texture.create(2, 2, 3));
-    PVMATERIAL material;
-    material.setTexture(3, &texture);
+    PVMATERIAL* material = new PVMATERIAL();
+    material->setTexture(3, &texture);
     PVTEXTURE::texturingOff(16);
     const Calls calls = record([&] {
-        material.render(nullptr);
-        material.render(nullptr);
+        material->render(nullptr);
+        material->render(nullptr);
         PVMATERIAL::reset();
-        material.render(nullptr);
+        material->render(nullptr);
     });
     EXPECT_EQ(calls, frameCalls(12));
-    EXPECT_EQ(PVMATERIAL::getCurrent(), &material);
-}
-
-// A deleted material stops being current: the next one (often at the same
-// address) sets its state in full.
-TEST_F(Materials, DeletedMaterialIsNoLongerCurrent)
-{
-    PVMATERIAL* first = new PVMATERIAL();
-    first->render(nullptr);
-    delete first;
+    EXPECT_EQ(PVMATERIAL::getCurrent(), material);
+    delete material;
     EXPECT_EQ(PVMATERIAL::getCurrent(), nullptr);
+    PVTEXTURE::texturingOff(16);
     PVMATERIAL* second = new PVMATERIAL();
     EXPECT_EQ(record([&] { second->render(nullptr); }), frameCalls(5));
 }
