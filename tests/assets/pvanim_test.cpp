@@ -139,7 +139,6 @@ TEST_F(Anims, FrameEditorsAcceptOnePastTheLastFrameOnly)
             return editor.axis ? (anim.*editor.axis)(f, b, r.x + r.y + r.z)
                                : anim.setFrame(f, b, r.x, r.y, r.z);
         };
-        pvtest::LogCapture caseLog;
         anim.reset();
         anim.unsetFrame(10, 2);
         EXPECT_TRUE(edit(10, 2));
@@ -149,14 +148,13 @@ TEST_F(Anims, FrameEditorsAcceptOnePastTheLastFrameOnly)
         EXPECT_FALSE(edit(11, 0));
         EXPECT_FALSE(edit(0, 3));
         const std::string message = std::string("   [!] Invalid params @ PVANIM::") + editor.name + "\n";
-        EXPECT_EQ(caseLog.text(), message + message);
+        EXPECT_EQ(log.fresh(), message + message);
     }
 
-    pvtest::LogCapture unsetLog;
     EXPECT_TRUE(anim.unsetFrame(10, 2));
     EXPECT_FALSE(anim.unsetFrame(10, 2));
     EXPECT_FALSE(anim.unsetFrame(11, 2));
-    EXPECT_EQ(unsetLog.text(), "   [!] Invalid params @ PVANIM::unsetFrame\n");
+    EXPECT_EQ(log.fresh(), "   [!] Invalid params @ PVANIM::unsetFrame\n");
 }
 
 TEST_F(Anims, CreateKeyframesInterpolatesRotationsBetweenSetFrames)
@@ -185,12 +183,11 @@ TEST_F(Anims, CreateKeyframesInterpolatesRotationsBetweenSetFrames)
         EXPECT_EQ(anim.getKeyframe(f, 1)->set, f == 0 || f == 4 || f == 8);
     }
 
-    pvtest::LogCapture invalid;
     EXPECT_FALSE(anim.createKeyframes(11, 11));
     EXPECT_FALSE(anim.createKeyframes(0, 12));
     EXPECT_FALSE(anim.createKeyframes(5, 5));
     const std::string line = "   [!] Invalid params @ PVANIM::createKeyframes\n";
-    EXPECT_EQ(invalid.text(), line + line + line);
+    EXPECT_EQ(log.text(), line + line + line);
 }
 
 TEST_F(Anims, ApplyPosesBonesByNameAndMovesThemOnlyWhenTranslating)

@@ -101,7 +101,6 @@ TEST_F(PveLoad, HeadersOtherThanTheTwoLayoutsAreRefused)
     };
     for (const auto& c : cases) {
         writeFile("f.pve", c.bytes);
-        log.fresh();
         EXPECT_EQ(nullptr, PEVRANO::load("f.pve")) << c.what;
         EXPECT_EQ("\n   Loading PVE file 'f.pve'...\n" + c.logged, log.fresh()) << c.what;
     }
@@ -125,7 +124,6 @@ TEST_F(PveLoad, MeshMaterialsAreReportedUnlessNamedRoot)
     };
     for (const Case& c : cases) {
         writeFile("m.pve", readFile(scene(c.file)));
-        log.fresh();
         PVNODE* loaded = PEVRANO::load("m.pve");
         ASSERT_NE(nullptr, loaded) << c.file;
         EXPECT_EQ(nullptr, static_cast<PVMESH*>(loaded)->getMaterial());
@@ -161,7 +159,6 @@ TEST_F(PveLoad, EveryTruncationIsRefusedAndCleanedUp)
     new PVNODE();  // a node that was there before
     for (size_t cut = 15; cut < whole.size(); cut++) {
         writeFile("cut.pve", whole.substr(0, cut));
-        log.fresh();
         ASSERT_EQ(nullptr, PEVRANO::load("cut.pve")) << "cut at " << cut;
         const std::string text = log.fresh();
         EXPECT_EQ("   [!] Corrupted file cut.pve @ PEVRANO::load\n", text.substr(text.rfind("   [!] ")))
@@ -185,7 +182,6 @@ TEST_F(PveLoad, HostileFilesAreRefusedWithoutLeavingNodes)
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         const std::string name = entry.path().filename();
         files++;
-        log.fresh();
         EXPECT_EQ(nullptr, PEVRANO::load(name.c_str())) << name;
         const std::string text = log.fresh();
         const std::string expected = name.rfind("unknown-", 0) == 0

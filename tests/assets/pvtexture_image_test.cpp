@@ -16,11 +16,7 @@ using namespace pvtest;
 
 namespace {
 
-// A file of data/images copied into the scratch folder under name.
-void copyImage(const std::string& file, const std::string& name)
-{
-    writeFile(name, readFile(PEVRANO_TEST_DATA "/images/" + file));
-}
+const std::string images = PEVRANO_TEST_DATA "/images/";
 
 struct ImageCase {
     const char* file;
@@ -43,8 +39,8 @@ TEST_P(ImageLoading, BitmapEqualsTheTgaOfTheSamePicture)
     // The content decides the format, not the name: every file is read as .tga.
     const ImageCase& c = imageCases[GetParam()];
     SCOPED_TRACE(c.file);
-    copyImage(c.file, "image.tga");
-    copyImage(c.tga, "same.tga");
+    writeFile("image.tga", readFile(images + c.file));
+    writeFile("same.tga", readFile(images + c.tga));
     PVTEXTURE image, tga;
     ASSERT_TRUE(image.load("image.tga"));
     ASSERT_TRUE(tga.load("same.tga"));
@@ -78,7 +74,7 @@ TEST_F(ImageRefusals, LinesSayWhy)
     std::string expected;
     const int blocksBefore = kvfGetMemoryStats().ratio;
     for (const auto& c : cases) {
-        copyImage(c.name, c.name);
+        writeFile(c.name, readFile(images + c.name));
         PVTEXTURE texture;
         EXPECT_FALSE(texture.load(c.name)) << c.name;
         EXPECT_EQ(texture.getBitmap(), nullptr) << c.name;

@@ -67,7 +67,6 @@ TEST_F(TexturePixels, LitTextureModulatesTheLightingEquation)
         addQuad("t.tga", tgaFile(TGA_RAW, 2, 2, 24, 0, repeated({191, 128, 255}, 4)), false, 1, true);
     material->setAmbient(0.5f, 0.5f, 0.5f, 1.0f);
     material->setDiffuse(0.8f, 0.6f, 1.0f, 1.0f);
-    material->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
     drawFrame(root, camera);
 
     // Global and light ambient on the ambient colour, N.L = 0.8 on the
