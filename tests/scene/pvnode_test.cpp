@@ -41,6 +41,16 @@ protected:
             result.push_back(node->getChild(i));
         return result;
     }
+    // A chain of depth ancestors above the returned leaf, each moving by 1 in x.
+    static TestNode* chainWithAncestors(int depth)
+    {
+        TestNode* below = nullptr;
+        for (int i = 0; i <= depth; i++) {
+            below = make(nullptr, below);
+            below->setPosition(1, 0, 0);
+        }
+        return below;
+    }
 };
 
 TEST_F(Node, DefaultsIdsNamesAndTypeName)
@@ -269,21 +279,6 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
     arm->setPositioning(PV_NODE_POSITIONING(2));
     expectMatrixNear(rootM * handM, hand->getFinalMatrix(nullptr).m, "arm without transform");
     EXPECT_EQ("", log.fresh());
-}
-
-// A chain of depth ancestors above the returned leaf, each moving by 1 in x.
-TestNode* chainWithAncestors(int depth)
-{
-    TestNode* top = new TestNode("top");
-    top->setPosition(1, 0, 0);
-    TestNode* below = top;
-    for (int i = 0; i < depth; i++) {
-        TestNode* next = new TestNode();
-        next->setPosition(1, 0, 0);
-        next->link(below);
-        below = next;
-    }
-    return below;
 }
 
 TEST_F(Node, SixtyThreeAncestorsWorkSixtyFourOverflow)

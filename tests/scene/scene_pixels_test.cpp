@@ -39,11 +39,12 @@ protected:
         startLog = log.text().substr(logBefore);
         root = new PVNODE();
     }
-    QuadNode* addQuad(float halfSize, Vec3 at, PVNODE* parent)
+    QuadNode* addQuad(float halfSize, Vec3 at, bool lit = false)
     {
         QuadNode* quad = new QuadNode(halfSize);
         quad->setPosition(float(at.x), float(at.y), float(at.z));
-        quad->link(parent);
+        quad->setLit(lit);
+        quad->link(root);
         return quad;
     }
 
@@ -83,9 +84,7 @@ protected:
         light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
         light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
         light->link(root);
-        QuadNode* quad = addQuad(2.0f, {0, 0, 0}, root);
-        const Mat4 model = place(*quad, {0, 0, 0}, {0, 0, 0}, {20, -35, 0});
-        quad->setLit(true);
+        const Mat4 model = place(*addQuad(2.0f, {0, 0, 0}, true), {0, 0, 0}, {0, 0, 0}, {20, -35, 0});
         PVCAMERA* camera = new PVCAMERA();
         camera->setPosition(0, 0, 12);
         drawFrame(root, camera);
@@ -154,10 +153,8 @@ TEST_F(ScenePixels, SpotLightFollowsTheLightingEquation)
     spot->setDiffuse(0.8f, 0.7f, 0.6f, 1.0f);
     spot->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
     spot->link(root);
-    QuadNode* inCone = addQuad(2.0f, {0, 0, 0}, root);
-    inCone->setLit(true);
-    QuadNode* outOfCone = addQuad(2.0f, {-7, 0, 0}, root);
-    outOfCone->setLit(true);
+    addQuad(2.0f, {0, 0, 0}, true);  // in the cone
+    addQuad(2.0f, {-7, 0, 0}, true);  // out of it
     PVCAMERA* camera = new PVCAMERA();
     camera->setPosition(0, 0, 20);
     drawFrame(root, camera);
@@ -192,8 +189,8 @@ unsigned int expectedCode(unsigned short code)
 
 TEST_F(ScenePixels, SelectReportsTheCodeUnderThePointer)
 {
-    QuadNode* left = addQuad(1.5f, {-3, 0, 0}, root);
-    QuadNode* right = addQuad(1.5f, {3, 1, 0}, root);
+    QuadNode* left = addQuad(1.5f, {-3, 0, 0});
+    QuadNode* right = addQuad(1.5f, {3, 1, 0});
     left->setSelectionCode((19 << 11) | (40 << 5) | 7);
     right->setSelectionCode((2 << 11) | (63 << 5) | 30);
     PVLIGHT* light = new PVLIGHT();  // lights are not selectable
