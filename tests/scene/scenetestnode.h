@@ -18,11 +18,8 @@ inline std::function<void(PVNODE*, void*)> onRender;
 // render list asks the real classes directly.
 template <class Base> class Recorded : public Base {
 public:
-    explicit Recorded(const char* nodeName = nullptr)
-    {
-        if (nodeName)
-            this->setName(nodeName);
-    }
+    // A null name keeps the default one.
+    explicit Recorded(const char* nodeName = nullptr) { this->setName(nodeName); }
     bool render(void* element) override
     {
         if (onRender)
