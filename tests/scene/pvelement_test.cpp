@@ -14,10 +14,7 @@
 #include "scene/scenefixture.h"
 #include "scene/scenetestnode.h"
 
-using pvtest::expectMatrixNear;
-using pvtest::make;
-using pvtest::Mat4;
-using pvtest::Vec3;
+using namespace pvtest;
 
 // Heap allocations made by the calling thread while counting is on (other
 // threads, such as the GL driver's, are not counted).
@@ -184,7 +181,6 @@ TEST_F(RenderList, DistanceClippingOfMeshLikeNodes)
     EXPECT_EQ((std::vector<PVNODE*> {far, edge, near, limit, helper, light, emitter}), passedNodes());
 
     PVELEMENT::reset();
-    PVELEMENT::setClippingRadius(128);
     PVELEMENT::clippingOff();
     EXPECT_FALSE(PVELEMENT::isClipping());
     // A hidden mesh gets no record; its children do.

@@ -3,9 +3,6 @@
 // own, upright, frame after frame.
 #include <gtest/gtest.h>
 
-#include <GLES/gl.h>
-
-#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
