@@ -140,7 +140,6 @@ TEST_F(NearestLights, ExclusiveFirstThenNearestUpToFour)
     object.setPosition(3, 0, 0);
 
     PVELEMENT* record = passScene();
-    ASSERT_EQ(6u, PVELEMENT::getNumberOfLights());
     PVLIGHT::lightingOn();
     recorder.start();
     ASSERT_TRUE(PVLIGHT::activateNearest(record));

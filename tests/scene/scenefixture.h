@@ -3,13 +3,6 @@
 #ifndef PEVRANO_TESTS_SCENE_SCENEFIXTURE_H
 #define PEVRANO_TESTS_SCENE_SCENEFIXTURE_H
 
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
-#include <cmath>
-#include <string>
-
 #include <pevrano.h>
 
 #include "support/glfixture.h"

@@ -18,11 +18,8 @@ inline std::function<void(PVNODE*, void*)> onRender;
 // render list asks the real classes directly.
 template <class Base> class Recorded : public Base {
 public:
-    explicit Recorded(const char* nodeName = nullptr)
-    {
-        if (nodeName)
-            this->setName(nodeName);
-    }
+    // A null name keeps the default one.
+    explicit Recorded(const char* nodeName = nullptr) { this->setName(nodeName); }
     bool render(void* element) override
     {
         if (onRender)
@@ -79,22 +76,17 @@ inline void makeTransparent(PVNODE* mesh)
     static_cast<PVMESH*>(mesh)->setMaterial(glass);
 }
 
-// Local transform of a node placed by its vectors: translate by position +
-// origin, then rotate about X, Y and Z (each applied in the node's own frame).
-inline Mat4 localTransform(Vec3 position, Vec3 origin, Vec3 rotation)
-{
-    const Vec3 at = position + origin;
-    return Mat4::translation(at.x, at.y, at.z) * Mat4::rotationX(rotation.x) * Mat4::rotationY(rotation.y) *
-           Mat4::rotationZ(rotation.z);
-}
-
-// Places the node by its vectors and returns its local transform.
+// Places the node by its vectors and returns its local transform: translate
+// by position + origin, then rotate about X, Y and Z (each applied in the
+// node's own frame).
 inline Mat4 place(PVNODE& node, Vec3 position, Vec3 origin, Vec3 rotation)
 {
     node.setPosition(float(position.x), float(position.y), float(position.z));
     node.setOrigin(float(origin.x), float(origin.y), float(origin.z));
     node.setRotation(float(rotation.x), float(rotation.y), float(rotation.z));
-    return localTransform(position, origin, rotation);
+    const Vec3 at = position + origin;
+    return Mat4::translation(at.x, at.y, at.z) * Mat4::rotationX(rotation.x) * Mat4::rotationY(rotation.y) *
+           Mat4::rotationZ(rotation.z);
 }
 
 }  // namespace pvtest

@@ -180,18 +180,16 @@ TEST_F(VideoGlTest, FramesUploadOnlyIntoATextureThatHoldsThem)
 TEST_F(VideoGlTest, TheVideoHoldsItsTexture)
 {
     PVTEXTURE* first = new PVTEXTURE();
-    PVTEXTURE* second = new PVTEXTURE();
     ASSERT_TRUE(first->create(64, 64, 3));
-    ASSERT_TRUE(second->create(64, 64, 3));
     const unsigned int firstId = first->getId();
     PVVIDEO* video = new PVVIDEO();
     ASSERT_TRUE(video->load("bands.mpg"));
     video->setTexture(first);
     video->setTexture(first);
-    second->incReferences();
     PVTEXTURE::garbageCollect(0);
     ASSERT_EQ(first, PVTEXTURE::findById(firstId));
-    second->decReferences();
+    PVTEXTURE* second = new PVTEXTURE();
+    ASSERT_TRUE(second->create(64, 64, 3));
     video->setTexture(second);
     EXPECT_EQ((std::vector<int> {0, 1}),
               (std::vector<int> {first->getReferences(), second->getReferences()}));

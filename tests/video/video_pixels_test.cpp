@@ -3,9 +3,6 @@
 // own, upright, frame after frame.
 #include <gtest/gtest.h>
 
-#include <GLES/gl.h>
-
-#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,10 +15,6 @@
 using namespace pvtest;
 
 namespace {
-
-// A 5-6-5 surface loses up to 8 levels per channel; 4:2:0 decoding and the
-// conversion to RGB add a few more.
-const double videoTolerance = 12.0;
 
 // The colours the clips were made with.
 const std::pair<const char*, Rgb> clipColours[] = {{"red", {200 / 255.0, 40 / 255.0, 40 / 255.0}},
@@ -66,11 +59,8 @@ protected:
     {
         const Rgb seen = pixelAt((2 * column + 1) * windowWidth / 128,
                                  windowHeight - 1 - (2 * row + 1) * windowHeight / 96);
-        auto near = [](double wanted, double got) {
-            return std::abs(wanted - got) * 255.0 <= videoTolerance;
-        };
         for (const auto& [name, rgb] : clipColours)
-            if (near(rgb.r, seen.r) && near(rgb.g, seen.g) && near(rgb.b, seen.b))
+            if (colourNear(rgb, seen))
                 return name;
         return "(" + std::to_string(int(seen.r * 255)) + "," + std::to_string(int(seen.g * 255)) + "," +
                std::to_string(int(seen.b * 255)) + ")";

@@ -4,8 +4,6 @@
 #ifndef PEVRANO_TESTS_VIDEO_VIDEOFIXTURE_H
 #define PEVRANO_TESTS_VIDEO_VIDEOFIXTURE_H
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 
