@@ -4,9 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "gui/guifixture.h"
 

@@ -1,14 +1,7 @@
 // PVOPENGL: cached switches, start-up log and GL state, projection set-up,
 // background colour on screen.
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
 #include <cmath>
-#include <string>
-#include <vector>
 
-#include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "enginefixture.h"
 #include "support/switches.h"

@@ -1,13 +1,5 @@
 // The settings record: defaults (what loading no key leaves), setters, the
 // PEVRANO_* configuration file with its parser quirks, and the configuration in force after start-up.
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
-#include <array>
-#include <string>
-#include <vector>
-
 #include "assets/pvshader.h"
 #include "enginefixture.h"
 

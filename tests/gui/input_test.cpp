@@ -1,7 +1,5 @@
 // Pointer and keys scripted through the render list's dispatcher, over the
 // widgets drawn in the last 2D pass.
-#include <tuple>
-
 #include "gui/guifixture.h"
 #include "gui/pvinput.h"
 

@@ -1,7 +1,5 @@
 // Buttons, labels, text fields, scroll bars and windows: captions that fit or
 // are replaced, every message, keys, slider values, scrolling and clipping.
-#include <tuple>
-
 #include "gui/guifixture.h"
 
 using namespace pvtest;
