@@ -4,9 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "gui/guifixture.h"
 
@@ -41,19 +39,12 @@ protected:
 // Everything below is pushed within one frame, after one 2D pass.
 TEST_F(Events, EachEventReachesTheInterfaceAsItComes)
 {
-    PVBOX* root = new PVBOX();
-    root->setSizes(0, 0);
-    PVBUTTON* hello = new PVBUTTON();
-    hello->setPosition(10, 10);
-    hello->setSizes(20, 10);
+    PVBOX* root = placed(0, 0, 0, 0);
+    PVBUTTON* hello = placed<PVBUTTON>(10, 10, 20, 10, root);
     hello->setEventType(PV_BUTTON_ON_RELEASE);
-    hello->link(root);
-    PVTEXTFIELD* name = new PVTEXTFIELD();
+    PVTEXTFIELD* name = placed<PVTEXTFIELD>(0, 40, 80, 20, root);
     name->setFont(solidFont());
     name->clear();
-    name->setPosition(0, 40);
-    name->setSizes(80, 20);
-    name->link(root);
     drawFrame2D(root);
 
     const int left = PV_POINTER_LEFT, right = PV_POINTER_RIGHT;
@@ -141,8 +132,7 @@ TEST_F(Events, AResizeMakesTheNextFrameFillTheNewSize)
     EXPECT_EQ((std::vector<int> {width, height}),
               (std::vector<int> {PVSETTINGS::getSDLWindowX(), PVSETTINGS::getSDLWindowY()}));
 
-    PVBOX* box = new PVBOX();
-    box->setSizes(width, height);
+    PVBOX* box = placed(0, 0, width, height);
     box->setColor(1.0f, 1.0f, 1.0f, 1.0f);
     box->setThickness(0);
     drawFrame2D(box);

@@ -1,19 +1,10 @@
 // The frame functions on the real renderer, in portrait and in landscape: the
 // GL calls of clearing, the 2D pass, the wireframe switch, the buffer swap and
 // picking, what they leave in the window, the frame stamp and the timer.
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
-#include <array>
 #include <chrono>
-#include <cstdlib>
-#include <string>
 #include <thread>
 #include <tuple>
-#include <vector>
 
-#include "core/pvgl.h"
 #include "core/pvopengl.h"
 #include "enginefixture.h"
 #include "scene/pvlight.h"

@@ -1,15 +1,9 @@
 // Engine start-up and shut-down: the whole log of each, refusals, a failing
 // step that unwinds, and the class-wide counters and switches.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <array>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "assets/pvshader.h"
-#include "core/pvopengl.h"
 #include "enginefixture.h"
 #include "scene/pvelement.h"
 #include "support/testaccess.h"

@@ -1,14 +1,9 @@
 // Screenshots read back with libpng (size, colour type, top row first,
 // colours), their refusals, and the window caption.
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
 #include <SDL/SDL.h>
 #include <png.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "enginefixture.h"
 #include "support/pixels.h"

@@ -1,13 +1,6 @@
 // Float GL wrapper: fixed-point values that reach GL, shadow matrix stacks
 // compared with matrices computed here and with GL's own matrices.
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
-#include <array>
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "enginefixture.h"
 

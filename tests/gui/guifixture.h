@@ -4,11 +4,6 @@
 #ifndef PEVRANO_TESTS_GUI_GUIFIXTURE_H
 #define PEVRANO_TESTS_GUI_GUIFIXTURE_H
 
-#include <gtest/gtest.h>
-
-#include <GLES/gl.h>
-
-#include <string>
 #include <tuple>
 #include <vector>
 

@@ -1,7 +1,5 @@
 // Pointer and keys scripted through the render list's dispatcher, over the
 // widgets drawn in the last 2D pass.
-#include <tuple>
-
 #include "gui/guifixture.h"
 #include "gui/pvinput.h"
 
@@ -15,8 +13,7 @@ protected:
     {
         ASSERT_NO_FATAL_FAILURE(GuiTest::SetUp());
         PVINPUT::reset();
-        root = new PVBOX();
-        root->setSizes(0, 0);
+        root = placed(0, 0, 0, 0);
     }
     // One dispatcher call after a frame of everything under root; returns
     // the reported id, and whether the pointer was over a widget.
@@ -109,9 +106,7 @@ TEST_F(Input, ATitleBarMinimisesOnReleaseAndMovesItsWindowWhenDragged)
 
 TEST_F(Input, DraggingAScrollBarCursorStopsAtTheTrackEnds)
 {
-    PVHSCROLLBAR* bar = new PVHSCROLLBAR();  // 64 x 4 at (20, 50); cursor 16 x 8
-    bar->setPosition(20, 50);
-    bar->link(root);
+    PVHSCROLLBAR* bar = placed<PVHSCROLLBAR>(20, 50, 64, 4, root);  // cursor 16 x 8
     bar->setValue(0.5f);  // cursor from x 44 to 60
     send(50, 50, true);
     send(70, 52, true);  // 20 pixels right; no move across the track
@@ -129,15 +124,12 @@ TEST_F(Input, DraggingAScrollBarCursorStopsAtTheTrackEnds)
 TEST_F(Input, TheLastPressedTextFieldTakesTheKeys)
 {
     PVFONT* font = solidFont();
-    PVTEXTFIELD* first = new PVTEXTFIELD();
-    PVTEXTFIELD* second = new PVTEXTFIELD();
+    PVTEXTFIELD* first = placed<PVTEXTFIELD>(0, 0, 80, 20, root);
+    PVTEXTFIELD* second = placed<PVTEXTFIELD>(0, 30, 80, 20, root);
     for (PVTEXTFIELD* field : {first, second}) {
         field->setFont(font);
         field->clear();
-        field->setSizes(80, 20);
-        field->link(root);
     }
-    second->setPosition(0, 30);
     send(5, 5, false, 'x');  // no focus yet
     EXPECT_EQ(nullptr, PVTEXTFIELD::getFocus());
     send(5, 5, true);

@@ -2,7 +2,6 @@
 // quad primitive and the bevelled border as GL calls and as pixels.
 #include <algorithm>
 #include <functional>
-#include <tuple>
 
 #include "gui/guifixture.h"
 

@@ -1,8 +1,6 @@
 // Fonts: widths, word wrap and kerning files worked out by hand, every
 // message, the registry, the glyph batches as GL calls and text as pixels.
-#include <cstdio>
 #include <functional>
-#include <tuple>
 
 #include "gui/guifixture.h"
 #include "gui/pvtextcache.h"

@@ -1,7 +1,5 @@
 // Buttons, labels, text fields, scroll bars and windows: captions that fit or
 // are replaced, every message, keys, slider values, scrolling and clipping.
-#include <tuple>
-
 #include "gui/guifixture.h"
 
 using namespace pvtest;
@@ -257,9 +255,7 @@ TEST_F(Widgets, WindowsScrollTheirWidgetsWithTheBar)
     EXPECT_EQ(295.0f, button->getPosition().y);  // moved by offset - line
 
     PVWINDOW* tall = new PVWINDOW();
-    PVBOX* huge = new PVBOX();
-    huge->setSizeY(10000);
-    huge->link(tall);
+    PVBOX* huge = placed(0, 0, 64, 10000, tall);
     tall->updateScroll();
     EXPECT_EQ(8, tall->getScrollBar()->getCursor()->getSizeY());  // never below 8
 

@@ -2,12 +2,9 @@
 // by line, refused files, and the properties that fall through to the
 // enclosing node.
 #include <cstdio>
-#include <string>
-#include <tuple>
 
 #include "assets/tgafile.h"
 #include "gui/guifixture.h"
-#include "support/scratch.h"
 
 using namespace pvtest;
 
