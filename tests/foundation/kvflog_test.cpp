@@ -6,15 +6,11 @@ using namespace pvtest;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
-namespace {
-
 // An error record as the log file holds it, in text form.
-std::string textErrorRecord(const std::string& from, const std::string& text)
+static std::string textErrorRecord(const std::string& from, const std::string& text)
 {
     return literal("Time:  ") + clockPattern + literal("\nFrom:  " + from + "\nError: " + text + "\n\n");
 }
-
-}  // namespace
 
 TEST(Log, FailedInitLeavesTheOpenLogAloneOrNoneOpen)
 {

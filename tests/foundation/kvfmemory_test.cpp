@@ -8,9 +8,7 @@ using namespace pvtest;
 // The library's readings of the physical memory in use resolve to this
 // definition in the test executable, so a test can set the figure; while it
 // is 0 the library's own reading answers.
-namespace {
-unsigned long long fakeInUse = 0;
-}  // namespace
+static unsigned long long fakeInUse = 0;
 
 unsigned long long kvfPhysicalMemoryInUse()
 {

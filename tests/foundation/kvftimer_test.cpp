@@ -15,9 +15,7 @@ using Ids = RecordingTest;
 // The library's calls to the counter resolve to this definition in the test
 // executable, so a test can hold the clock still or move it at will; while it
 // is 0 the library's own counter answers.
-namespace {
-long long fakeNow = 0;
-}  // namespace
+static long long fakeNow = 0;
 
 long long kvfPerformanceCounter()
 {
@@ -51,9 +49,7 @@ TEST_F(Timers, BadHandlesAndFreeSlots)
     // Out of range or never taken while timer 0 runs, then timer 0 once freed.
     for (int handle : {-1, 8, 1, timer}) {
         SCOPED_TRACE(handle);
-        if (handle == timer) {
-            EXPECT_TRUE(kvfFreeTimer(timer));
-        }
+        EXPECT_TRUE(handle != timer || kvfFreeTimer(timer));
         EXPECT_FALSE(kvfFreeTimer(handle));
         EXPECT_FALSE(kvfAdjournTimer(handle));
         EXPECT_EQ(kvfGetTimerFactor(handle), -1.0f);
@@ -98,10 +94,8 @@ TEST_F(Timers, FactorAndFpsFromTheCounterKeptUntilTheNextAdjourn)
 TEST_F(Ids, ReleaseMessages)
 {
     unsigned int id = kvfNewId();
-    EXPECT_FALSE(kvfReleaseId(0));
-    EXPECT_FALSE(kvfReleaseId(70000));
-    EXPECT_FALSE(kvfReleaseId(65536));
-    EXPECT_FALSE(kvfReleaseId(65535));
+    for (unsigned int refused : {0u, 70000u, 65536u, 65535u})
+        EXPECT_FALSE(kvfReleaseId(refused));
     EXPECT_TRUE(kvfReleaseId(id));
     EXPECT_FALSE(kvfReleaseId(id));
     kvfLog(" continues here\n");
@@ -121,13 +115,10 @@ TEST_F(Ids, FirstIsOneAndTheLowestFreeComesBackUntilAllAreTaken)
     EXPECT_TRUE(kvfReleaseId(1));
     EXPECT_EQ(kvfNewId(), 1u);
     EXPECT_EQ(kvfNewId(), 2u);
-    unsigned int last = 0;
-    for (unsigned int expected = 4; expected <= 65535; ++expected) {
-        last = kvfNewId();
-        if (last != expected)
-            break;
-    }
-    EXPECT_EQ(last, 65535u);
+    unsigned int next = 4;
+    while (next <= 65535 && kvfNewId() == next)
+        ++next;
+    EXPECT_EQ(next, 65536u);
     EXPECT_EQ(kvfNewId(), 0u);
     EXPECT_EQ(log.text(), "kvfNewId: all ID are used\n");
     EXPECT_TRUE(kvfReleaseId(40000));

@@ -47,5 +47,8 @@ inline ::testing::AssertionResult nearAll(const float* actual, std::initializer_
 // Comparison within a tolerance.
 #define EXPECT_COMPONENTS_NEAR(tolerance, actual, ...)                                                       \
     EXPECT_TRUE(mathtest::nearAll(actual, {__VA_ARGS__}, tolerance))
+// Two 4D vectors, component by component, within a tolerance.
+#define EXPECT_VECTOR4_NEAR(tolerance, actual, expected)                                                     \
+    EXPECT_TRUE(mathtest::nearArray<float>(actual, expected, 4, tolerance))
 
 #endif

@@ -10,18 +10,14 @@ using mathtest::RAD;
 using pvtest::expectMatrixNear;
 using pvtest::Mat4;
 
-namespace {
-
 // 1, 2, ..., 16 in storage order.
-K3MMATRIX counting(float first)
+static K3MMATRIX counting(float first)
 {
     float v[16];
     for (int i = 0; i < 16; i++)
         v[i] = first + float(i);
     return K3MMATRIX(v);
 }
-
-}  // namespace
 
 TEST(Matrix, StorageAndAccessors)
 {
@@ -100,8 +96,7 @@ TEST(Matrix, TransposeDeterminantAndInverse)
     // A singular block is not reported: the result holds infinities or NaN.
     K3MMATRIX singular(1, 2, 3, 0, 2, 4, 6, 0, 0, 0, 1, 0, 0, 0, 0, 1);
     EXPECT_EQ(0.0f, singular.determinant());
-    K3MMATRIX broken = singular.inverse();
-    EXPECT_FALSE(std::isfinite(broken.m[0]));
+    EXPECT_FALSE(std::isfinite(singular.inverse().m[0]));
 }
 
 TEST(Matrix, SingleAxisRotations)
@@ -144,9 +139,7 @@ TEST(Matrix, AxisAngleRotation)
 
     // The axis is not normalised: (0, 0, 2) at 90 degrees gives m[1] = 2s, m[10] = 4t + c.
     m.setRotation(90, 0, 0, 2);
-    EXPECT_NEAR(2.0, m.m[1], 1e-6);
-    EXPECT_NEAR(-2.0, m.m[4], 1e-6);
-    EXPECT_NEAR(4.0, m.m[10], 1e-6);
+    EXPECT_COMPONENTS_NEAR(1e-6, m.m, 0, 2, 0, 0, -2, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1);
 }
 
 TEST(Matrix, RotateAndTransformVectors)
@@ -194,13 +187,6 @@ TEST(MatrixQuaternion, RoundTrips)
         float sign = (j.w * q.w < 0.0f) ? -1.0f : 1.0f;
         EXPECT_COMPONENTS_NEAR(1e-4, j * sign, -q.x, -q.y, -q.z, q.w);
     }
-
-    // A half turn about x has a zero trace: Jona's diagonal branch, i = 0.
-    K3MMATRIX half;
-    half.fromQuaternion(K3MVECTOR4D(1, 0, 0, 0));
-    EXPECT_COMPONENTS(half.toQuaternionJona(), 1, 0, 0, 0);
-    // t = 1 - 1 - 1 + 1 = 0: toQuaterion's x branch.
-    EXPECT_COMPONENTS(half.toQuaterion(), 1, 0, 0, 0);
 }
 
 TEST(MatrixQuaternion, ToQuaterionBranchesKeepTheirSigns)

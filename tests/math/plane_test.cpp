@@ -4,12 +4,8 @@
 
 #include <array>
 
-namespace {
-
 // The plane's four numbers, for whole comparisons.
-std::array<float, 4> values(const K3MPLANE& p) { return {p.a, p.b, p.c, p.d}; }
-
-}  // namespace
+static std::array<float, 4> values(const K3MPLANE& p) { return {p.a, p.b, p.c, p.d}; }
 
 TEST(Plane, ConstructionAndSignedDistance)
 {

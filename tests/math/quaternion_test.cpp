@@ -46,12 +46,9 @@ TEST(Quaternion, SetEulers)
     const double a = 0.4, b = -1.1, c = 2.3;
     // Each angle alone: a turns about y, b about x, c about z.
     K3MVECTOR4D q;
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(float(a), 0.0f, 0.0f), 0, std::sin(a / 2), 0,
-                           std::cos(a / 2));
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, float(b), 0.0f), std::sin(b / 2), 0, 0,
-                           std::cos(b / 2));
-    EXPECT_COMPONENTS_NEAR(1e-7, q.quaternionSetEulers(0.0f, 0.0f, float(c)), 0, 0, std::sin(c / 2),
-                           std::cos(c / 2));
+    EXPECT_VECTOR4_NEAR(1e-7, q.quaternionSetEulers(float(a), 0.0f, 0.0f), axisAngle(a, 0, 1, 0));
+    EXPECT_VECTOR4_NEAR(1e-7, q.quaternionSetEulers(0.0f, float(b), 0.0f), axisAngle(b, 1, 0, 0));
+    EXPECT_VECTOR4_NEAR(1e-7, q.quaternionSetEulers(0.0f, 0.0f, float(c)), axisAngle(c, 0, 0, 1));
 
     // All three: the product (about y by a)(about x by b)(about z by c).
     K3MVECTOR4D expected = axisAngle(a, 0, 1, 0)
@@ -59,10 +56,10 @@ TEST(Quaternion, SetEulers)
                                .quaternionMultiply(axisAngle(c, 0, 0, 1));
     K3MVECTOR4D combined;
     combined.quaternionSetEulers(float(a), float(b), float(c));
-    EXPECT_COMPONENTS_NEAR(1e-6, combined, expected.x, expected.y, expected.z, expected.w);
+    EXPECT_VECTOR4_NEAR(1e-6, combined, expected);
     K3MVECTOR4D fromVector;
-    EXPECT_COMPONENTS(fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))), combined.x,
-                      combined.y, combined.z, combined.w);
+    EXPECT_VECTOR4_NEAR(0.0, fromVector.quaternionSetEulers(K3MVECTOR3D(float(a), float(b), float(c))),
+                        combined);
     EXPECT_COMPONENTS(K3MVECTOR4D(1, 1, 1, 1).quaternionSetEulers(0.0f, 0.0f, 0.0f), 0, 0, 0, 1);
 }
 

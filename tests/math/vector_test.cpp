@@ -82,15 +82,12 @@ TEST(Vector, NormalizeAndSetLength)
     K3MVECTOR2D v(3, 4);
     EXPECT_COMPONENTS_NEAR(1e-7, v.normalize(), 0.6, 0.8);
     EXPECT_COMPONENTS_NEAR(1e-7, v, 0.6, 0.8);
-    K3MVECTOR4D q(0, 0, 0, 2);
-    EXPECT_COMPONENTS(q.normalize(), 0, 0, 0, 1);
+    EXPECT_COMPONENTS(K3MVECTOR4D(0, 0, 0, 2).normalize(), 0, 0, 0, 1);
 
     // A zero vector stays zero, with no NaN.
-    K3MVECTOR3D zero;
-    EXPECT_COMPONENTS(zero.normalize(), 0, 0, 0);
+    EXPECT_COMPONENTS(K3MVECTOR3D().normalize(), 0, 0, 0);
 
-    K3MVECTOR3D w(0, 3, 4);
-    EXPECT_COMPONENTS(w.setLength(10), 0, 6, 8);
+    EXPECT_COMPONENTS(K3MVECTOR3D(0, 3, 4).setLength(10), 0, 6, 8);
 
     // setLength has no such guard.
     K3MVECTOR3D z;

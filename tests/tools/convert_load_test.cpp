@@ -1,30 +1,18 @@
 // Models of several formats, converted and loaded by the engine: the
 // geometry, materials and placement the engine ends up with are those of
 // Assimp's scene of the source.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <regex>
-#include <string>
-#include <vector>
 
-#include <pevrano.h>
-
-#include "modelconverter.h"
-#include "support/glfixture.h"
 #include "tools/runtool.h"
 
 namespace {
 
 using pvtest::models;
-
-aiVector3D vectorAt(const GLfixed* values, unsigned int index)
-{
-    return aiVector3D(values[3 * index] / 65536.0f, values[3 * index + 1] / 65536.0f,
-                      values[3 * index + 2] / 65536.0f);
-}
+using pvtest::vectorAt;
 
 // A model's meshes, vertices and faces, and the box its placed vertices fill:
 // of Assimp's scene of the source or of the engine's tree.
@@ -201,14 +189,11 @@ TEST_F(ConvertedModels, ScaleAndFitResizeTheWholeModel)
         const char* options;
         float scale;
     } cases[] = {{"--scale 0.01", 0.01f}, {"--fit 100", 100 / source.farthest}, {"--scale 4", 4.0f}};
+    const std::string outOfRange = pvtest::readFile(PEVRANO_TEST_DATA "/expected/convert-out-of-range.log");
     for (size_t i = 0; i < std::size(cases); i++) {
         SCOPED_TRACE(cases[i].options);
         const std::string name = "spider" + std::to_string(i) + ".pve";
         const pvtest::ToolRun run = pvtest::convertModel("FBX/spider.fbx", name, dir, cases[i].options);
-        const std::string outOfRange =
-            "pevrano-convert: warning: the model reaches 42677 units from the origin "
-            "(node 'Bein3Li'), beyond the engine's fixed-point range of -32767 to "
-            "32767: --scale or --fit brings it within\n";
         EXPECT_EQ(run.error.find(outOfRange) != std::string::npos, cases[i].scale > 1) << run.error;
         if (cases[i].scale > 1)
             continue;  // beyond what the engine holds
@@ -228,11 +213,7 @@ TEST_F(ConvertedModels, DeepTreesLoseTheirEmptyNodes)
 {
     const std::string chain = PEVRANO_TEST_DATA "/convert/deep_chain.gltf";
     const pvtest::ToolRun run = pvtest::runTool(PEVRANO_CONVERT, chain + " " + dir.file("deep.pve"), dir);
-    EXPECT_EQ(
-        run.error,
-        "pevrano-convert: warning: the tree is 41 levels deep, more than the engine draws (31): 38 nodes "
-        "that carry no geometry and no animation are folded into their children, 3 levels "
-        "remain\n");
+    EXPECT_EQ(run.error, pvtest::readFile(PEVRANO_TEST_DATA "/expected/convert-deep-tree.log"));
     PVSETTINGS settings;
     ASSERT_TRUE(PEVRANO::init(&settings)) << log.text();
     PVCAMERA* camera = new PVCAMERA();

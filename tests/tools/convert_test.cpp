@@ -1,17 +1,9 @@
 // pevrano-convert as a user runs it: options, refusals, textures and
 // animation files, read back through the engine's own loaders.
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <iterator>
-#include <string>
-#include <vector>
 
-#include "assets/pvanim.h"
-#include "assets/pvtexture.h"
-#include "modelconverter.h"
-#include "support/glfixture.h"
 #include "tools/runtool.h"
 
 namespace {

@@ -1,6 +1,7 @@
-// The tool tests' helpers: a command-line tool of the engine run as a user
-// would, in a folder of its own (a tool linked with the engine writes its log
-// in its working folder); the sample models, their pictures and their scenes.
+// The tool tests' helpers, beside the test kit's fixtures: a command-line
+// tool of the engine run as a user would, in a folder of its own (a tool
+// linked with the engine writes its log in its working folder); the sample
+// models, their pictures and their scenes.
 #ifndef PEVRANO_TESTS_TOOLS_RUNTOOL_H
 #define PEVRANO_TESTS_TOOLS_RUNTOOL_H
 
@@ -18,7 +19,7 @@
 #include <pevrano.h>
 
 #include "modelconverter.h"
-#include "support/scratch.h"
+#include "support/glfixture.h"
 
 namespace pvtest {
 
@@ -57,6 +58,13 @@ inline PVNODE* convertAndLoad(const std::string& model, const std::string& pve, 
     const ToolRun run = convertModel(model, pve, scratch, options);
     EXPECT_EQ(run.status, 0) << run.error;
     return PEVRANO::load(scratch.file(pve).c_str());
+}
+
+// The index-th of the 16.16 x, y, z triples at values.
+inline aiVector3D vectorAt(const GLfixed* values, unsigned int index)
+{
+    return aiVector3D(values[3 * index] / 65536.0f, values[3 * index + 1] / 65536.0f,
+                      values[3 * index + 2] / 65536.0f);
 }
 
 // A picture file decoded to 8-bit RGB, top row first; empty when unreadable.

@@ -2,18 +2,10 @@
 // frames of each animation, the vertices the engine's skinning computes from
 // the converted files match those computed from Assimp's scene of the source
 // (bone world transforms at the same time, offset matrices, weights).
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
-#include <string>
-#include <vector>
 
-#include <pevrano.h>
-
-#include "modelconverter.h"
-#include "support/glfixture.h"
 #include "tools/runtool.h"
 
 namespace {
@@ -154,8 +146,7 @@ TEST_F(SkinnedModels, EngineSkinningFollowsTheSourceAnimation)
                 const std::vector<aiVector3D> expected = sourcePositions(scene, skins[s], animation, ticks);
                 float size = 0, worst = 0;
                 for (size_t v = 0; v < expected.size(); v++) {
-                    const GLfixed* p = mesh->getSkinnedVertexPtr() + 3 * v;
-                    const aiVector3D engine(p[0] / 65536.0f, p[1] / 65536.0f, p[2] / 65536.0f);
+                    const aiVector3D engine = pvtest::vectorAt(mesh->getSkinnedVertexPtr(), v);
                     size = std::max(size, expected[v].Length() * c.scale);
                     worst = std::max(worst, (engine - expected[v] * c.scale).Length());
                 }

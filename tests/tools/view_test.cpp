@@ -1,12 +1,8 @@
 // pevrano-view off-screen: the screenshot shows the converted model framed in
 // the middle of the background, and an animation moves it.
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <string>
-#include <vector>
 
-#include "support/glfixture.h"
 #include "tools/runtool.h"
 
 namespace {
