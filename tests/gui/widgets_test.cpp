@@ -174,10 +174,12 @@ TEST_F(Widgets, ScrollBarValuesComeFromTheCursorsPlace)
             EXPECT_NEAR(got[i], bar->getValue(), 1e-4) << bar->getType() << " set to " << set[i];
         }
     }
-    // At the top end (99 is clamped to it) the cursor's centre is on the
-    // track's end.
+    // At either end (99 and -5 are clamped to them) the cursor's centre is on
+    // the track's end.
     across->setValue(99);
     EXPECT_EQ(64 - 8, across->getCursor()->getPosition().x);
+    across->setValue(-5);
+    EXPECT_EQ(0 - 8, across->getCursor()->getPosition().x);
     down->setValue(15);
     EXPECT_EQ(32 - 8, down->getCursor()->getPosition().y);
     // Resizing keeps the centre.
