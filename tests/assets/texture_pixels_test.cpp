@@ -22,13 +22,7 @@ protected:
         root = new PVNODE();
         camera = new PVCAMERA();
         camera->setPosition(0, 0, 12);
-        PVLIGHT* light = new PVLIGHT();
-        light->setLightType(PV_LIGHT_DIRECTIONAL);
-        light->setDirection(0, -0.6f, -0.8f);
-        light->setAmbient(0.2f, 0.2f, 0.2f, 1.0f);
-        light->setDiffuse(1.0f, 1.0f, 1.0f, 1.0f);
-        light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
-        light->link(root);
+        pvtest::directionalLight(root, {0, -0.6, -0.8}, {0.2, 0.2, 0.2}, {1, 1, 1});
     }
     void TearDown() override { PEVRANO::free(); }
 

@@ -77,13 +77,7 @@ protected:
     // screen in the colour of the lighting equation.
     void drawAndCheckTiltedQuadUnderDirectionalLight(const std::string& what)
     {
-        PVLIGHT* light = new PVLIGHT();
-        light->setLightType(PV_LIGHT_DIRECTIONAL);
-        light->setDirection(0.48f, -0.6f, -0.64f);
-        light->setAmbient(0.1f, 0.05f, 0.0f, 1.0f);
-        light->setDiffuse(0.5f, 0.6f, 0.7f, 1.0f);
-        light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
-        light->link(root);
+        directionalLight(root, {0.48, -0.6, -0.64}, {0.1, 0.05, 0.0}, {0.5, 0.6, 0.7});
         const Mat4 model = place(*addQuad(2.0f, {0, 0, 0}, true), {0, 0, 0}, {0, 0, 0}, {20, -35, 0});
         PVCAMERA* camera = new PVCAMERA();
         camera->setPosition(0, 0, 12);

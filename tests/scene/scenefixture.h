@@ -52,6 +52,20 @@ inline Rgb pixelOfPoint(double x, double y, double z)
     return pixelAt(int(at.x), int(at.y));
 }
 
+// A directional light under parent: ambient and diffuse colours as (r, g, b),
+// opaque, no specular.
+inline PVLIGHT* directionalLight(PVNODE* parent, Vec3 direction, Vec3 ambient, Vec3 diffuse)
+{
+    PVLIGHT* light = new PVLIGHT();
+    light->setLightType(PV_LIGHT_DIRECTIONAL);
+    light->setDirection(float(direction.x), float(direction.y), float(direction.z));
+    light->setAmbient(float(ambient.x), float(ambient.y), float(ambient.z), 1.0f);
+    light->setDiffuse(float(diffuse.x), float(diffuse.y), float(diffuse.z), 1.0f);
+    light->setSpecular(0.0f, 0.0f, 0.0f, 1.0f);
+    light->link(parent);
+    return light;
+}
+
 }  // namespace pvtest
 
 #endif
