@@ -50,6 +50,8 @@ TEST_F(Emitters, CountsFollowRatesBurstsAndLifetimes)
 {
     expectCounts("steady rate", "particles='50'", "<emission rate='8'/><life min='1' max='1'/>",
                  {1, 2, 3, 4, 5, 6, 7, 8, 8, 8, 8});
+    expectCounts("steady rate across its cycle ends", "particles='50'",
+                 "<emission rate='8' duration='0.3'/><life min='1' max='1'/>", {1, 2, 3, 4, 5, 6, 7, 8, 8});
     expectCounts("capped by its maximum", "particles='10'", "<emission rate='100'/>", {10, 10, 10});
     expectCounts("one-shot burst", "",
                  "<emission rate='0' duration='0.5' loop='false'><burst time='0' count='20'/></emission>"
