@@ -137,6 +137,12 @@ TEST_F(EmitterFrames, EmittersShareOneTextureThatShapesTheirQuads)
     // A quarter of the quad from each side: the transparent and the opaque half.
     expectColour({0, 0, 0}, pixelOfPoint(-0.5, 0, -5), "transparent texels");
     expectColour({0.2, 0.9, 0.5}, pixelOfPoint(0.5, 0, -5), "opaque texels");
+    // The quad is the particle's size and no more, along its top and bottom edges.
+    for (double y : {-1.0, 1.0}) {
+        expectColour({0.2, 0.9, 0.5}, pixelOfPoint(0.75, 0.85 * y, -5),
+                     "inside an edge at " + std::to_string(y));
+        expectColour({0, 0, 0}, pixelOfPoint(0.75, 1.15 * y, -5), "outside an edge at " + std::to_string(y));
+    }
 }
 
 // The engine hands the settings' pool size to the emitters and their folder
