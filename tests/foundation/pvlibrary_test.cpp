@@ -15,9 +15,9 @@ TEST(Library, LogsFromLoadToUnload)
     // takes 262,144 bytes; the linked process adds blocks of 1,000 and 24.
     const struct {
         std::string command, log, logged, ratio, total;
-    } cases[] = {{PEVRANO_LOG_PROCESS, "pevrano_log.txt", "   helper process running\n      id 1\n",
+    } cases[] = {{"'" PEVRANO_LOG_PROCESS "'", "pevrano_log.txt", "   helper process running\n      id 1\n",
                   "0 (3/3)", "0.25 mb (263168 bytes)"},
-                 {std::string(PEVRANO_DLOPEN_PROCESS) + " " + PEVRANO_LIBRARY, "after_unload.txt",
+                 {"'" PEVRANO_DLOPEN_PROCESS "' '" PEVRANO_LIBRARY "'", "after_unload.txt",
                   "   loaded at run time\n", "0 (1/1)", "0.25 mb (262144 bytes)"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.command);
