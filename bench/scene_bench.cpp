@@ -6,6 +6,7 @@
 #include <pevrano.h>
 
 #include "benchengine.h"
+#include "pvewriter.h"
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -132,20 +133,11 @@ BENCHMARK(BM_LinkSiblings)->RangeMultiplier(4)->Range(1024, 32768)->Complexity()
 // material.
 std::string smallSceneFile()
 {
-    std::string bytes("PVE file v1.6a", 15);
-    bytes.append(2, '\0');  // no material
-    const auto node = [&bytes](uint16_t children) {
-        const float place[6] = {1, 2, 3, 0, 0, 0};
-        bytes += '\0';  // plain node
-        bytes.append(4, '\0');  // auxiliary id
-        bytes.append("node", 5);
-        bytes.append(reinterpret_cast<const char*>(place), sizeof place);
-        bytes.append(reinterpret_cast<const char*>(&children), 2);
-    };
-    node(8);
+    pvtest::PveWriter w;
+    w.materials({}).node("node", {1, 2, 3}, 8);
     for (int i = 0; i < 8; i++)
-        node(0);
-    return bytes;
+        w.node("node", {1, 2, 3});
+    return w.bytes();
 }
 
 // Loading a small scene while n other nodes are alive, as an application
