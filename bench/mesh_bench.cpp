@@ -8,8 +8,6 @@
 // so that none overlaps.
 #include <benchmark/benchmark.h>
 
-#include <time.h>
-
 #include <chrono>
 #include <cmath>
 #include <string>
@@ -25,6 +23,7 @@
 namespace {
 
 using pvbench::engineStarted;
+using pvbench::processSeconds;
 
 // ---------------------------------------------------------------- skinning
 
@@ -129,13 +128,6 @@ std::vector<unsigned char> checkerTga()
             file.insert(file.end(), {level, level, level});
         }
     return file;
-}
-
-double cpuSeconds()
-{
-    timespec now;
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
 double wallSeconds()
@@ -251,18 +243,18 @@ void runCubeFrames(benchmark::State& state, PVNODE* root, PVTEXTURE* texture, co
     long engineCalls = 0, floorCalls = 0;
     pvbench::GLCALLCOUNTS& calls = pvbench::glCalls();
     for (auto _ : state) {
-        double wall = wallSeconds(), cpu = cpuSeconds();
+        double wall = wallSeconds(), cpu = processSeconds();
         long before = calls.all;
         engineFrame(root);
         engineWall += wallSeconds() - wall;
-        engineCpu += cpuSeconds() - cpu;
+        engineCpu += processSeconds() - cpu;
         engineCalls += calls.all - before;
         wall = wallSeconds();
-        cpu = cpuSeconds();
+        cpu = processSeconds();
         before = calls.all;
         floorFrame(floor, cube);
         floorWall += wallSeconds() - wall;
-        floorCpu += cpuSeconds() - cpu;
+        floorCpu += processSeconds() - cpu;
         floorCalls += calls.all - before;
     }
     const double frames = double(state.iterations());

@@ -8,8 +8,6 @@
 // GL), into an RGB texture and into an RGBA one.
 #include <benchmark/benchmark.h>
 
-#include <time.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -25,17 +23,10 @@ extern "C" {
 
 namespace {
 
+using pvbench::processSeconds;
+
 const char* const clipFolder = PEVRANO_VIDEO_DATA;
 const char* const clipName = "film256.mpg";
-
-// Processor time of the whole process (GL's worker threads included), so
-// that the ratio does not depend on what else the machine runs.
-double processSeconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-}
 
 // Decodes and converts the whole clip once; returns the pictures shown.
 int64_t decodeClipWithLibrary(const char* path)
