@@ -6,19 +6,7 @@
 
 namespace pvtest {
 
-PveWriter::PveWriter(bool obsolete) : obsolete_(obsolete)
-{
-    text(obsolete ? "PVE file v1.5a" : "PVE file v1.6a");
-}
-
-PveWriter PveWriter::withHeader(const std::string& header)
-{
-    PveWriter writer;
-    writer.bytes_.clear();
-    writer.text(header);
-    writer.obsolete_ = header == "PVE file v1.5a";
-    return writer;
-}
+PveWriter::PveWriter() { text("PVE file v1.6a"); }
 
 PveWriter& PveWriter::u8(uint8_t v)
 {
@@ -54,12 +42,6 @@ PveWriter& PveWriter::floats(const std::vector<float>& values)
 
 PveWriter& PveWriter::colour(const PveColour& c) { return f32(c.r).f32(c.g).f32(c.b).f32(c.a); }
 
-PveWriter& PveWriter::zeros(size_t count)
-{
-    bytes_.append(count, '\0');
-    return *this;
-}
-
 PveWriter& PveWriter::materials(const std::vector<PveMaterial>& table)
 {
     u16(uint16_t(table.size()));
@@ -85,53 +67,23 @@ PveWriter& PveWriter::light(const std::string& name, uint8_t lightType, PveVec p
 
 PveWriter& PveWriter::mesh(const PveMesh& m)
 {
-    const size_t vertexCount = m.vertexCount >= 0 ? size_t(m.vertexCount) : m.vertices.size() / 3;
-    const size_t faceCount = m.faceCount >= 0 ? size_t(m.faceCount) : m.faces.size() / 3;
-    const size_t uvCount = m.uvCount >= 0 ? size_t(m.uvCount) : m.uvs.size() / 2;
+    const size_t vertexCount = m.vertices.size() / 3;
+    const size_t faceCount = m.faces.size() / 3;
+    const size_t uvCount = m.uvs.size() / 2;
     u8(2).u32(0).text(m.name).vec(m.position).vec(m.rotation).vec(m.origin).text(m.material);
     f32(m.radius).vec(m.minimum).vec(m.maximum).u8(m.hidden ? 1 : 0);
     u16(uint16_t(vertexCount)).u16(uint16_t(uvCount)).u16(uint16_t(faceCount)).u16(m.children);
-    u16(m.bonesPerVertex);
-    floats(m.vertices).floats(m.normals);
-    if (obsolete_)
-        zeros(vertexCount * 12);
-    floats(m.uvs);
+    u16(0);  // no bones
+    floats(m.vertices).floats(m.normals).floats(m.uvs);
     for (uint16_t index : m.faces)
         u16(index);
-    floats(m.faceNormals);
-    if (obsolete_)
-        zeros(faceCount * 16);
-    if (m.bonesPerVertex) {
-        for (uint8_t index : m.boneIndices)
-            u8(index);
-        floats(m.boneWeights);
-        u16(uint16_t(m.boneCount >= 0 ? size_t(m.boneCount) : m.boneNames.size()));
-        for (const std::string& name : m.boneNames)
-            text(name);
-    }
-    return *this;
+    return floats(m.faceNormals);
 }
 
 std::string PveWriter::save(const std::string& path) const
 {
     writeFile(path, bytes_);
     return path;
-}
-
-PveMesh pveQuad(const std::string& name, float half, const std::string& material)
-{
-    PveMesh quad;
-    quad.name = name;
-    quad.material = material;
-    quad.radius = half * 1.5f;
-    quad.minimum = {-half, -half, 0};
-    quad.maximum = {half, half, 0};
-    quad.vertices = {-half, -half, 0, half, -half, 0, half, half, 0, -half, half, 0};
-    quad.normals = {0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1};
-    quad.uvs = {0, 0, 1, 0, 1, 1, 0, 1};
-    quad.faces = {0, 1, 2, 0, 2, 3};
-    quad.faceNormals = {0, 0, 1, 0, 0, 1};
-    return quad;
 }
 
 }  // namespace pvtest

@@ -1,7 +1,5 @@
-// Writes scene files in a few lines per benchmark: a header (current or obsolete
-// layout), a materials table and node records in file order (a node's
-// children follow it). Obsolete files get their extra per-vertex and
-// per-face blocks filled in automatically.
+// Writes scene files in a few lines per benchmark: the header, a materials
+// table and node records in file order (a node's children follow it).
 #ifndef PEVRANO_BENCH_PVEWRITER_H
 #define PEVRANO_BENCH_PVEWRITER_H
 
@@ -44,19 +42,11 @@ struct PveMesh {
     std::vector<float> uvs;  // 2 per coordinate
     std::vector<uint16_t> faces;  // 3 per face
     std::vector<float> faceNormals;
-    uint16_t bonesPerVertex = 0;
-    std::vector<uint8_t> boneIndices;  // bonesPerVertex per vertex
-    std::vector<float> boneWeights;
-    std::vector<std::string> boneNames;
-    // Counts written in the record; by default those of the arrays above.
-    int vertexCount = -1, uvCount = -1, faceCount = -1, boneCount = -1;
 };
 
 class PveWriter {
 public:
-    explicit PveWriter(bool obsolete = false);
-    // The header as written: "PVE file v1.6a", "PVE file v1.5a" or anything.
-    static PveWriter withHeader(const std::string& header);
+    PveWriter();
 
     PveWriter& materials(const std::vector<PveMaterial>& table);
     PveWriter& node(const std::string& name, PveVec position, uint16_t children = 0, uint32_t auxId = 0,
@@ -64,30 +54,23 @@ public:
     PveWriter& light(const std::string& name, uint8_t lightType, PveVec position, PveVec direction,
                      float cutOff, PveVec colour, uint16_t children = 0);
     PveWriter& mesh(const PveMesh& record);
-    // Raw pieces, for broken records.
-    PveWriter& u8(uint8_t v);
-    PveWriter& u16(uint16_t v);
-    PveWriter& u32(uint32_t v);
-    PveWriter& f32(float v);
-    PveWriter& text(const std::string& s);
 
     const std::string& bytes() const { return bytes_; }
     // Writes the file and returns its path.
     std::string save(const std::string& path) const;
 
 private:
+    PveWriter& u8(uint8_t v);
+    PveWriter& u16(uint16_t v);
+    PveWriter& u32(uint32_t v);
+    PveWriter& f32(float v);
+    PveWriter& text(const std::string& s);
     PveWriter& vec(PveVec v);
     PveWriter& floats(const std::vector<float>& values);
     PveWriter& colour(const PveColour& c);
-    PveWriter& zeros(size_t count);
 
     std::string bytes_;
-    bool obsolete_;
 };
-
-// A unit quad in the z = 0 plane facing +z, two triangles, with normals and
-// texture coordinates, centred on the origin with half-size `half`.
-PveMesh pveQuad(const std::string& name, float half, const std::string& material = "[none]");
 
 }  // namespace pvtest
 
