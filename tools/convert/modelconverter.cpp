@@ -553,6 +553,7 @@ PVANIM* ModelConverter::sampleAnimation(const aiAnimation& animation)
     result->setNumberOfFrames(frames);
     for (size_t k = 0; k < driven.size(); k++)
         result->setBoneName(k, pose.nodes()[driven[k]].name.c_str());
+    const std::string where = "animation '" + std::string(animation.mName.C_Str()) + "'";
     for (unsigned int f = 0; f < frames; f++) {
         const std::vector<aiMatrix4x4> worlds =
             pose.worldsAt(animation, double(f) / options.framesPerSecond * ticksPerSecond);
@@ -564,9 +565,8 @@ PVANIM* ModelConverter::sampleAnimation(const aiAnimation& animation)
             const aiVector3D position = SkeletonPose::translation(local);
             result->setFrame(f, k, angles.x, angles.y, angles.z);
             result->getKeyframe(f, k)->position = K3MVECTOR3D(position.x, position.y, position.z);
-            reachTo(position, "animation '" + std::string(animation.mName.C_Str()) + "'");
-            reachTo(SkeletonPose::translation(worlds[driven[k]]),
-                    "animation '" + std::string(animation.mName.C_Str()) + "'");
+            reachTo(position, where);
+            reachTo(SkeletonPose::translation(worlds[driven[k]]), where);
         }
     }
     return result;
