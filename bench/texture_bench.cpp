@@ -91,20 +91,16 @@ const std::string& runLengthFile()
 const std::string& pngFile()
 {
     static const std::string file = [] {
-        std::vector<unsigned char> pixels;
-        for (unsigned int y = 0; y < side; y++)
-            for (unsigned int x = 0; x < side; x++)
-                for (unsigned int c = 0; c < 3; c++)
-                    pixels.push_back(sample(x, y, c));
+        const char* pixels = rawFile().data() + 18;  // after the TGA header
         png_image image {};
         image.version = PNG_IMAGE_VERSION;
         image.width = side;
         image.height = side;
         image.format = PNG_FORMAT_RGB;
         png_alloc_size_t size = 0;
-        png_image_write_to_memory(&image, nullptr, &size, 0, pixels.data(), 0, nullptr);
+        png_image_write_to_memory(&image, nullptr, &size, 0, pixels, 0, nullptr);
         std::string bytes(size, '\0');
-        png_image_write_to_memory(&image, &bytes[0], &size, 0, pixels.data(), 0, nullptr);
+        png_image_write_to_memory(&image, &bytes[0], &size, 0, pixels, 0, nullptr);
         return bytes;
     }();
     return file;
