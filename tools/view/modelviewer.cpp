@@ -121,7 +121,8 @@ void ModelViewer::fitInFixedRange()
     if (needed <= fixedBudget)
         return;
     scale = fixedBudget / needed;
-    centre = K3MVECTOR3D(centre.x * scale, centre.y * scale, centre.z * scale);
+    scaling.setScaling(K3MVECTOR3D(scale, scale, scale));
+    centre *= scale;
     radius *= scale;
     distance *= scale;
     glEnable(GL_NORMALIZE);
@@ -162,11 +163,8 @@ void ModelViewer::drawFrame()
     PEVRANO::clear(true, true, false);
     PEVRANO::begin3D(camera);
     lights->pass(false);
-    if (scale != 1.0f) {
-        K3MMATRIX scaling;
-        scaling.m[0] = scaling.m[5] = scaling.m[10] = scale;
+    if (scale != 1.0f)
         PV_glMultMatrixf(scaling.m);
-    }
     model->pass(false);
     PEVRANO::end3D(false);
 }

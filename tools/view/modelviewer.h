@@ -51,6 +51,7 @@ private:
     K3MVECTOR3D centre;
     float radius = 1.0f;
     float scale = 1.0f;  // of the model as drawn
+    K3MMATRIX scaling;  // by scale, applied before the model is drawn
     float yaw = 30.0f;
     float pitch = 20.0f;
     float distance = 3.0f;
