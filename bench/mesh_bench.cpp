@@ -309,7 +309,7 @@ std::string writeSpreadScene(int count, const CUBE& cube)
     const int side = int(std::ceil(std::sqrt(double(count))));
     const float half = float(side) / 2.0f;
     // The grid's half width fills about 90 % of the half view height.
-    const float depth = -(half / 0.9f) / std::tan(22.5f * float(M_PI) / 180.0f);
+    const float depth = -(half / 0.9f) / std::tan(PVOPENGL::getAngleOfView() / 2 * float(M_PI) / 180.0f);
     const pvtest::PveVec lights[4] = {{-half, half, depth + 4},
                                       {half, half, depth + 4},
                                       {-half, -half, depth + 4},
