@@ -83,7 +83,7 @@ namespace {
             PV_ENUM(GL_VIEWPORT), PV_ENUM(GL_MAX_TEXTURE_SIZE), PV_ENUM(GL_MAX_TEXTURE_UNITS),
             PV_ENUM(GL_MAX_LIGHTS),
             // Arrays and drawing.
-            PV_ENUM(GL_TRIANGLES), PV_ENUM(GL_FIXED), PV_ENUM(GL_UNSIGNED_SHORT),
+            PV_ENUM(GL_TRIANGLES),
             // Buffer objects.
             PV_ENUM(GL_ARRAY_BUFFER), PV_ENUM(GL_STATIC_DRAW)};
 #undef PV_ENUM
