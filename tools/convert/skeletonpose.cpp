@@ -137,24 +137,24 @@ void SkeletonPose::markAnimated(const aiScene* scene)
             node.animated = channelOf(*scene->mAnimations[a], node.source->mName) != nullptr;
 }
 
-unsigned int SkeletonPose::level(int index) const
+// Nodes are listed parents first, so one pass gives every level: its
+// written parent's plus one. The first node of the greatest level wins.
+std::pair<int, unsigned int> SkeletonPose::deepestNode() const
 {
-    unsigned int levels = 1;
-    for (int n = table[index].parent; n >= 0; n = table[n].parent)
-        levels++;
-    return levels;
-}
-
-const PoseNode& SkeletonPose::deepest() const
-{
+    std::vector<unsigned int> levels(table.size());
     int deepestIndex = 0;
-    for (size_t i = 0; i < table.size(); i++)
-        if (!table[i].folded && level(static_cast<int>(i)) > level(deepestIndex))
+    for (size_t i = 0; i < table.size(); i++) {
+        const int parent = table[i].parent;
+        levels[i] = parent < 0 ? 1 : levels[parent] + 1;
+        if (!table[i].folded && levels[i] > levels[deepestIndex])
             deepestIndex = static_cast<int>(i);
-    return table[deepestIndex];
+    }
+    return {deepestIndex, levels[deepestIndex]};
 }
 
-unsigned int SkeletonPose::depth() const { return level(indexOf(deepest().source)); }
+const PoseNode& SkeletonPose::deepest() const { return table[deepestNode().first]; }
+
+unsigned int SkeletonPose::depth() const { return deepestNode().second; }
 
 unsigned int SkeletonPose::foldEmptyNodes()
 {

@@ -12,6 +12,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct PoseNode {
@@ -74,7 +75,8 @@ private:
     void addNode(const aiNode* node, int parent);
     void bindBones(const aiScene* scene);
     void markAnimated(const aiScene* scene);
-    unsigned int level(int index) const;
+    // Index and level of the deepest written node.
+    std::pair<int, unsigned int> deepestNode() const;
     // Written nodes below index: its children, those of folded children in their place.
     std::vector<int> writtenBelow(int index) const;
 
