@@ -40,11 +40,8 @@ public:
     // false when none is waiting. Off-screen there is none.
     virtual bool readEvent(PVEVENT*) { return false; }
 
-    // The native window drawn into (0 off-screen) and the EGL handles.
+    // The native window drawn into (0 off-screen).
     EGLNativeWindowType getWindow() const { return window; }
-    EGLDisplay getDisplay() const { return display; }
-    EGLSurface getSurface() const { return surface; }
-    EGLContext getContext() const { return context; }
 
 protected:
     PVDISPLAY() = default;
