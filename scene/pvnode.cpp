@@ -116,7 +116,7 @@ bool PVNODE::reserveChildren(unsigned int count)
         return true;
     const size_t capacity = std::max<size_t>({count, 4, size_t(childCapacity) * 2});
     const size_t bytes = capacity * sizeof(PVNODE*);
-    if (count == 0 || bytes > 0xFFFFFFFFu)
+    if (bytes > 0xFFFFFFFFu)
         return false;
     PVNODE** grown = static_cast<PVNODE**>(kvfMalloc(static_cast<unsigned int>(bytes)));
     if (!grown)
