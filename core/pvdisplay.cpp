@@ -102,7 +102,6 @@ bool PVDISPLAY::open(int width, int height, int zetaDepth)
         return false;
     }
     eglMakeCurrent(display, surface, surface, context);
-    current = true;
     return true;
 }
 
@@ -116,7 +115,6 @@ void PVDISPLAY::close()
     if (surface != EGL_NO_SURFACE)
         eglDestroySurface(display, surface);
     eglTerminate(display);
-    current = false;
 }
 
-bool PVDISPLAY::swap() { return current && eglSwapBuffers(display, surface) == EGL_TRUE; }
+bool PVDISPLAY::swap() { return eglSwapBuffers(display, surface) == EGL_TRUE; }

@@ -34,17 +34,14 @@ public:
     // Releases the context, the surface and the display; the handles keep
     // their stale values.
     void close();
-    // Presents the frame drawn; false once closed.
+    // Presents the frame drawn; only while open.
     bool swap();
     // The next event of the back-end's own source (its window's queue);
     // false when none is waiting. Off-screen there is none.
     virtual bool readEvent(PVEVENT*) { return false; }
 
-    // The native window drawn into (0 off-screen) and the EGL handles.
+    // The native window drawn into (0 off-screen).
     EGLNativeWindowType getWindow() const { return window; }
-    EGLDisplay getDisplay() const { return display; }
-    EGLSurface getSurface() const { return surface; }
-    EGLContext getContext() const { return context; }
 
 protected:
     PVDISPLAY() = default;
@@ -60,9 +57,6 @@ protected:
     EGLDisplay display = EGL_NO_DISPLAY;
     EGLSurface surface = EGL_NO_SURFACE;
     EGLContext context = EGL_NO_CONTEXT;
-
-private:
-    bool current = false;
 };
 
 #endif

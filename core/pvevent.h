@@ -24,6 +24,9 @@ enum PV_EVENT_TYPE : int {
 #define PV_POINTER_BIT(button) (1 << ((button)-1))
 ///@}
 
+/// SDL 1.2's backspace key, also the character that erases in a text field.
+#define PV_KEY_BACKSPACE 8
+
 /// An event, filled by PEVRANO::pollEvent or by the application for pushEvent.
 struct PVEVENT {
     /// What happened.

@@ -15,9 +15,6 @@ int PVEVENTPUMP::buttons = 0;
 
 namespace {
 
-// SDL 1.2's backspace key, and the character that erases in a text field.
-const int backspaceKey = 8;
-
 bool isPointerEvent(PV_EVENT_TYPE type)
 {
     return type == PV_EVENT_POINTER_MOVE || type == PV_EVENT_POINTER_DOWN || type == PV_EVENT_POINTER_UP;
@@ -68,7 +65,7 @@ char PVEVENTPUMP::typedCharacter(const PVEVENT& event)
 {
     if (event.unicode > 0 && event.unicode < 128)
         return char(event.unicode);
-    return event.key == backspaceKey ? char(backspaceKey) : 0;
+    return event.key == PV_KEY_BACKSPACE ? char(PV_KEY_BACKSPACE) : 0;
 }
 
 // The interface's pointer is pressed while the left button is.

@@ -140,19 +140,21 @@ void PV_glLoadIdentity()
 void PV_glLoadMatrixf(const float* m)
 {
     current().top() = K3MMATRIX(m);
+    if (shadowOnly)
+        return;
     GLfixed fixed[16];
     toFixed(m, fixed, 16);
-    if (!shadowOnly)
-        glLoadMatrixx(fixed);
+    glLoadMatrixx(fixed);
 }
 
 void PV_glMultMatrixf(const float* m)
 {
     premultiplyTop(K3MMATRIX(m));
+    if (shadowOnly)
+        return;
     GLfixed fixed[16];
     toFixed(m, fixed, 16);
-    if (!shadowOnly)
-        glMultMatrixx(fixed);
+    glMultMatrixx(fixed);
 }
 
 void PV_glTranslatef(float x, float y, float z)

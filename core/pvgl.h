@@ -67,9 +67,10 @@ void PV_glPopMatrix();
 ///@}
 
 /// While on, the matrix functions above change the shadow stacks only, not
-/// GL's matrices: the render list's pass works out each node's matrix this
-/// way (every draw loads its own), and its balanced pushes and pops leave
-/// GL's matrix as it was. Returns the previous setting.
+/// GL's matrices; PV_glMatrixMode, PV_glOrtho and PV_glFrustum still reach GL.
+/// The render list's pass and a node's world matrix are worked out this way
+/// (every draw loads its own), and their balanced pushes and pops leave GL's
+/// matrix as it was. Returns the previous setting.
 bool PV_glShadowOnly(bool on);
 
 /// Copies the top matrix of stack 0 (model-view) or 1 (projection) into

@@ -300,7 +300,7 @@ bool PVSETTINGS::free()
     return true;
 }
 
-bool PVSETTINGS::swapBuffers() { return display && display->swap(); }
+bool PVSETTINGS::swapBuffers() { return active && display->swap(); }
 
 bool PVSETTINGS::readDisplayEvent(PVEVENT* event) { return active && display->readEvent(event); }
 

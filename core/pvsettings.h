@@ -135,7 +135,7 @@ private:
     bool init();
     /// Releases the EGL context, surface and display.
     static bool free();
-    /// Presents the frame drawn; false without a display.
+    /// Presents the frame drawn; false while no display is open.
     static bool swapBuffers();
     /// The next event from the display in use; false when none is waiting.
     static bool readDisplayEvent(PVEVENT* event);

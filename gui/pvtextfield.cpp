@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "assets/pvtexture.h"
+#include "core/pvevent.h"
 #include "core/pvframestate.h"
 #include "core/pvgl.h"
 #include "core/pvopengl.h"
@@ -13,7 +14,6 @@
 // The caret is the glyph of code 127, shown for the last 70% of each second.
 #define PV_CARET_CODE 127
 #define PV_CARET_SHOWN_AFTER 0.3f
-#define PV_KEY_BACKSPACE 8
 
 PVTEXTFIELD::PVTEXTFIELD() : editing(false), caretTimer(0.0f), lastKey(PV_TEXTFIELD_KEY_NONE)
 {

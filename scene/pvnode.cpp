@@ -116,7 +116,7 @@ bool PVNODE::reserveChildren(unsigned int count)
         return true;
     const size_t capacity = std::max<size_t>({count, 4, size_t(childCapacity) * 2});
     const size_t bytes = capacity * sizeof(PVNODE*);
-    if (count == 0 || bytes > 0xFFFFFFFFu)
+    if (bytes > 0xFFFFFFFFu)
         return false;
     PVNODE** grown = static_cast<PVNODE**>(kvfMalloc(static_cast<unsigned int>(bytes)));
     if (!grown)
@@ -242,6 +242,8 @@ K3MMATRIX PVNODE::getFinalMatrix(const char* stopName)
             break;
     }
 
+    // Worked out on the CPU alone: GL's matrices are left as they are.
+    const bool wasShadowOnly = PV_glShadowOnly(true);
     PV_glPushMatrix();
     PV_glLoadIdentity();
     while (depth > 0)
@@ -250,6 +252,7 @@ K3MMATRIX PVNODE::getFinalMatrix(const char* stopName)
     K3MMATRIX world;
     PV_glGetFloatv(PV_GL_MODELVIEW_STACK, world.m);
     PV_glPopMatrix();
+    PV_glShadowOnly(wasShadowOnly);
     return world;
 }
 
