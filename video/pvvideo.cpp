@@ -52,7 +52,6 @@ struct PVVIDEODECODER {
     uint8_t buffer[readPieceSize];
     mpeg2dec_t* decoder;
     const mpeg2_info_t* info;
-    const mpeg2_sequence_t* sequence;
     mpeg2_state_t state;
     // Bytes the last read returned: -1 right after loading, 0 at the end of
     // the file (or on a read error).
@@ -291,7 +290,6 @@ void PVVIDEO::closeStream()
     mpeg2_close(decoder->decoder);
     decoder->decoder = nullptr;
     decoder->info = nullptr;
-    decoder->sequence = nullptr;
     forgetFrames();
 }
 
@@ -324,7 +322,6 @@ bool PVVIDEO::load(const char* file)
     decoder->file = stream;
     decoder->decoder = handle;
     decoder->info = mpeg2_info(handle);
-    decoder->sequence = nullptr;
     decoder->lastRead = -1;
     kvfCopyIfFits(filename, sizeof(filename), file);
     status = PV_VIDEO_STOP;
@@ -352,7 +349,6 @@ bool PVVIDEO::update(unsigned int steps)
 void PVVIDEO::parseStep()
 {
     decoder->state = mpeg2_parse(decoder->decoder);
-    decoder->sequence = decoder->info->sequence;
     switch (decoder->state) {
     case STATE_BUFFER:
         readNextPiece();
