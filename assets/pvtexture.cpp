@@ -108,7 +108,7 @@ PVTEXTURE* PVTEXTURE::findByFilename(const char* name)
 {
     return Registry::findByText(&PVTEXTURE::filename, name);
 }
-PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+PVTEXTURE* PVTEXTURE::findOrLoad(const char* name, bool* loadedNow)
 {
     PVTEXTURE* texture = findByFilename(name);
     if (loadedNow)
@@ -120,7 +120,14 @@ PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
             return nullptr;
         }
     }
-    texture->incReferences();
+    return texture;
+}
+
+PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+{
+    PVTEXTURE* texture = findOrLoad(name, loadedNow);
+    if (texture)
+        texture->incReferences();
     return texture;
 }
 
