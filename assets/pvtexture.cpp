@@ -178,7 +178,7 @@ bool PVTEXTURE::load(const char* name)
 {
     if (!acceptsName(name))
         return false;
-    if (strcmp(name, "[dynamic]") == 0)
+    if (strcmp(name, dynamicName) == 0)
         return true;
     char path[2 * PV_TEXTURE_NAME_SIZE];
     snprintf(path, sizeof(path), "%s%s", texturePath, name);
@@ -259,7 +259,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
     sizeX = newSizeX;
     sizeY = newSizeY;
     format = newFormat;
-    kvfCopyIfFits(filename, sizeof filename, "[dynamic]");
+    kvfCopyIfFits(filename, sizeof filename, dynamicName);
     return update();
 }
 

@@ -67,6 +67,8 @@ public:
     /// Bytes of bitmaps held in system memory.
     static int getUsedMemory();
 
+    /// The file name of a texture made by create rather than read from a file.
+    static constexpr const char* dynamicName = "[dynamic]";
     /// Registry id, file name and the frame stamp of the last bind.
     ///@{
     unsigned int getId();

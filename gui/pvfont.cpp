@@ -149,7 +149,7 @@ void PVFONT::measureInk(PVTEXTURE* sheet)
     inkSheet = nullptr;
     const unsigned char* pixels = sheet->getBitmap();
     if (!pixels || sheet->getFormat() != 4 || sheet->getSizeX() != 256 || sheet->getSizeY() != 256 ||
-        strcmp(sheet->getFilename(), "[dynamic]") == 0)
+        strcmp(sheet->getFilename(), PVTEXTURE::dynamicName) == 0)
         return;
     for (int index = 0; index <= PV_FONT_LAST_CODE - PV_FONT_FIRST_CODE; index++) {
         PVGLYPHINK box = {16, 16, 0, 0};
