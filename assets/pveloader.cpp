@@ -44,15 +44,11 @@ bool readColours(KVFREADER& reader, MATERIALCOLOURS& colours)
 }
 
 // The texture of that file name, loaded now if no texture has it yet; one
-// that fails to load is kept all the same, under its default name. The
-// material it goes to counts its own reference, so the loader's is given back.
+// that fails to load is kept all the same, under its default name.
 PVTEXTURE* findOrLoadTexture(const char* fileName)
 {
-    PVTEXTURE* texture = PVTEXTURE::acquire(fileName);
-    if (!texture)
-        return new PVTEXTURE();
-    texture->decReferences();
-    return texture;
+    PVTEXTURE* texture = PVTEXTURE::findOrLoad(fileName);
+    return texture ? texture : new PVTEXTURE();
 }
 
 // A texture's normal map: its name without the last 6 characters, followed

@@ -10,6 +10,7 @@
 #include "assets/pvemitter.h"
 #include "foundation/kvffile.h"
 #include "foundation/kvflog.h"
+#include "foundation/kvfstring.h"
 #include "gui/pvxmlscan.h"
 
 namespace {
@@ -81,9 +82,8 @@ private:
     void readTexture(const TiXmlElement* e)
     {
         const char* file = e->Attribute("file");
-        if (!file || std::strlen(file) >= PV_EMITTER_PATH_SIZE)
-            return fail(e);
-        std::strcpy(def.texture, file);
+        if (!kvfCopyIfFits(def.texture, sizeof def.texture, file))
+            fail(e);
     }
 
     void readEmission(const TiXmlElement* e)

@@ -22,7 +22,6 @@
 PVMESH::SKELETON* PVMESH::skeletons = nullptr;
 unsigned int PVMESH::numberOfSkeletons = 0;
 bool PVMESH::normalsShown = false;
-PVMESH::BOUNDARRAYS PVMESH::bound = {nullptr, nullptr, nullptr};
 
 namespace {
 
@@ -373,37 +372,33 @@ void PVMESH::setSelectionColour(const void* element)
     }
 }
 
-void PVMESH::setArray(const void*& current, const void* pointer, void (*set)(const void*))
-{
-    if (current == pointer)
-        return;
-    set(pointer);
-    current = pointer;
-}
-
-void PVMESH::drawArrays(bool textured)
+// Switches the client arrays this mesh uses on, the others off, and points
+// them at its data (the skinned copies when it is skinned).
+void PVMESH::bindArrays(bool textured)
 {
     const bool skinned = bonesPerVertex != 0 && skinnedVertices;
     if (vertices) {
         PVOPENGL::vertexArrayOn();
-        setArray(bound.vertices, skinned ? skinnedVertices : vertices,
-                 [](const void* p) { glVertexPointer(3, GL_FIXED, 0, p); });
+        glVertexPointer(3, GL_FIXED, 0, skinned ? skinnedVertices : vertices);
     } else {
         PVOPENGL::vertexArrayOff();
     }
     if (normals) {
         PVOPENGL::normalArrayOn();
-        setArray(bound.normals, skinned ? skinnedNormals : normals,
-                 [](const void* p) { glNormalPointer(GL_FIXED, 0, p); });
+        glNormalPointer(GL_FIXED, 0, skinned ? skinnedNormals : normals);
     } else {
         PVOPENGL::normalArrayOff();
     }
     if (uvs && textured) {
         PVOPENGL::textureArrayOn();
-        setArray(bound.uvs, uvs, [](const void* p) { glTexCoordPointer(2, GL_FIXED, 0, p); });
+        glTexCoordPointer(2, GL_FIXED, 0, uvs);
     } else {
         PVOPENGL::textureArrayOff();
     }
+}
+
+void PVMESH::drawFaces() const
+{
     if (nbFaces)
         glDrawElements(GL_TRIANGLES, nbFaces * 3, GL_UNSIGNED_SHORT, faces);
 }
@@ -460,14 +455,16 @@ bool PVMESH::render(void* element)
     else
         PVOPENGL::twoSideOff();
     const bool textured = profile != PV_OPENGL_PROFILE_SELECTION;
-    bound = {nullptr, nullptr, nullptr};
     if (transparent) {
         PVOPENGL::cullingOn();
         glCullFace(GL_FRONT);
-        drawArrays(textured);
+    }
+    bindArrays(textured);
+    if (transparent) {
+        drawFaces();
         glCullFace(GL_BACK);
     }
-    drawArrays(textured);
+    drawFaces();
     if (culled)
         PVOPENGL::cullingOn();
     else

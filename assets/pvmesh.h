@@ -200,8 +200,8 @@ private:
     static PVMESH* fromPrimitive(const PRIMITIVE& shape, const char* operation);
     void releaseSkin();
     void copyArraysFrom(const PVMESH& other);
-    void drawArrays(bool textured);
-    static void setArray(const void*& bound, const void* pointer, void (*set)(const void*));
+    void bindArrays(bool textured);
+    void drawFaces() const;
     void setSelectionColour(const void* element);
     void computeBoneMatrices(unsigned int slot, GLfixed (*fixed)[16]);
 
@@ -237,14 +237,6 @@ private:
     static SKELETON* skeletons;
     static unsigned int numberOfSkeletons;
     static bool normalsShown;
-    // The client array pointers this render has set: a transparent mesh's
-    // second draw reuses them.
-    struct BOUNDARRAYS {
-        const void* vertices;
-        const void* normals;
-        const void* uvs;
-    };
-    static BOUNDARRAYS bound;
     /// Skinning four lanes at a time, where the processor can.
     static bool vectorSkinning;
     friend struct PVTESTACCESS;

@@ -108,7 +108,7 @@ PVTEXTURE* PVTEXTURE::findByFilename(const char* name)
 {
     return Registry::findByText(&PVTEXTURE::filename, name);
 }
-PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+PVTEXTURE* PVTEXTURE::findOrLoad(const char* name, bool* loadedNow)
 {
     PVTEXTURE* texture = findByFilename(name);
     if (loadedNow)
@@ -120,7 +120,14 @@ PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
             return nullptr;
         }
     }
-    texture->incReferences();
+    return texture;
+}
+
+PVTEXTURE* PVTEXTURE::acquire(const char* name, bool* loadedNow)
+{
+    PVTEXTURE* texture = findOrLoad(name, loadedNow);
+    if (texture)
+        texture->incReferences();
     return texture;
 }
 
@@ -171,7 +178,7 @@ bool PVTEXTURE::load(const char* name)
 {
     if (!acceptsName(name))
         return false;
-    if (strcmp(name, "[dynamic]") == 0)
+    if (strcmp(name, dynamicName) == 0)
         return true;
     char path[2 * PV_TEXTURE_NAME_SIZE];
     snprintf(path, sizeof(path), "%s%s", texturePath, name);
@@ -252,7 +259,7 @@ bool PVTEXTURE::create(unsigned int newSizeX, unsigned int newSizeY, unsigned in
     sizeX = newSizeX;
     sizeY = newSizeY;
     format = newFormat;
-    kvfCopyIfFits(filename, sizeof filename, "[dynamic]");
+    kvfCopyIfFits(filename, sizeof filename, dynamicName);
     return update();
 }
 

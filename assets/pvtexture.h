@@ -42,10 +42,13 @@ public:
     /// The registered texture of that file name, null if none.
     static PVTEXTURE* findByFilename(const char* name);
     /// The registered texture of that file name, else a new one read from the
-    /// file (no GL call: its first render uploads it). The caller holds one
-    /// reference on it and gives it back with decReferences. Null, with
-    /// nothing kept, when no texture has the name and the file cannot be
-    /// read; loadedNow (optional) tells whether the file was read by this call.
+    /// file (no GL call: its first render uploads it), its reference count
+    /// untouched. Null, with nothing kept, when no texture has the name and
+    /// the file cannot be read; loadedNow (optional) tells whether the file
+    /// was read by this call.
+    static PVTEXTURE* findOrLoad(const char* name, bool* loadedNow = nullptr);
+    /// As findOrLoad, the caller then holding one reference on the texture,
+    /// which it gives back with decReferences.
     static PVTEXTURE* acquire(const char* name, bool* loadedNow = nullptr);
     /// Registry: the texture with an id (null if none), the count, and the
     /// walk from the first.
@@ -64,6 +67,8 @@ public:
     /// Bytes of bitmaps held in system memory.
     static int getUsedMemory();
 
+    /// The file name of a texture made by create rather than read from a file.
+    static constexpr const char* dynamicName = "[dynamic]";
     /// Registry id, file name and the frame stamp of the last bind.
     ///@{
     unsigned int getId();

@@ -157,17 +157,37 @@ bool PVBOX::setForemost(long)
     return true;
 }
 
+namespace {
+
+// A rectangle's corners in the order of a strip: top-left, top-right,
+// bottom-left, bottom-right, as (x, y) in 16.16.
+void stripCorners(int left, int top, int right, int bottom, GLfixed corners[8])
+{
+    const GLfixed x0 = PV_floatToFixed(float(left));
+    const GLfixed y0 = PV_floatToFixed(float(top));
+    const GLfixed x1 = PV_floatToFixed(float(right));
+    const GLfixed y1 = PV_floatToFixed(float(bottom));
+    const GLfixed ordered[8] = {x0, y0, x1, y0, x0, y1, x1, y1};
+    memcpy(corners, ordered, sizeof(ordered));
+}
+
+// One colour in 16.16 at each of a quad's four corners.
+void cornerColors(const K3MVECTOR4D& color, GLfixed colors[16])
+{
+    for (int corner = 0; corner < 4; corner++)
+        for (int c = 0; c < 4; c++)
+            colors[corner * 4 + c] = PV_floatToFixed(color[c]);
+}
+
+}  // namespace
+
 void PVBOX::drawQuad(int left, int top, int right, int bottom, K3MVECTOR4D quadColor, PVBOXCOORD* coords)
 {
-    const GLfixed vertices[8] = {PV_floatToFixed(float(left)),  PV_floatToFixed(float(top)),
-                                 PV_floatToFixed(float(right)), PV_floatToFixed(float(top)),
-                                 PV_floatToFixed(float(left)),  PV_floatToFixed(float(bottom)),
-                                 PV_floatToFixed(float(right)), PV_floatToFixed(float(bottom))};
+    GLfixed vertices[8];
+    stripCorners(left, top, right, bottom, vertices);
     GLfixed colors[16];
+    cornerColors(quadColor, colors);
     GLfixed texCoords[8];
-    for (int i = 0; i < 4; i++)
-        for (int c = 0; c < 4; c++)
-            colors[i * 4 + c] = PV_floatToFixed(quadColor[c]);
     const PVBOXCOORD whole;
     const float* uv = coords ? coords->coord : whole.coord;
     for (int i = 0; i < 8; i++)
@@ -257,21 +277,14 @@ public:
         if (count == capacity)
             flush();
         memcpy(vertices + count * 8, corners, 8 * sizeof(GLfixed));
-        GLfixed shade[4];
-        for (int c = 0; c < 4; c++)
-            shade[c] = PV_floatToFixed(color[c]);
-        for (int corner = 0; corner < 4; corner++)
-            memcpy(colors + count * 16 + corner * 4, shade, sizeof(shade));
+        cornerColors(color, colors + count * 16);
         count++;
     }
 
     void add(const PVBOXQUAD& quad)
     {
-        const GLfixed left = PV_floatToFixed(float(quad.left));
-        const GLfixed top = PV_floatToFixed(float(quad.top));
-        const GLfixed right = PV_floatToFixed(float(quad.right));
-        const GLfixed bottom = PV_floatToFixed(float(quad.bottom));
-        const GLfixed corners[8] = {left, top, right, top, left, bottom, right, bottom};
+        GLfixed corners[8];
+        stripCorners(quad.left, quad.top, quad.right, quad.bottom, corners);
         add(corners, quad.color);
     }
 

@@ -103,11 +103,7 @@ PVFONT::~PVFONT()
     forgetCachedText();
 }
 
-void PVFONT::forgetCachedText()
-{
-    PVTEXTCACHE::forget(layout * 2);
-    PVTEXTCACHE::forget(layout * 2 + 1);
-}
+void PVFONT::forgetCachedText() { PVTEXTCACHE::forget(layout * 2); }
 
 void PVFONT::relayout()
 {
@@ -149,7 +145,7 @@ void PVFONT::measureInk(PVTEXTURE* sheet)
     inkSheet = nullptr;
     const unsigned char* pixels = sheet->getBitmap();
     if (!pixels || sheet->getFormat() != 4 || sheet->getSizeX() != 256 || sheet->getSizeY() != 256 ||
-        strcmp(sheet->getFilename(), "[dynamic]") == 0)
+        strcmp(sheet->getFilename(), PVTEXTURE::dynamicName) == 0)
         return;
     for (int index = 0; index <= PV_FONT_LAST_CODE - PV_FONT_FIRST_CODE; index++) {
         PVGLYPHINK box = {16, 16, 0, 0};
@@ -387,8 +383,10 @@ bool PVFONT::drawFormatted(int x, int y, const char* text)
     // Glyphs queued by putChar are dropped by the next string, as when the
     // string is laid out; cached strings stand alone.
     const bool cacheable = fontCachedCurrent == 0;
+    PVTEXTCACHEKEY key = {};
     if (cacheable) {
-        if (const PVTEXTCACHEENTRY* cached = PVTEXTCACHE::find(cacheLayout(), x, y, text)) {
+        key = PVTEXTCACHE::makeKey(cacheLayout(), x, y, text);
+        if (const PVTEXTCACHEENTRY* cached = PVTEXTCACHE::find(key)) {
             for (int v = 0; v < 6; v++)
                 memcpy(currentColor + v * 4, PVTEXTCACHE::lastColor(cached), 4);
             overflow = false;
@@ -400,9 +398,8 @@ bool PVFONT::drawFormatted(int x, int y, const char* text)
     if (!layOut(x, y, text))
         return false;
     const PVGLYPHARRAYS glyphs = {fontCachedVertex, fontCachedTexCoord, fontCachedColor, fontCachedCurrent};
-    const PVTEXTCACHEENTRY* stored = cacheable && !overflow
-                                         ? PVTEXTCACHE::store(cacheLayout(), x, y, text, glyphs, currentColor)
-                                         : nullptr;
+    const PVTEXTCACHEENTRY* stored =
+        cacheable && !overflow ? PVTEXTCACHE::store(key, glyphs, currentColor) : nullptr;
     if (stored)
         PVTEXTCACHE::draw(stored);
     else if (overflow && fontCachedCurrent > 0)

@@ -103,18 +103,22 @@ void PVTEXTCACHE::newPass()
             release(i);
 }
 
-const PVTEXTCACHEENTRY* PVTEXTCACHE::find(unsigned int layout, int x, int y, const char* text)
+PVTEXTCACHEKEY PVTEXTCACHE::makeKey(unsigned int layout, int x, int y, const char* text)
 {
-    if (!entries)
+    PVTEXTCACHEKEY key = {layout, x, y, text, strnlen(text, PV_TEXT_CACHE_TEXT), 0};
+    if (key.length < PV_TEXT_CACHE_TEXT)
+        key.hash = keyHash(layout, x, y, text, key.length);
+    return key;
+}
+
+const PVTEXTCACHEENTRY* PVTEXTCACHE::find(const PVTEXTCACHEKEY& key)
+{
+    if (!entries || key.length >= PV_TEXT_CACHE_TEXT)
         return nullptr;
-    const size_t length = strnlen(text, PV_TEXT_CACHE_TEXT);
-    if (length >= PV_TEXT_CACHE_TEXT)
-        return nullptr;
-    const unsigned int hash = keyHash(layout, x, y, text, length);
-    for (int i = buckets[bucketOf(hash)]; i >= 0; i = entries[i].nextInBucket) {
+    for (int i = buckets[bucketOf(key.hash)]; i >= 0; i = entries[i].nextInBucket) {
         PVTEXTCACHEENTRY& entry = entries[i];
-        if (entry.hash == hash && entry.layout == layout && entry.x == x && entry.y == y &&
-            memcmp(entry.text, text, length + 1) == 0) {
+        if (entry.hash == key.hash && entry.layout == key.layout && entry.x == key.x && entry.y == key.y &&
+            memcmp(entry.text, key.text, key.length + 1) == 0) {
             entry.lastPass = pass;
             return &entry;
         }
@@ -136,24 +140,23 @@ int PVTEXTCACHE::freeSlot()
     return oldest;
 }
 
-const PVTEXTCACHEENTRY* PVTEXTCACHE::store(unsigned int layout, int x, int y, const char* text,
-                                           const PVGLYPHARRAYS& glyphs, const GLubyte lastColor[4])
+const PVTEXTCACHEENTRY* PVTEXTCACHE::store(const PVTEXTCACHEKEY& key, const PVGLYPHARRAYS& glyphs,
+                                           const GLubyte lastColor[4])
 {
-    const size_t length = strnlen(text, PV_TEXT_CACHE_TEXT);
-    if (!entries || length >= PV_TEXT_CACHE_TEXT || glyphs.glyphs == 0)
+    if (!entries || key.length >= PV_TEXT_CACHE_TEXT || glyphs.glyphs == 0)
         return nullptr;
     const int index = freeSlot();
     PVTEXTCACHEENTRY& entry = entries[index];
     if (!entry.buffer)
         glGenBuffers(1, &entry.buffer);
-    entry.layout = layout;
-    entry.x = x;
-    entry.y = y;
-    entry.hash = keyHash(layout, x, y, text, length);
+    entry.layout = key.layout;
+    entry.x = key.x;
+    entry.y = key.y;
+    entry.hash = key.hash;
     entry.glyphs = glyphs.glyphs;
     entry.lastPass = pass;
     memcpy(entry.lastColor, lastColor, 4);
-    memcpy(entry.text, text, length + 1);
+    memcpy(entry.text, key.text, key.length + 1);
     entry.nextInBucket = buckets[bucketOf(entry.hash)];
     buckets[bucketOf(entry.hash)] = index;
 
@@ -187,7 +190,7 @@ void PVTEXTCACHE::forget(unsigned int layout)
     if (!entries)
         return;
     for (int i = 0; i < PV_TEXT_CACHE_ENTRIES; i++)
-        if (entries[i].buffer && entries[i].layout == layout)
+        if (entries[i].buffer && entries[i].layout >> 1 == layout >> 1)
             release(i);
 }
 

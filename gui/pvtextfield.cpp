@@ -39,31 +39,10 @@ PV_TEXTFIELD_KEY PVTEXTFIELD::eraseLast()
     return PV_TEXTFIELD_KEY_ERASED;
 }
 
-bool PVTEXTFIELD::manageKey(char key)
-{
-    if (!font) {
-        lastKey = PV_TEXTFIELD_KEY_NO_FONT;
-        return false;
-    }
-    editing = true;
-    const int code = static_cast<unsigned char>(key);
-    if (code >= PV_FONT_FIRST_CODE && code <= PV_FONT_LAST_CODE) {
-        // The kerning is added here, not the advance: kept as it is.
-        const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
-        const bool fits = font->stringLength(caption) + unsigned(font->getKerning(key)) <= room &&
-                          strlen(caption) < PV_CAPTION_SIZE - 1;
-        if (fits)
-            append(key);
-        lastKey = fits ? PV_TEXTFIELD_KEY_INSERTED : PV_TEXTFIELD_KEY_FULL;
-    } else if (code == PV_KEY_BACKSPACE) {
-        lastKey = eraseLast();
-    } else {
-        lastKey = code == 0 ? PV_TEXTFIELD_KEY_NONE : PV_TEXTFIELD_KEY_NOT_DRAWABLE;
-    }
-    return true;
-}
-
-PV_TEXTFIELD_KEY PVTEXTFIELD::typeCharacter(unsigned int code)
+// A typed code: nothing without a font or for code 0, backspace erases, a
+// code the font cannot draw is refused, a drawable one goes in when fits
+// says it does.
+PV_TEXTFIELD_KEY PVTEXTFIELD::typeCode(unsigned int code, bool (PVTEXTFIELD::*fits)(char) const)
 {
     if (!font)
         return lastKey = PV_TEXTFIELD_KEY_NO_FONT;
@@ -74,15 +53,39 @@ PV_TEXTFIELD_KEY PVTEXTFIELD::typeCharacter(unsigned int code)
         return lastKey = eraseLast();
     if (code < PV_FONT_FIRST_CODE || code > PV_FONT_LAST_CODE)
         return lastKey = PV_TEXTFIELD_KEY_NOT_DRAWABLE;
-    // The text is drawn only while it and the caret are narrower than the
-    // room: a character that would hide it is refused.
-    char typed[PV_CAPTION_SIZE + 2];
-    snprintf(typed, sizeof(typed), "%s%c\x7f", caption, char(code));
-    const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
-    if (strlen(caption) >= PV_CAPTION_SIZE - 1 || font->stringLength(typed) >= room)
+    if (!(this->*fits)(char(code)))
         return lastKey = PV_TEXTFIELD_KEY_FULL;
     append(char(code));
     return lastKey = PV_TEXTFIELD_KEY_INSERTED;
+}
+
+// The kerning is added here, not the advance: kept as it is.
+bool PVTEXTFIELD::fitsWithKerning(char key) const
+{
+    const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
+    return font->stringLength(caption) + unsigned(font->getKerning(key)) <= room &&
+           strlen(caption) < PV_CAPTION_SIZE - 1;
+}
+
+// The text is drawn only while it and the caret are narrower than the room:
+// a character that would hide it is refused.
+bool PVTEXTFIELD::fitsWithCaret(char key) const
+{
+    char typed[PV_CAPTION_SIZE + 2];
+    snprintf(typed, sizeof(typed), "%s%c\x7f", caption, key);
+    const unsigned int room = unsigned(sizeX) - font->getCharSizeX();
+    return strlen(caption) < PV_CAPTION_SIZE - 1 && font->stringLength(typed) < room;
+}
+
+bool PVTEXTFIELD::manageKey(char key)
+{
+    return typeCode(static_cast<unsigned char>(key), &PVTEXTFIELD::fitsWithKerning) !=
+           PV_TEXTFIELD_KEY_NO_FONT;
+}
+
+PV_TEXTFIELD_KEY PVTEXTFIELD::typeCharacter(unsigned int code)
+{
+    return typeCode(code, &PVTEXTFIELD::fitsWithCaret);
 }
 
 PVTEXTFIELD* PVTEXTFIELD::getFocus() { return PVINPUT::getFocus(); }

@@ -55,6 +55,9 @@ private:
     void drawSunkenFrame();
     void append(char c);
     PV_TEXTFIELD_KEY eraseLast();
+    PV_TEXTFIELD_KEY typeCode(unsigned int code, bool (PVTEXTFIELD::*fits)(char) const);
+    bool fitsWithKerning(char key) const;
+    bool fitsWithCaret(char key) const;
 
     bool editing;
     float caretTimer;

@@ -43,17 +43,12 @@ const char* const buttonKinds[] = {"normal", "inverted", "switch"};
 
 // The texture already loaded from file, or a new one read from it (null when
 // it cannot be read); a new font texture is neither filtered nor mipmapped.
-// The box or font it goes to counts its own reference, so the loader's is
-// given back.
 PVTEXTURE* sharedTexture(const char* file, bool forFont)
 {
     bool loadedNow = false;
-    PVTEXTURE* texture = PVTEXTURE::acquire(file, &loadedNow);
-    if (!texture)
-        return nullptr;
-    if (forFont && loadedNow)
+    PVTEXTURE* texture = PVTEXTURE::findOrLoad(file, &loadedNow);
+    if (texture && forFont && loadedNow)
         texture->setFilter(false, false, false);
-    texture->decReferences();
     return texture;
 }
 

@@ -52,7 +52,6 @@ struct PVVIDEODECODER {
     uint8_t buffer[readPieceSize];
     mpeg2dec_t* decoder;
     const mpeg2_info_t* info;
-    const mpeg2_sequence_t* sequence;
     mpeg2_state_t state;
     // Bytes the last read returned: -1 right after loading, 0 at the end of
     // the file (or on a read error).
@@ -112,7 +111,6 @@ struct alignas(16) ConverterRecord {
     ConvertCopy innerCopy;
     unsigned int width;
     unsigned int height;
-    unsigned int pixelBytes;
     PVVIDEOFRAME* current;
     // Whether the lines of the current picture get their alpha as they are
     // converted: RGBA frame pictures, whose lines are whole rows in order.
@@ -145,11 +143,11 @@ void startPicture(void* block, const mpeg2_fbuf_t* frame, const mpeg2_picture_t*
     target->pixels = frame->buf[0];
     target->width = record->width;
     target->height = record->height;
-    target->pixelBytes = record->pixelBytes;
+    target->pixelBytes = record->owner->pixelBytes;
     target->linesConverted = 0;
     target->linesNeeded = picture->nb_fields == 1 ? record->height / 2 : record->height;
-    record->alphaPerCopy = record->pixelBytes == 4 && picture->nb_fields != 1;
-    target->opaque = record->pixelBytes != 4 || record->alphaPerCopy;
+    record->alphaPerCopy = target->pixelBytes == 4 && picture->nb_fields != 1;
+    target->opaque = target->pixelBytes != 4 || record->alphaPerCopy;
     record->current = target;
     if (record->innerStart)
         record->innerStart(innerBlock(block), frame, picture, gop);
@@ -189,7 +187,6 @@ int trackingConverter(int stage, void* block, const mpeg2_sequence_t* sequence, 
         record->innerCopy = result->copy;
         record->width = sequence->width;
         record->height = sequence->height;
-        record->pixelBytes = decoder->pixelBytes;
         record->current = nullptr;
         result->start = startPicture;
         result->copy = copyLines;
@@ -291,7 +288,6 @@ void PVVIDEO::closeStream()
     mpeg2_close(decoder->decoder);
     decoder->decoder = nullptr;
     decoder->info = nullptr;
-    decoder->sequence = nullptr;
     forgetFrames();
 }
 
@@ -324,7 +320,6 @@ bool PVVIDEO::load(const char* file)
     decoder->file = stream;
     decoder->decoder = handle;
     decoder->info = mpeg2_info(handle);
-    decoder->sequence = nullptr;
     decoder->lastRead = -1;
     kvfCopyIfFits(filename, sizeof(filename), file);
     status = PV_VIDEO_STOP;
@@ -352,7 +347,6 @@ bool PVVIDEO::update(unsigned int steps)
 void PVVIDEO::parseStep()
 {
     decoder->state = mpeg2_parse(decoder->decoder);
-    decoder->sequence = decoder->info->sequence;
     switch (decoder->state) {
     case STATE_BUFFER:
         readNextPiece();
