@@ -111,6 +111,7 @@ struct alignas(16) ConverterRecord {
     ConvertCopy innerCopy;
     unsigned int width;
     unsigned int height;
+    unsigned int pixelBytes;
     PVVIDEOFRAME* current;
     // Whether the lines of the current picture get their alpha as they are
     // converted: RGBA frame pictures, whose lines are whole rows in order.
@@ -143,11 +144,11 @@ void startPicture(void* block, const mpeg2_fbuf_t* frame, const mpeg2_picture_t*
     target->pixels = frame->buf[0];
     target->width = record->width;
     target->height = record->height;
-    target->pixelBytes = record->owner->pixelBytes;
+    target->pixelBytes = record->pixelBytes;
     target->linesConverted = 0;
     target->linesNeeded = picture->nb_fields == 1 ? record->height / 2 : record->height;
-    record->alphaPerCopy = target->pixelBytes == 4 && picture->nb_fields != 1;
-    target->opaque = target->pixelBytes != 4 || record->alphaPerCopy;
+    record->alphaPerCopy = record->pixelBytes == 4 && picture->nb_fields != 1;
+    target->opaque = record->pixelBytes != 4 || record->alphaPerCopy;
     record->current = target;
     if (record->innerStart)
         record->innerStart(innerBlock(block), frame, picture, gop);
@@ -187,6 +188,7 @@ int trackingConverter(int stage, void* block, const mpeg2_sequence_t* sequence, 
         record->innerCopy = result->copy;
         record->width = sequence->width;
         record->height = sequence->height;
+        record->pixelBytes = decoder->pixelBytes;
         record->current = nullptr;
         result->start = startPicture;
         result->copy = copyLines;
